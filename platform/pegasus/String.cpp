@@ -1,0 +1,585 @@
+#include <Pegasus/Common/Exception.h>
+#include <Pegasus/Common/String.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstdarg>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <ostream>
+#include <string>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace Pegasus {
+
+// Caught as Exception: the framework does not publish this class either.
+class PEGASUS_COMMON_LINKAGE NullPointer : public Exception {
+public:
+    NullPointer() : Exception("null pointer") {}
+};
+
+namespace {
+
+constexpr Uint32 maximumSize = 0x20000000; // units
+constexpr Uint32 minimumGrowth = 8;        // units
+
+void requirePointer(const void* pointer) {
+    if (pointer == nullptr)
+        throw NullPointer();
+}
+
+Uint32 checkedSize(Uint64 size) {
+    if (size > maximumSize)
+        throw std::bad_alloc();
+    return static_cast<Uint32>(size);
+}
+
+Uint32 lengthOf(const char* text) {
+    requirePointer(text);
+    return checkedSize(std::strlen(text));
+}
+
+Uint32 lengthOf(const Char16* text) {
+    requirePointer(text);
+    Uint64 length = 0;
+    while (Uint16(text[length]) != 0)
+        ++length;
+    return checkedSize(length);
+}
+
+Uint32 roundedCapacity(Uint64 needed) {
+    return std::bit_ceil(std::max(checkedSize(needed), minimumGrowth));
+}
+
+void moveUnits(Uint16* to, const void* from, Uint32 n) {
+    std::memmove(to, from, n * sizeof *to);
+}
+
+Uint16 toLowerAscii(Uint16 unit) {
+    return unit >= 'A' && unit <= 'Z' ? static_cast<Uint16>(unit + ('a' - 'A')) : unit;
+}
+
+// ---- UTF-8 to UTF-16 ----
+
+// Converts the ASCII bytes at the start of the input and returns their number. The output must have
+// room for all n: whole blocks are stored, also where only their beginning counts.
+Uint32 widenAscii(const unsigned char* in, Uint32 n, Uint16* out) {
+    Uint32 i = 0;
+#ifdef __SSE2__
+    const __m128i zero = _mm_setzero_si128();
+    for (; n - i >= 16; i += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
+        __m128i* const units = reinterpret_cast<__m128i*>(out + i);
+        _mm_storeu_si128(units, _mm_unpacklo_epi8(bytes, zero));
+        _mm_storeu_si128(units + 1, _mm_unpackhi_epi8(bytes, zero));
+        if (const int high = _mm_movemask_epi8(bytes); high != 0)
+            return i + static_cast<Uint32>(std::countr_zero(static_cast<Uint32>(high)));
+    }
+#endif
+    for (; n - i >= 8; i += 8) {
+        std::uint64_t bytes;
+        std::memcpy(&bytes, in + i, sizeof bytes);
+        if ((bytes & 0x8080808080808080) != 0)
+            break;
+        for (Uint32 k = 0; k < 8; ++k)
+            out[i + k] = in[i + k];
+    }
+    for (; i < n && in[i] < 0x80; ++i)
+        out[i] = in[i];
+    return i;
+}
+
+struct Sequence {
+    char32_t character;
+    Uint32 length; // bytes; 0: not UTF-8
+};
+
+// One character that begins with a byte above 7F; n > 0.
+Sequence decodeSequence(const unsigned char* in, Uint32 n) {
+    constexpr Sequence refused{0, 0};
+    const Uint32 length = in[0] < 0xE0 ? 2 : in[0] < 0xF0 ? 3 : 4;
+    if (in[0] < 0xC2 || in[0] > 0xF4 || n < length)
+        return refused;
+    char32_t character = in[0] & (0x7Fu >> length);
+    for (Uint32 k = 1; k < length; ++k) {
+        if ((in[k] & 0xC0) != 0x80)
+            return refused;
+        character = character << 6 | (in[k] & 0x3Fu);
+    }
+    // Overlong forms; two bytes cannot be, from C2 on.
+    if ((length == 3 && character < 0x800) || (length == 4 && character < 0x10000) ||
+        character > 0x10FFFF)
+        return refused;
+    const bool isSurrogate = character >= 0xD800 && character <= 0xDFFF;
+    if (isSurrogate || character == 0xFFFE || character == 0xFFFF)
+        character = 0xFFFD;
+    return {character, length};
+}
+
+struct Decoded {
+    Uint32 bytes; // less than given: a sequence that is not UTF-8 begins here
+    Uint32 units;
+};
+
+// The output must have room for n units: no character has more units than bytes.
+Decoded decodeUtf8(const unsigned char* in, Uint32 n, Uint16* out) {
+    Uint32 i = 0;
+    Uint32 o = 0;
+    while (i < n) {
+        const Uint32 ascii = widenAscii(in + i, n - i, out + o);
+        i += ascii;
+        o += ascii;
+        while (i < n && in[i] >= 0x80) {
+            const Sequence next = decodeSequence(in + i, n - i);
+            if (next.length == 0)
+                return {i, o};
+            i += next.length;
+            if (next.character < 0x10000) {
+                out[o++] = static_cast<Uint16>(next.character);
+            } else {
+                out[o++] = static_cast<Uint16>(0xD7C0 + (next.character >> 10));
+                out[o++] = static_cast<Uint16>(0xDC00 + (next.character & 0x3FF));
+            }
+        }
+    }
+    return {i, o};
+}
+
+[[noreturn]] void throwNotUtf8(const unsigned char* text, Uint32 n, Uint32 bad) {
+    constexpr Uint32 bytesBefore = 40;
+    constexpr Uint32 bytesAfter = 10;
+    char buffer[160];
+    std::snprintf(buffer, sizeof buffer,
+                  "The byte sequence starting at index %u is not valid UTF-8 encoding: ", bad);
+    std::string message = buffer;
+    // What precedes is UTF-8 from the next character on.
+    Uint32 from = bad > bytesBefore ? bad - bytesBefore : 0;
+    while (from < bad && (text[from] & 0xC0) == 0x80)
+        ++from;
+    for (; from < bad && text[from] != 0; ++from)
+        message += static_cast<char>(text[from]);
+    for (Uint32 i = bad; i < n && i <= bad + bytesAfter; ++i) {
+        std::snprintf(buffer, sizeof buffer, " 0x%02X", text[i]);
+        message += buffer;
+    }
+    throw Exception(String(message.c_str()));
+}
+
+// ---- UTF-16 to UTF-8 ----
+
+// Converts the ASCII units at the start of the input and returns their number.
+Uint32 narrowAscii(const Uint16* in, Uint32 n, char* out) {
+    Uint32 i = 0;
+#ifdef __SSE2__
+    const __m128i notAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
+    for (; n - i >= 16; i += 16) {
+        const __m128i* const units = reinterpret_cast<const __m128i*>(in + i);
+        const __m128i a = _mm_loadu_si128(units);
+        const __m128i b = _mm_loadu_si128(units + 1);
+        const __m128i high = _mm_and_si128(_mm_or_si128(a, b), notAscii);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi8(high, _mm_setzero_si128())) != 0xFFFF)
+            break;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(a, b));
+    }
+#endif
+    for (; n - i >= 4; i += 4) {
+        std::uint64_t units;
+        std::memcpy(&units, in + i, sizeof units);
+        if ((units & 0xFF80FF80FF80FF80) != 0)
+            break;
+        for (Uint32 k = 0; k < 4; ++k)
+            out[i + k] = static_cast<char>(in[i + k]);
+    }
+    for (; i < n && in[i] < 0x80; ++i)
+        out[i] = static_cast<char>(in[i]);
+    return i;
+}
+
+// The output must have room for three bytes a unit; returns its end. A lone surrogate is written
+// like any other unit, unless it is a high one at the very end: that one is left out.
+char* encodeUtf8(const Uint16* in, Uint32 n, char* out) {
+    Uint32 i = 0;
+    while (i < n) {
+        const Uint32 ascii = narrowAscii(in + i, n - i, out);
+        i += ascii;
+        out += ascii;
+        while (i < n && in[i] >= 0x80) {
+            char32_t character = in[i++];
+            if ((character & 0xFC00) == 0xD800) {
+                if (i == n)
+                    return out;
+                if ((in[i] & 0xFC00) == 0xDC00)
+                    character = (character - 0xD7C0) << 10 | (in[i++] & 0x3FFu);
+            }
+            const auto put = [&out](char32_t byte) { *out++ = static_cast<char>(byte); };
+            if (character < 0x800) {
+                put(0xC0 | character >> 6);
+            } else {
+                if (character < 0x10000) {
+                    put(0xE0 | character >> 12);
+                } else {
+                    put(0xF0 | character >> 18);
+                    put(0x80 | (character >> 12 & 0x3F));
+                }
+                put(0x80 | (character >> 6 & 0x3F));
+            }
+            put(0x80 | (character & 0x3F));
+        }
+    }
+    return out;
+}
+
+// ---- Comparing ----
+
+// Up to n units, or up to the first NUL; both texts are terminated.
+template <typename Fold>
+int compareUnits(const Uint16* a, const Uint16* b, Uint32 n, Fold fold) {
+    for (Uint32 i = 0; i < n; ++i) {
+        const int difference = fold(a[i]) - fold(b[i]);
+        if (difference != 0 || a[i] == 0)
+            return difference;
+    }
+    return 0;
+}
+
+Uint16 asItIs(Uint16 unit) {
+    return unit;
+}
+
+} // namespace
+
+// ---- CString ----
+
+CString::CString(const CString& other) : text_(nullptr) {
+    if (other.text_ != nullptr) {
+        const std::size_t size = std::strlen(other.text_) + 1;
+        text_ = new char[size];
+        std::memcpy(text_, other.text_, size);
+    }
+}
+
+CString& CString::operator=(const CString& other) {
+    CString copy(other);
+    std::swap(text_, copy.text_);
+    return *this;
+}
+
+// ---- String: blocks ----
+
+constinit const String::Block String::emptyBlock{};
+
+// constexpr: nothing to destroy at exit. A reference to it, because a constexpr class member would
+// be an inline variable, which GCC makes a "unique" symbol, and those forbid unloading a library.
+namespace {
+constexpr String emptyText;
+}
+constinit const String& String::EMPTY = emptyText;
+
+String::Block* String::allocate(Uint64 capacity) {
+    const Uint32 checked = checkedSize(capacity);
+    void* const memory = ::operator new(sizeof(Block) + checked * sizeof(Char16));
+    return ::new (memory) Block{1, 0, checked, {}};
+}
+
+void String::deallocate(Block* block) {
+    ::operator delete(block);
+}
+
+// Afterwards the block is ours alone, holds the same text and has the capacity.
+void String::makeWritable(Uint32 capacity) {
+    if (block_->isWritable(capacity))
+        return;
+    Block* const own = allocate(std::max(capacity, block_->size));
+    moveUnits(own->units, block_->units, block_->size);
+    own->setSize(block_->size);
+    replaceBlock(own);
+}
+
+void String::throwIndexOutOfBounds() {
+    throw IndexOutOfBoundsException();
+}
+
+// ---- String: construction and assignment ----
+
+String::String(const String& other, Uint32 n) : String() {
+    if (n > other.size())
+        throwIndexOutOfBounds();
+    *this = other.subString(0, n);
+}
+
+String::String(const char* text) : String() {
+    assign(text);
+}
+
+String::String(const char* text, Uint32 n) : String() {
+    assign(text, n);
+}
+
+String::String(const Char16* text) : String() {
+    assign(text);
+}
+
+String::String(const Char16* text, Uint32 n) : String() {
+    assign(text, n);
+}
+
+String& String::assign(const String& other) {
+    retain(other.block_); // first: other may be *this
+    replaceBlock(other.block_);
+    return *this;
+}
+
+String& String::assign(const char* text) {
+    return assign(text, lengthOf(text));
+}
+
+String& String::assign(const char* text, Uint32 n) {
+    requirePointer(text);
+    clear();
+    if (n == 0)
+        return *this;
+    // No more units than bytes, and for ASCII just as many. The cleared block is ours alone or the
+    // constant one, which has no capacity.
+    if (block_->capacity < n)
+        replaceBlock(allocate(n));
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
+    const Decoded decoded = decodeUtf8(bytes, n, block_->units);
+    if (decoded.bytes < n) {
+        clear();
+        throwNotUtf8(bytes, n, decoded.bytes);
+    }
+    block_->setSize(decoded.units);
+    return *this;
+}
+
+String& String::assign(const Char16* text) {
+    return assign(text, lengthOf(text));
+}
+
+String& String::assign(const Char16* text, Uint32 n) {
+    requirePointer(text);
+    // The text may lie in our own block: that one goes last.
+    Block* const target = block_->isWritable(n) ? block_ : allocate(n);
+    moveUnits(target->units, text, n);
+    target->setSize(n);
+    if (target != block_)
+        replaceBlock(target);
+    return *this;
+}
+
+void String::clear() {
+    if (block_->isWritable(0))
+        block_->setSize(0);
+    else
+        replaceBlock(const_cast<Block*>(&emptyBlock));
+}
+
+void String::reserveCapacity(Uint32 n) {
+    makeWritable(roundedCapacity(n));
+}
+
+// ---- String: access ----
+
+CString String::getCString() const {
+    // Nearly all text is ASCII: only the rest is given three bytes a unit.
+    const Uint16* const units = block_->units;
+    const Uint32 n = size();
+    std::unique_ptr<char[]> text(new char[n + 1]);
+    const Uint32 ascii = narrowAscii(units, n, text.get());
+    char* end = text.get() + ascii;
+    if (ascii < n) {
+        std::unique_ptr<char[]> longer(new char[ascii + (n - ascii) * std::size_t{3} + 1]);
+        std::memcpy(longer.get(), text.get(), ascii);
+        text = std::move(longer);
+        end = encodeUtf8(units + ascii, n - ascii, text.get() + ascii);
+    }
+    *end = '\0';
+    return CString(text.release());
+}
+
+Char16& String::operator[](Uint32 index) {
+    if (index > size())
+        throwIndexOutOfBounds();
+    makeWritable(0);
+    return *asChar16(block_->units + index);
+}
+
+String String::subString(Uint32 index, Uint32 n) const {
+    if (index >= size())
+        return String();
+    n = std::min(n, size() - index);
+    return n == size() ? *this : String(getChar16Data() + index, n);
+}
+
+Uint32 String::find(Char16 unit) const {
+    return find(0, unit);
+}
+
+Uint32 String::find(Uint32 index, Char16 unit) const {
+    if (index > size())
+        throwIndexOutOfBounds();
+    const Uint16* const units = block_->units;
+    const Uint16* const end = units + size();
+    const Uint16* const found = std::find(units + index, end, Uint16(unit));
+    return found == end ? PEG_NOT_FOUND : static_cast<Uint32>(found - units);
+}
+
+Uint32 String::find(const String& other) const {
+    const Uint16* const units = block_->units;
+    const Uint16* const end = units + size();
+    const Uint16* const text = other.block_->units;
+    const Uint16* const found = std::search(units, end, text, text + other.size());
+    return found == end || other.size() == 0 ? PEG_NOT_FOUND : static_cast<Uint32>(found - units);
+}
+
+Uint32 String::reverseFind(Char16 unit) const {
+    for (Uint32 i = size(); i > 0; --i)
+        if (block_->units[i - 1] == Uint16(unit))
+            return i - 1;
+    return PEG_NOT_FOUND;
+}
+
+// ---- String: changes ----
+
+String& String::append(const Char16& unit) {
+    return append(&unit, 1);
+}
+
+String& String::append(const Char16* text, Uint32 n) {
+    requirePointer(text);
+    const Uint32 oldSize = size();
+    const Uint32 newSize = checkedSize(Uint64{oldSize} + n);
+    // The text may lie in our own block: that one goes last.
+    Block* target = block_;
+    if (!block_->isWritable(newSize)) {
+        target = allocate(roundedCapacity(newSize));
+        moveUnits(target->units, block_->units, oldSize);
+    }
+    moveUnits(target->units + oldSize, text, n);
+    target->setSize(newSize);
+    if (target != block_)
+        replaceBlock(target);
+    return *this;
+}
+
+String& String::append(const String& other) {
+    return append(other.getChar16Data(), other.size());
+}
+
+void String::appendPrintf(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::va_list measured;
+    va_copy(measured, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, measured);
+    va_end(measured);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
+    va_end(arguments);
+    append(String(text.c_str()));
+}
+
+void String::remove(Uint32 index, Uint32 n) {
+    if (index > size())
+        throwIndexOutOfBounds();
+    const Uint32 rest = size() - index;
+    if (n == PEG_NOT_FOUND)
+        n = rest;
+    if (n > rest)
+        throwIndexOutOfBounds();
+    makeWritable(0);
+    moveUnits(block_->units + index, block_->units + index + n, rest - n);
+    block_->setSize(size() - n);
+}
+
+void String::toLower() {
+    makeWritable(0);
+    for (Uint32 i = 0; i < size(); ++i)
+        block_->units[i] = toLowerAscii(block_->units[i]);
+}
+
+// ---- Comparing ----
+
+int String::compare(const String& a, const String& b) {
+    return compare(a, b, PEG_NOT_FOUND);
+}
+
+int String::compare(const String& a, const String& b, Uint32 n) {
+    return compareUnits(a.block_->units, b.block_->units, n, asItIs);
+}
+
+int String::compareNoCase(const String& a, const String& b) {
+    return compareUnits(a.block_->units, b.block_->units, PEG_NOT_FOUND, toLowerAscii);
+}
+
+Boolean String::equal(const String& a, const String& b) {
+    return a.size() == b.size() &&
+           std::memcmp(a.block_->units, b.block_->units, a.size() * sizeof(Uint16)) == 0;
+}
+
+Boolean String::equalNoCase(const String& a, const String& b) {
+    const Uint16* const units = a.block_->units;
+    return a.size() == b.size() &&
+           std::equal(units, units + a.size(), b.block_->units,
+                      [](Uint16 x, Uint16 y) { return toLowerAscii(x) == toLowerAscii(y); });
+}
+
+Boolean operator==(const String& a, const String& b) {
+    return String::equal(a, b);
+}
+Boolean operator==(const String& a, const char* b) {
+    return String::equal(a, b);
+}
+Boolean operator==(const char* a, const String& b) {
+    return String::equal(a, b);
+}
+Boolean operator!=(const String& a, const String& b) {
+    return !String::equal(a, b);
+}
+
+Boolean operator<(const String& a, const String& b) {
+    return String::compare(a, b) < 0;
+}
+Boolean operator<=(const String& a, const String& b) {
+    return String::compare(a, b) <= 0;
+}
+Boolean operator>(const String& a, const String& b) {
+    return String::compare(a, b) > 0;
+}
+Boolean operator>=(const String& a, const String& b) {
+    return String::compare(a, b) >= 0;
+}
+
+String operator+(const String& a, const String& b) {
+    String both(a);
+    both.append(b);
+    return both;
+}
+
+std::ostream& operator<<(std::ostream& out, const String& text) {
+    std::string bytes;
+    std::size_t first = 0;
+    for (Uint32 i = 0; i < text.size(); ++i) {
+        const Uint16 unit = text[i];
+        if (unit > 0 && unit <= 0xFF) {
+            bytes += static_cast<char>(unit);
+        } else {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\x%04X", unit);
+            bytes += escape;
+        }
+        if (i == 0)
+            first = bytes.size();
+    }
+    if (text.size() == 0)
+        return out;
+    out << bytes.substr(0, first);
+    return out.write(bytes.data() + first, static_cast<std::streamsize>(bytes.size() - first));
+}
+
+} // namespace Pegasus

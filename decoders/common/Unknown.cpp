@@ -1,0 +1,24 @@
+#include "decoders/common/Unknown.h"
+
+#include "event/TextWriter.h"
+#include "platform/trace/ProviderTraceServices.h"
+
+namespace Pegasus::mpu {
+
+String hexBody(const EmpEvLogMsg_s* record) {
+    const char* payload = reinterpret_cast<const char*>(record + 1);
+    BodyWriter body;
+    body.reserve(2u * record->evStructLength + sizeof "<Hex></Hex>"); // grows at most once
+    body.put("<Hex>").hexBytes({payload, record->evStructLength}).put("</Hex>");
+    return body.string();
+}
+
+void traceUnknown(const char* source, int line, const char* what, const EmpEvLogMsg_s* record) {
+    if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
+        return;
+    LineWriter id;
+    id.decimal<std::uint16_t>(record->eventId);
+    ProviderTraceServices::ptsTrace(source, line, {what, id.view()});
+}
+
+} // namespace Pegasus::mpu

@@ -1,0 +1,21 @@
+#include "decoders/generic/Derived_Events.h"
+
+namespace Pegasus {
+
+ISCSI28P_Event::ISCSI28P_Event(const EmpEvLogMsg_s* record, int length)
+    : Avrel_Event(record, static_cast<unsigned int>(length)) {}
+ISCSI28P_Event::~ISCSI28P_Event() = default;
+
+CACHE28P_Event::CACHE28P_Event(const EmpEvLogMsg_s* record, int length)
+    : Avrel_Event(record, static_cast<unsigned int>(length)) {}
+CACHE28P_Event::~CACHE28P_Event() = default;
+
+DDLMMP_Event::DDLMMP_Event(const EmpEvLogMsg_s* record, int length)
+    : SYSTEM_CONFIGMP_Event(record, length) {}
+DDLMMP_Event::~DDLMMP_Event() = default;
+
+AIMMP_Event::AIMMP_Event(const EmpEvLogMsg_s* record, int length)
+    : SYSTEM_CONFIGMP_Event(record, length) {}
+AIMMP_Event::~AIMMP_Event() = default;
+
+} // namespace Pegasus

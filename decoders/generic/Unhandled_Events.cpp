@@ -1,0 +1,32 @@
+#include "decoders/generic/Unhandled_Events.h"
+
+#include "decoders/common/Unknown.h"
+
+namespace Pegasus {
+
+using namespace mpu;
+
+// The line number is that of the trace line, which shows the event id in decimal behind its "0x".
+#define MPUEVENT_UNHANDLED(MODULE, LINE)                                                           \
+    MODULE##_Event::MODULE##_Event(const EmpEvLogMsg_s* record, int length)                        \
+        : Avrel_Event(record, static_cast<unsigned int>(length)) {                                 \
+        if (!record)                                                                               \
+            return;                                                                                \
+        traceUnknown(#MODULE "_Event", LINE, "Unknown EventID: 0x", record);                       \
+        summary_ = "Unhandled Event by " #MODULE;                                                  \
+        body_ = hexBody(record);                                                                   \
+    }                                                                                              \
+    MODULE##_Event::~MODULE##_Event() = default;                                                   \
+    String get_##MODULE##_such_and_such_event_body(const EmpEvLogMsg_s*) {                         \
+        return "Sample Body text";                                                                 \
+    }
+
+MPUEVENT_UNHANDLED(ICHAR, 98)
+MPUEVENT_UNHANDLED(OB0, 102)
+MPUEVENT_UNHANDLED(OB1, 102)
+MPUEVENT_UNHANDLED(HACCMP, 102)
+MPUEVENT_UNHANDLED(MSMMP, 102)
+MPUEVENT_UNHANDLED(DRIVEADMP, 98)
+MPUEVENT_UNHANDLED(SNMPMP, 102)
+
+} // namespace Pegasus

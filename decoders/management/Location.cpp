@@ -1,0 +1,63 @@
+#include "decoders/management/Location.h"
+
+namespace Pegasus::mpu {
+
+namespace {
+
+constexpr std::size_t kFileAt = offsetof(LocationBlock, text);
+
+void copyText(char* out, std::string_view text) {
+    if (!text.empty())
+        std::memcpy(out, text.data(), text.size());
+    out[text.size()] = '\0';
+}
+
+} // namespace
+
+Location locationOf(RecordView block) {
+    Location found;
+    found.line = block.u16(0);
+    found.file = block.text(kFileAt, sizeof(LocationBlock) - kFileAt);
+    const std::size_t functionAt = kFileAt + found.file.size() + 1;
+    if (functionAt < sizeof(LocationBlock))
+        found.function = block.text(functionAt, sizeof(LocationBlock) - functionAt);
+    return found;
+}
+
+void unpackLocation(const LocationBlock& block, int& line, char* function, char* file) {
+    const Location found = locationOf({&block, sizeof block});
+    line = found.line;
+    copyText(function, found.function);
+    copyText(file, found.file);
+}
+
+LocatedRecord::LocatedRecord(RecordView record, Block block)
+    : record_(record), data_(record.from(sizeof(EmpEvLogMsg_s))) {
+    if (block == Block::Always || record.u16(144) > sizeof(LocationBlock)) {
+        location_ = locationOf(data_.from(0, sizeof(LocationBlock)));
+        data_ = data_.from(sizeof(LocationBlock));
+    }
+}
+
+void LocatedRecord::putText(TextWriter& body, std::string_view text) {
+    body.element("Text", text, " ");
+}
+
+void LocatedRecord::putDump(TextWriter& body, std::string_view text) const {
+    const Behind rest = behind(text);
+    const std::size_t left = rest.left > 0 ? static_cast<std::size_t>(rest.left) : 0;
+    body.put("<Hex>").hexBytes(rest.data.bytes(0, left)).put("</Hex>\n");
+}
+
+void LocatedRecord::putTrailer(TextWriter& body) const {
+    body.element("File", location_.file, " ").element("Func", location_.function, " ");
+    body.put("<Line>").decimal(location_.line).put("</Line> ");
+}
+
+LocatedRecord::Behind LocatedRecord::behind(std::string_view text) const {
+    const int room = static_cast<int>(record_.u16(144)) - static_cast<int>(sizeof(LocationBlock));
+    const int taken = static_cast<int>(text.size()) + 1;
+    return room >= taken ? Behind{data_.from(text.size() + 1), room - taken} : Behind{data_, room};
+}
+
+} // namespace Pegasus::mpu

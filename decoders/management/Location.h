@@ -1,0 +1,65 @@
+// What the management decoders share: the location block at the head of a payload, the order of
+// text and structure behind it, and the elements that both end with.
+#pragma once
+
+#include "event/RecordView.h"
+#include "event/TextWriter.h"
+
+namespace Pegasus::mpu {
+
+// 32 bytes: where in the firmware's sources the event was raised.
+struct LocationBlock {
+    Big<std::uint16_t> line;
+    char text[30]; // file name and its NUL, then the function name, up to the end of the block
+};
+static_assert(sizeof(LocationBlock) == 32);
+
+struct Location {
+    std::uint16_t line = 0;
+    std::string_view file;
+    std::string_view function;
+};
+Location locationOf(RecordView block);
+
+// Unpacks `block` for callers with buffers of 32 characters each.
+void unpackLocation(const LocationBlock& block, int& line, char* function, char* file);
+
+// A record with a location block in front of its data. Some events have the block always, others
+// when the payload is longer than it.
+class LocatedRecord {
+public:
+    enum class Block : std::uint8_t { Always, WhenLonger };
+    LocatedRecord(RecordView record, Block block);
+
+    std::uint8_t severity() const { return record_.u8(147); }
+    RecordView data() const { return data_; }
+
+    // "<Text>text</Text> "
+    static void putText(TextWriter& body, std::string_view text);
+    // "<Hex>", the bytes behind `text`, "</Hex>\n"
+    void putDump(TextWriter& body, std::string_view text) const;
+    // File, Func and Line
+    void putTrailer(TextWriter& body) const;
+
+    // For data that begin with a text: what is behind it, and how many bytes the payload has left
+    // there. That may be negative: the block is always counted. A text that the payload can't hold
+    // takes no room.
+    struct Behind {
+        RecordView data;
+        int left;
+    };
+    Behind behind(std::string_view text) const;
+
+private:
+    RecordView record_;
+    RecordView data_;
+    Location location_;
+};
+
+// Up to three titles of an event, by severity.
+inline std::string_view titleOf(std::uint8_t severity, std::string_view error,
+                                std::string_view warning, std::string_view other) {
+    return severity == 3 ? error : severity == 2 ? warning : other;
+}
+
+} // namespace Pegasus::mpu

@@ -1,0 +1,77 @@
+// The one place that knows all decoders: a new one is added by a row here.
+#include "event/Dispatch.h"
+
+#include "decoders/generic/Derived_Events.h"
+#include "decoders/generic/Unhandled_Events.h"
+#include "decoders/management/SYSTEM_CONFIGMP_Event.h"
+
+#include <atomic>
+#include <iterator>
+
+namespace Pegasus {
+
+namespace {
+
+template <class Decoder>
+Avrel_Event* make(const EmpEvLogMsg_s* record, int length) {
+    return new Decoder(record, length);
+}
+
+constexpr DecoderFactory kPlain = nullptr; // header fields alone
+
+// By module id, the record's source byte.
+constexpr DecoderFactory kDecoders[] = {
+    /*  0 iSCSI 1     */ kPlain,
+    /*  1 iSCSI 2     */ make<ISCSI28P_Event>,
+    /*  2 SCSI        */ kPlain,
+    /*  3 Cache 1     */ kPlain,
+    /*  4 Cache 2     */ make<CACHE28P_Event>,
+    /*  5 I/O Mgr     */ kPlain,
+    /*  6 Dev Mgr     */ kPlain,
+    /*  7 MIP         */ kPlain,
+    /*  8 PieMan      */ kPlain,
+    /*  9 AWR         */ kPlain,
+    /* 10 VPI         */ kPlain,
+    /* 11 MIP Local   */ kPlain,
+    /* 12 iChar       */ make<ICHAR_Event>,
+    /* 13 OB0         */ make<OB0_Event>,
+    /* 14 OB1         */ make<OB1_Event>,
+    /* 15 HACC        */ make<HACCMP_Event>,
+    /* 16 MSM         */ make<MSMMP_Event>,
+    /* 17 RCP         */ kPlain,
+    /* 18 Startup     */ kPlain,
+    /* 19 DDLM        */ make<DDLMMP_Event>,
+    /* 20 Vol Mgr     */ kPlain,
+    /* 21 Drive Admin */ make<DRIVEADMP_Event>,
+    /* 22 ICS         */ kPlain,
+    /* 23 SCC         */ make<SYSTEM_CONFIGMP_Event>,
+    /* 24 NCS         */ kPlain,
+    /* 25 AIM         */ make<AIMMP_Event>,
+    /* 26 ESM         */ kPlain,
+    /* 27 EMP         */ kPlain,
+    /* 28 SNMP        */ make<SNMPMP_Event>,
+    /* 29 SMIS        */ kPlain,
+    /* 30 SMIS IND    */ kPlain,
+    /* 31 iSNS        */ kPlain,
+    /* 32             */ kPlain,
+    /* 33 ESA         */ kPlain,
+};
+
+constinit std::atomic<DecoderFactory> registered[256]{};
+
+} // namespace
+
+DecoderFactory mpu::decoderOf(unsigned char source) {
+    if (source < std::size(kDecoders) && kDecoders[source])
+        return kDecoders[source];
+    return registered[source].load(std::memory_order_acquire);
+}
+
+bool MPUEvent::registerDecoder(unsigned char source, DecoderFactory factory) {
+    if (source < std::size(kDecoders) && kDecoders[source])
+        return false;
+    registered[source].store(factory, std::memory_order_release);
+    return true;
+}
+
+} // namespace Pegasus

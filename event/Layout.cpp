@@ -1,0 +1,127 @@
+#include "event/Layout.h"
+
+namespace Pegasus::mpu {
+
+namespace {
+
+// Copies whole blocks: both sides have kSlack bytes to spare.
+inline char* putLiteral(char* out, const char* text, std::size_t count) {
+    std::memcpy(out, text, TextWriter::kSlack);
+    if (count > TextWriter::kSlack)
+        std::memcpy(out + TextWriter::kSlack, text + TextWriter::kSlack,
+                    count - TextWriter::kSlack);
+    return out + count;
+}
+
+inline std::uint64_t loadNumber(const std::uint8_t* at, unsigned size) {
+    switch (size) {
+    case 1:
+        return *at;
+    case 2:
+        return loadBig<std::uint16_t>(at);
+    case 4:
+        return loadBig<std::uint32_t>(at);
+    case 8:
+        return loadBig<std::uint64_t>(at);
+    default:
+        std::uint64_t value = 0;
+        for (unsigned i = 0; i < size; ++i)
+            value = value << 8 | at[i];
+        return value;
+    }
+}
+
+std::string_view trimBlanks(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+} // namespace
+
+void write(TextWriter& out, const Layout& layout, RecordView view) {
+    // Checked once: behind this every number lies inside.
+    std::uint8_t padded[kMaxExtent];
+    const std::uint8_t* bytes = view.data();
+    if (view.size() < layout.extent) {
+        std::memset(padded, 0, layout.extent);
+        if (view.size() != 0)
+            std::memcpy(padded, bytes, view.size());
+        bytes = padded;
+    }
+    const char* text = layout.text;
+    char* next = out.reserve(layout.room);
+    for (const Step* step = layout.steps;; ++step) {
+        next = putLiteral(next, text, step->lead);
+        text += step->lead;
+        const std::uint8_t* at = bytes + step->at;
+        switch (step->op) {
+        case Step::End:
+            out.commit(next);
+            return;
+        case Step::Literal:
+            break;
+        case Step::Upper4x8:
+            next = putHex8(next, loadBig<std::uint32_t>(at), Case::Upper);
+            break;
+        case Step::Signed:
+            next = putSigned(next, static_cast<std::int32_t>(loadBig<std::uint32_t>(at)));
+            break;
+        case Step::Unsigned:
+            if (step->size <= 4)
+                next = putDecimal(next, static_cast<std::uint32_t>(loadNumber(at, step->size)));
+            else
+                next = putDecimal(next, loadNumber(at, step->size));
+            break;
+        case Step::Upper:
+            next = putHex(next, loadNumber(at, step->size), step->aux, Case::Upper);
+            break;
+        case Step::Lower:
+            next = putHex(next, loadNumber(at, step->size), step->aux, Case::Lower);
+            break;
+        case Step::Pointer: {
+            const std::uint32_t value = loadBig<std::uint32_t>(at);
+            const std::string_view lead = value == 0 ? "(nil)" : "0x";
+            std::memcpy(next, lead.data(), lead.size());
+            next += lead.size();
+            if (value != 0)
+                next = putHex(next, value, 1, Case::Lower);
+            break;
+        }
+        case Step::Float:
+            next = putFloat(next, loadBig<std::uint32_t>(at));
+            break;
+        case Step::Name:
+            next = layout.names[step->aux]->put(next, loadNumber(at, step->size));
+            break;
+        case Step::Bit: {
+            const std::uint64_t value = loadNumber(at, step->size);
+            const bool set = step->bit == kAnyBit ? value != 0 : (value >> step->bit & 1) != 0;
+            const std::string_view name = layout.names[step->aux]->at(set);
+            std::memcpy(next, name.data(), name.size());
+            next += name.size();
+            break;
+        }
+        case Step::Text:
+        case Step::Trimmed: {
+            std::string_view found =
+                view.text(step->at, step->extra ? step->extra : RecordView::kToEnd);
+            if (step->op == Step::Trimmed)
+                found = trimBlanks(found);
+            out.commit(next);
+            out.text(found);
+            next = out.reserve(layout.room);
+            break;
+        }
+        case Step::SkipZero:
+            if (loadNumber(at, step->size) == 0) {
+                text += step->extra;
+                step += step->aux;
+            }
+            break;
+        }
+    }
+}
+
+} // namespace Pegasus::mpu

@@ -1,0 +1,24 @@
+#include "event/Names.h"
+
+namespace Pegasus::mpu {
+
+char* NameTable::put(char* out, std::uint64_t code) const {
+    std::string_view name = find(code);
+    if (name.empty()) {
+        switch (otherwise) {
+        case Otherwise::Number:
+            return putSigned(out, static_cast<std::int32_t>(code));
+        case Otherwise::Unknown:
+            std::memcpy(out, "Unknown (", 9);
+            out = putDecimal(out + 9, code);
+            *out++ = ')';
+            return out;
+        case Otherwise::Last:
+            name = at(count - 1u);
+        }
+    }
+    std::memcpy(out, name.data(), name.size());
+    return out + name.size();
+}
+
+} // namespace Pegasus::mpu

@@ -1,0 +1,72 @@
+// The only way to the bytes of a record.
+#pragma once
+
+#include "event/EmpEvLogMsg_s.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace Pegasus::mpu {
+
+// A bounded run of bytes. Every operation is total: past the end bytes read as zero (a number that
+// straddles the end keeps its inside bytes), texts end and runs of bytes are cut.
+class RecordView {
+public:
+    static constexpr std::size_t kToEnd = static_cast<std::size_t>(-1);
+
+    RecordView() = default;
+    RecordView(const void* data, std::size_t size)
+        : data_(static_cast<const std::uint8_t*>(data)), size_(size) {}
+
+    // The readable extent of a record: what was announced, or what the record claims if that is
+    // more. Lengths that no message can carry count as nothing announced.
+    static RecordView of(const EmpEvLogMsg_s* record, unsigned int announced) {
+        const std::size_t claimed = sizeof *record + record->evStructLength;
+        return {record, announced > 0xFFFF ? claimed : std::max<std::size_t>(announced, claimed)};
+    }
+
+    const std::uint8_t* data() const { return data_; }
+    std::size_t size() const { return size_; }
+
+    std::uint8_t u8(std::size_t at) const { return at < size_ ? data_[at] : std::uint8_t{0}; }
+    std::uint16_t u16(std::size_t at) const { return load<std::uint16_t>(at); }
+    std::uint32_t u32(std::size_t at) const { return load<std::uint32_t>(at); }
+    std::uint64_t u64(std::size_t at) const { return load<std::uint64_t>(at); }
+
+    // The bytes from `at` on, at most `count`.
+    std::string_view bytes(std::size_t at, std::size_t count = kToEnd) const {
+        if (at >= size_)
+            return {};
+        return {reinterpret_cast<const char*>(data_) + at, std::min(count, size_ - at)};
+    }
+
+    // The text from `at` to its NUL, at most `width` bytes.
+    std::string_view text(std::size_t at, std::size_t width = kToEnd) const {
+        const std::string_view run = bytes(at, width);
+        const void* nul = run.empty() ? nullptr : std::memchr(run.data(), 0, run.size());
+        return nul ? run.substr(
+                         0, static_cast<std::size_t>(static_cast<const char*>(nul) - run.data()))
+                   : run;
+    }
+
+    RecordView from(std::size_t at, std::size_t count = kToEnd) const {
+        const std::string_view run = bytes(at, count);
+        return {run.data(), run.size()};
+    }
+
+private:
+    template <class T>
+    T load(std::size_t at) const {
+        if (at < size_ && size_ - at >= sizeof(T))
+            return loadBig<T>(data_ + at);
+        std::uint8_t inside[sizeof(T)] = {};
+        for (std::size_t i = 0; i < sizeof(T); ++i)
+            inside[i] = u8(at + i);
+        return loadBig<T>(inside);
+    }
+
+    const std::uint8_t* data_ = nullptr;
+    std::size_t size_ = 0;
+};
+
+} // namespace Pegasus::mpu

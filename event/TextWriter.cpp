@@ -1,0 +1,202 @@
+#include "event/TextWriter.h"
+
+#include "event/Ascii.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+namespace Pegasus::mpu {
+
+TextWriter::~TextWriter() {
+    if (begin_ != room_)
+        std::free(begin_);
+}
+
+void TextWriter::grow(std::size_t count) {
+    const std::size_t used = static_cast<std::size_t>(next_ - begin_);
+    const std::size_t held = static_cast<std::size_t>(end_ - begin_);
+    const std::size_t size = held > count ? 2 * held : used + count + held;
+    char* bigger = static_cast<char*>(std::realloc(begin_ == room_ ? nullptr : begin_, size));
+    if (!bigger)
+        throw std::bad_alloc();
+    if (begin_ == room_)
+        std::memcpy(bigger, room_, used);
+    begin_ = bigger;
+    next_ = bigger + used;
+    end_ = bigger + size;
+}
+
+char* putSafeRun(char* out, std::string_view text) {
+    for (char c : text) {
+        out[0] = kSafeCharacters[static_cast<unsigned char>(c)];
+        out[1] = ' ';
+        out += c == '=' ? 2 : 1;
+    }
+    return out;
+}
+
+TextWriter& TextWriter::text(std::string_view text) {
+    if (texts_ == Texts::Raw)
+        return put(text);
+    if (text.find('<') != std::string_view::npos) {
+        markup_ = true;
+        return put(text);
+    }
+    commit(putSafeRun(reserve(2 * text.size()), text));
+    return *this;
+}
+
+void putDump(TextWriter& out, std::string_view bytes) {
+    constexpr std::size_t kHalf = 8;
+    for (std::size_t at = 0; at < bytes.size(); at += 2 * kHalf) {
+        const std::string_view group = bytes.substr(at, 2 * kHalf);
+        out.put("0x").hexLower(at, 4).put("=").hexBytes(group.substr(0, kHalf)).put(" | ");
+        out.hexBytes(group.substr(std::min(kHalf, group.size()))).put(";");
+    }
+}
+
+String TextWriter::string() const {
+    if (!markup_)
+        return toString(view());
+    StackWriter<1024> safe;
+    putSafe(safe, view());
+    return toString(safe.view());
+}
+
+namespace {
+
+// Elements nested deeper are taken for text. Ours nest twice; the limit keeps hostile nesting from
+// costing more than a constant times the length of the text, and so does the one on tag names.
+constexpr unsigned kMaxDepth = 64;
+constexpr std::size_t kMaxTag = 1024;
+
+struct Element {
+    std::size_t content;   // behind the opening tag
+    std::size_t closer;    // at the "</" that ends the content
+    std::size_t closerEnd; // behind the closing tag
+};
+
+// Finds the element that opens at `at`, all of it before `end`. A name has at least one character,
+// so a ">" directly behind the "<" belongs to it. "</>" closes any element; else the first "</"
+// that the name follows does, and the character behind the name passes for the ">".
+bool findElement(std::string_view text, std::size_t at, std::size_t end, Element& found) {
+    const std::size_t gt = text.find('>', at + 2);
+    if (gt >= end || gt - at > kMaxTag)
+        return false;
+    const std::string_view name = text.substr(at + 1, gt - at - 1);
+    found.content = gt + 1;
+    for (std::size_t i = text.find("</", gt + 1); i < end; i = text.find("</", i + 1)) {
+        const std::size_t behind = i + 2 + name.size();
+        if (i + 2 < end && text[i + 2] == '>')
+            found.closerEnd = i + 3;
+        else if (behind < end && text.compare(i + 2, name.size(), name) == 0)
+            found.closerEnd = behind + 1;
+        else
+            continue;
+        found.closer = i;
+        return true;
+    }
+    return false;
+}
+
+void putRun(TextWriter& out, std::string_view text) {
+    out.commit(putSafeRun(out.reserve(2 * text.size()), text));
+}
+
+} // namespace
+
+void putSafe(TextWriter& out, std::string_view text) {
+    struct {
+        std::size_t closerEnd;
+        std::size_t end;
+    } outer[kMaxDepth];
+    unsigned depth = 0;
+    std::size_t at = 0;
+    std::size_t end = text.size();
+    for (;;) {
+        const std::size_t tag = std::min(text.find('<', at), end);
+        putRun(out, text.substr(at, tag - at));
+        Element element;
+        if (tag == end) {
+            if (depth == 0)
+                return;
+            --depth;
+            at = outer[depth].closerEnd;
+            out.put(text.substr(end, at - end));
+            end = outer[depth].end;
+        } else if (depth < kMaxDepth && findElement(text, tag, end, element)) {
+            out.put(text.substr(tag, element.content - tag));
+            outer[depth++] = {element.closerEnd, end};
+            at = element.content;
+            end = element.closer;
+        } else if (depth < kMaxDepth) {
+            putRun(out, text.substr(tag, end - tag));
+            at = end;
+        } else {
+            putRun(out, text.substr(tag, 1));
+            at = tag + 1;
+        }
+    }
+}
+
+namespace {
+
+// The length of the valid UTF-8 sequence at `at`, 0 when there is none.
+std::size_t sequenceLength(const unsigned char* at, std::size_t left) {
+    const unsigned char first = at[0];
+    if (first < 0x80)
+        return 1;
+    const std::size_t length = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    if (length == 0 || first > 0xF4 || length > left)
+        return 0;
+    for (std::size_t i = 1; i < length; ++i)
+        if ((at[i] & 0xC0) != 0x80)
+            return 0;
+    const bool overlong = (first == 0xE0 && at[1] < 0xA0) || (first == 0xF0 && at[1] < 0x90);
+    const bool surrogate = first == 0xED && at[1] >= 0xA0;
+    const bool beyond = first == 0xF4 && at[1] >= 0x90;
+    return overlong || surrogate || beyond ? 0 : length;
+}
+
+// The length of the valid UTF-8 text at the start of `text`.
+std::size_t validLength(std::string_view text) {
+    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text.data());
+    std::size_t at = 0;
+    while (at < text.size()) {
+        std::uint64_t block;
+        while (text.size() - at >= sizeof block) {
+            std::memcpy(&block, bytes + at, sizeof block);
+            if (block & 0x8080808080808080u)
+                break;
+            at += sizeof block;
+        }
+        if (at == text.size())
+            break;
+        const std::size_t length = sequenceLength(bytes + at, text.size() - at);
+        if (length == 0)
+            break;
+        at += length;
+    }
+    return at;
+}
+
+} // namespace
+
+String toString(std::string_view text) {
+    std::size_t valid = validLength(text);
+    if (valid == text.size())
+        return text.empty() ? String() : String(text.data(), static_cast<Uint32>(text.size()));
+    StackWriter<1024> out;
+    for (;;) {
+        out.put(text.substr(0, valid));
+        if (valid == text.size())
+            break;
+        out.put("?");
+        text.remove_prefix(valid + 1);
+        valid = validLength(text);
+    }
+    return String(out.view().data(), static_cast<Uint32>(out.view().size()));
+}
+
+} // namespace Pegasus::mpu

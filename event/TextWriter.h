@@ -1,0 +1,135 @@
+// The growing buffer in which every body, summary and title is composed.
+#pragma once
+
+#include "event/Digits.h"
+
+#include <Pegasus/Common/String.h>
+
+#include <concepts>
+#include <type_traits>
+
+namespace Pegasus::mpu {
+
+// Text from a record becomes a framework string through here alone: valid UTF-8 passes, every byte
+// that is not part of a valid sequence becomes "?".
+String toString(std::string_view text);
+
+// `text` with everything outside well-formed elements restricted to a safe set of characters; see
+// Avrel_Event::makeSafeString. Linear in the length of the text, constant stack.
+class TextWriter;
+void putSafe(TextWriter& out, std::string_view text);
+
+// What becomes of texts from the record.
+enum class Texts : std::uint8_t {
+    Safe, // the finished text is made safe as a whole: string() does that
+    Raw,  // they stand as they are
+};
+
+// Appends characters. Use a StackWriter, which starts in stack memory and allocates only what does
+// not fit there.
+class TextWriter {
+public:
+    TextWriter(const TextWriter&) = delete;
+    TextWriter& operator=(const TextWriter&) = delete;
+
+    // Room for `count` more characters and kSlack behind them, to be written at the returned
+    // position; commit() takes over what was written.
+    char* reserve(std::size_t count) {
+        if (static_cast<std::size_t>(end_ - next_) < count + kSlack) [[unlikely]]
+            grow(count + kSlack);
+        return next_;
+    }
+    void commit(char* next) { next_ = next; }
+
+    // Behind every reserve(), so that short constant texts can be copied in whole blocks.
+    static constexpr std::size_t kSlack = 32;
+
+    TextWriter& put(std::string_view text) {
+        char* out = reserve(text.size());
+        if (!text.empty())
+            std::memcpy(out, text.data(), text.size());
+        commit(out + text.size());
+        return *this;
+    }
+    template <std::unsigned_integral T>
+    TextWriter& decimal(T value) {
+        using Word = std::conditional_t<sizeof(T) <= 4, std::uint32_t, T>;
+        commit(putDecimal(reserve(kDecimalRoom), static_cast<Word>(value)));
+        return *this;
+    }
+    // "%d" of a 32-bit value: 2^31 and above print negative.
+    TextWriter& integer(std::uint32_t value) {
+        commit(putSigned(reserve(kDecimalRoom), static_cast<std::int32_t>(value)));
+        return *this;
+    }
+    TextWriter& hexUpper(std::uint64_t value, unsigned minDigits) {
+        commit(putHex(reserve(kHexRoom), value, minDigits, Case::Upper));
+        return *this;
+    }
+    TextWriter& hexLower(std::uint64_t value, unsigned minDigits) {
+        commit(putHex(reserve(kHexRoom), value, minDigits, Case::Lower));
+        return *this;
+    }
+    TextWriter& hexBytes(std::string_view bytes) {
+        commit(putHexBytes(reserve(2 * bytes.size()), bytes));
+        return *this;
+    }
+    // A text from the record. Where the finished text is made safe, a text without "<" can be made
+    // safe at once with the same result; one with "<" leaves all to the general pass of string().
+    TextWriter& text(std::string_view text);
+
+    // Constant texts that are known when this is compiled.
+    TextWriter& open(std::string_view tag) { return put("<").put(tag).put(">"); }
+    TextWriter& close(std::string_view tag) { return put("</").put(tag).put(">"); }
+    // An element whose value is a text from the record; the tag is used as it stands.
+    TextWriter& element(std::string_view tag, std::string_view value, std::string_view after) {
+        return open(tag).text(value).close(tag).put(after);
+    }
+
+    std::string_view view() const { return {begin_, static_cast<std::size_t>(next_ - begin_)}; }
+    void clear() {
+        next_ = begin_;
+        markup_ = false;
+    }
+    // Says that record bytes outside text() may hold markup.
+    void expectMarkup() { markup_ = true; }
+
+    // The finished text: made safe when the texts in it have to be, valid in any case.
+    String string() const;
+
+protected:
+    TextWriter(char* room, std::size_t size, Texts texts)
+        : begin_(room), next_(room), end_(room + size), room_(room), texts_(texts) {}
+    ~TextWriter();
+
+private:
+    void grow(std::size_t count);
+
+    char* begin_;
+    char* next_;
+    char* end_;
+    char* room_;
+    Texts texts_;
+    bool markup_ = false;
+};
+
+template <std::size_t Size>
+class StackWriter : public TextWriter {
+public:
+    explicit StackWriter(Texts texts = Texts::Raw) : TextWriter(room_, Size, texts) {}
+
+private:
+    char room_[Size];
+};
+
+// Sizes: most bodies fit the first, all but strange titles and summaries the second.
+using BodyWriter = StackWriter<4096>;
+using LineWriter = StackWriter<384>;
+
+// Groups of 16 bytes: "0x0010=0011223344556677 | 8899AABBCCDDEEFF;", without line breaks.
+void putDump(TextWriter& out, std::string_view bytes);
+
+// Runs of characters outside markup, made safe: at most two characters for one.
+char* putSafeRun(char* out, std::string_view text);
+
+} // namespace Pegasus::mpu

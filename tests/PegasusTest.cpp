@@ -7,13 +7,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <exception>
 #include <functional>
 #include <iomanip>
 #include <new>
 #include <sstream>
 #include <string>
-#include <string_view>
 #include <thread>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -23,26 +25,8 @@ using namespace std::string_literals;
 namespace {
 
 // Calls that must not compile: with one kind of framework they would, with the other not.
-template <typename T>
-concept HasMore = requires(T text) {
-    text += text;
-}
-|| requires(T text) {
-    text.empty();
-}
-|| requires(T text) {
-    text.length();
-}
-|| requires(T text) {
-    text + 'c';
-}
-|| requires(T text) {
-    text.append("text", 4);
-}
-|| requires(T text) {
-    text.append(0);
-};
-static_assert(!HasMore<String>);
+static_assert(!std::is_invocable_v<std::plus<>, String, char>);
+static_assert(!std::is_invocable_v<std::plus<>, String, Char16>);
 static_assert(!std::is_constructible_v<String, std::nullptr_t>);
 static_assert(!std::is_constructible_v<String, char>);
 static_assert(!std::is_constructible_v<String, std::string>);
@@ -138,7 +122,7 @@ TEST(Pegasus, BytesThatAreNotUtf8AreRefused) {
     std::istringstream cases("\x80 \xBF \xFE \xFF \xC0\x80 \xC1\xBF \xF5\x80\x80\x80 "
                              // overlong, too large
                              "\xE0\x80\x80 \xE0\x9F\xBF \xF0\x80\x80\x80 \xF0\x8F\xBF\xBF "
-                             "\xF4\x90\x80\x80 \xF7\xBF\xBF\xBF "
+                             "\xF4\x90\x80\x80 \xF7\xBF\xBF\xBF \xF8\x90\x80\x80 "
                              // cut short
                              "\xC2 \xE2 \xE2\x82 \xF0 \xF0\x9F \xF0\x9F\x98 "
                              // wrong or stray continuation bytes
@@ -146,7 +130,7 @@ TEST(Pegasus, BytesThatAreNotUtf8AreRefused) {
                              "\xF0\x9F\x41\x80 \xF0\x9F\x98\x41 \xC3\xA9\xA9");
     for (std::string bytes; cases >> bytes;) {
         for (const std::string& head : heads())
-            for (const std::string& tail : {""s, "a"s, padding})
+            for (const std::string& tail : {""s, "a"s, "1234567"s, padding})
                 EXPECT_NE(messageOf([&] { make(head + bytes + tail); }).find(notUtf8), ""s.npos)
                     << testing::PrintToString(head + bytes + tail);
     }
@@ -192,7 +176,6 @@ TEST(Pegasus, NulEndsATextUnlessALengthIsGiven) {
     EXPECT_EQ(unitsOf(String("a\0b", 3)), u"a\0b"s);
     EXPECT_EQ(unitsOf(String(units)), u"a");
     EXPECT_EQ(unitsOf(String(units, 3)), u"a\0b"s);
-    EXPECT_EQ(unitsOf(String(String("abc"), 2)), u"ab");
     EXPECT_EQ(unitsOf(String("", 0)), u"");
     String text;
     EXPECT_EQ(unitsOf(text.assign("a\0b")), u"a");
@@ -230,7 +213,6 @@ TEST(Pegasus, FindsCutsAndRemoves) {
     EXPECT_EQ(text.find('b'), 1u);
     EXPECT_EQ(text.find(2, 'b'), 4u);
     EXPECT_EQ(text.find(6, 'b'), PEG_NOT_FOUND);
-    EXPECT_EQ(text.find('z'), PEG_NOT_FOUND);
     EXPECT_EQ(text.find("cab"), 2u);
     EXPECT_EQ(text.find("cabx"), PEG_NOT_FOUND);
     EXPECT_EQ(text.find(""), PEG_NOT_FOUND);
@@ -239,16 +221,15 @@ TEST(Pegasus, FindsCutsAndRemoves) {
     EXPECT_EQ(fixed[5], 'c');
     EXPECT_EQ(Uint16(fixed[6]), 0);
     EXPECT_EQ(Uint16(text[6]), 0);
-
-    EXPECT_EQ(text.subString(4), "bc");
-    EXPECT_EQ(text.subString(1, 2), "bc");
-    EXPECT_EQ(text.subString(4, 100), "bc");
-    EXPECT_EQ(text.subString(6), "");
-    EXPECT_EQ(text.subString(100, 1), "");
+    const std::pair<String, const char*> parts[] = {
+        {text.subString(4), "bc"}, {text.subString(1, 2), "bc"}, {text.subString(4, 100), "bc"},
+        {text.subString(6), ""},   {text.subString(100, 1), ""}, {String(text, 2), "ab"}};
+    for (const auto& [part, expected] : parts)
+        EXPECT_EQ(part, expected);
 
     for (const std::function<void()>& action : std::initializer_list<std::function<void()>>{
              [&] { text[7]; }, [&] { fixed[7]; }, [&] { text.find(7, 'a'); },
-             [&] { text.remove(4, 3); }, [&] { String(text, 7); }}) {
+             [&] { text.remove(4, 3); }, [&] { text.remove(7, 1); }, [&] { String(text, 7); }}) {
         EXPECT_THROW(action(), IndexOutOfBoundsException);
         EXPECT_EQ(messageOf(action), "index out of bounds");
     }
@@ -385,13 +366,10 @@ TEST(Pegasus, ExceptionsCarryMessageAndCode) {
     EXPECT_EQ(messageOf([] { throw AlreadyExistsException("x"); }), "already exists: x");
     EXPECT_EQ(messageOf([] { throw TypeMismatchException(); }), "type mismatch");
 
-    const std::pair<int, const char*> names[] = {{0, "CIM_ERR_SUCCESS"},
-                                                 {14, "CIM_ERR_QUERY_LANGUAGE_NOT_SUPPORTED"},
-                                                 {17, "CIM_ERR_METHOD_NOT_FOUND"},
-                                                 {18, "empty"},
-                                                 {31, "Unrecognized CIM status code"}};
-    for (const auto& [code, name] : names)
-        EXPECT_STREQ(cimStatusCodeToString(static_cast<CIMStatusCode>(code)), name);
+    EXPECT_STREQ(cimStatusCodeToString(CIM_ERR_SUCCESS), "CIM_ERR_SUCCESS");
+    EXPECT_STREQ(cimStatusCodeToString(CIM_ERR_METHOD_NOT_FOUND), "CIM_ERR_METHOD_NOT_FOUND");
+    EXPECT_STREQ(cimStatusCodeToString(CIMStatusCode(18)), "empty");
+    EXPECT_STREQ(cimStatusCodeToString(CIMStatusCode(31)), "Unrecognized CIM status code");
 }
 
 TEST(Pegasus, CopiesLiveInSeveralThreads) {

@@ -6,10 +6,12 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <new>
 #include <ostream>
 #include <string>
+#include <utility>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -247,10 +249,6 @@ int compareUnits(const Uint16* a, const Uint16* b, Uint32 n, Fold fold) {
     return 0;
 }
 
-Uint16 asItIs(Uint16 unit) {
-    return unit;
-}
-
 } // namespace
 
 // ---- CString ----
@@ -282,7 +280,7 @@ constinit const String& String::EMPTY = emptyText;
 
 String::Block* String::allocate(Uint64 capacity) {
     const Uint32 checked = checkedSize(capacity);
-    void* const memory = ::operator new(sizeof(Block) + checked * sizeof(Char16));
+    void* const memory = ::operator new(sizeof(Block) + checked * sizeof(Uint16));
     return ::new (memory) Block{1, 0, checked, {}};
 }
 
@@ -510,7 +508,7 @@ int String::compare(const String& a, const String& b) {
 }
 
 int String::compare(const String& a, const String& b, Uint32 n) {
-    return compareUnits(a.block_->units, b.block_->units, n, asItIs);
+    return compareUnits(a.block_->units, b.block_->units, n, std::identity());
 }
 
 int String::compareNoCase(const String& a, const String& b) {
@@ -529,32 +527,6 @@ Boolean String::equalNoCase(const String& a, const String& b) {
                       [](Uint16 x, Uint16 y) { return toLowerAscii(x) == toLowerAscii(y); });
 }
 
-Boolean operator==(const String& a, const String& b) {
-    return String::equal(a, b);
-}
-Boolean operator==(const String& a, const char* b) {
-    return String::equal(a, b);
-}
-Boolean operator==(const char* a, const String& b) {
-    return String::equal(a, b);
-}
-Boolean operator!=(const String& a, const String& b) {
-    return !String::equal(a, b);
-}
-
-Boolean operator<(const String& a, const String& b) {
-    return String::compare(a, b) < 0;
-}
-Boolean operator<=(const String& a, const String& b) {
-    return String::compare(a, b) <= 0;
-}
-Boolean operator>(const String& a, const String& b) {
-    return String::compare(a, b) > 0;
-}
-Boolean operator>=(const String& a, const String& b) {
-    return String::compare(a, b) >= 0;
-}
-
 String operator+(const String& a, const String& b) {
     String both(a);
     both.append(b);
@@ -563,7 +535,6 @@ String operator+(const String& a, const String& b) {
 
 std::ostream& operator<<(std::ostream& out, const String& text) {
     std::string bytes;
-    std::size_t first = 0;
     for (Uint32 i = 0; i < text.size(); ++i) {
         const Uint16 unit = text[i];
         if (unit > 0 && unit <= 0xFF) {
@@ -573,13 +544,13 @@ std::ostream& operator<<(std::ostream& out, const String& text) {
             std::snprintf(escape, sizeof escape, "\\x%04X", unit);
             bytes += escape;
         }
-        if (i == 0)
-            first = bytes.size();
+        // Formatted output for the first unit, so that width and fill go there.
+        if (i == 0) {
+            out << bytes;
+            bytes.clear();
+        }
     }
-    if (text.size() == 0)
-        return out;
-    out << bytes.substr(0, first);
-    return out.write(bytes.data() + first, static_cast<std::streamsize>(bytes.size() - first));
+    return out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 } // namespace Pegasus

@@ -63,7 +63,7 @@ inline char* putHex8(char* out, std::uint32_t value, Case letters) {
 }
 
 inline char* putHex(char* out, std::uint64_t value, unsigned minDigits, Case letters) {
-    const unsigned needed = (static_cast<unsigned>(std::bit_width(value)) + 3) / 4;
+    const unsigned needed = (static_cast<unsigned>(std::bit_width(value | 1)) + 3) / 4;
     const unsigned count = needed > minDigits ? needed : minDigits;
     char digits[kHexRoom];
     putHex8(digits, static_cast<std::uint32_t>(value >> 32), letters);

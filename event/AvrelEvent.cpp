@@ -53,7 +53,7 @@ void AvrelEvent::addEntry(char* tag, char* format, ...) {
 
     mpu::BodyWriter entry;
     entry.open({tag, tagLength}).put({value, length}).close({tag, tagLength});
-    entry.put({"", 1});
+    entry.put(std::string_view("\0", 1));
     // The writer's own characters, NUL included: nobody else sees them.
     appendBody(const_cast<char*>(entry.view().data()));
 }

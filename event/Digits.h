@@ -1,5 +1,5 @@
-// Numbers to text, straight into the output. Each function writes at `out` and returns the position
-// behind its last character.
+// Numbers and short texts straight into the output. Each function writes at `out` and returns the
+// position behind its last character.
 #pragma once
 
 #include "event/BigEndian.h"
@@ -70,6 +70,12 @@ inline char* putHex(char* out, std::uint64_t value, unsigned minDigits, Case let
     putHex8(digits + 8, static_cast<std::uint32_t>(value), letters);
     std::memcpy(out, digits + kHexRoom - count, count);
     return out + count;
+}
+
+inline char* putText(char* out, std::string_view text) {
+    if (!text.empty())
+        std::memcpy(out, text.data(), text.size());
+    return out + text.size();
 }
 
 inline char* putHexByte(char* out, std::uint8_t value, Case letters) {

@@ -45,10 +45,7 @@ public:
     static constexpr std::size_t kSlack = 32;
 
     TextWriter& put(std::string_view text) {
-        char* out = reserve(text.size());
-        if (!text.empty())
-            std::memcpy(out, text.data(), text.size());
-        commit(out + text.size());
+        commit(putText(reserve(text.size()), text));
         return *this;
     }
     template <std::unsigned_integral T>

@@ -6,10 +6,11 @@
 namespace Pegasus::mpu {
 
 String hexBody(const EmpEvLogMsg_s* record) {
-    const char* payload = reinterpret_cast<const char*>(record + 1);
+    const std::string_view payload(reinterpret_cast<const char*>(record + 1),
+                                   record->evStructLength);
     BodyWriter body;
-    body.reserve(2u * record->evStructLength + sizeof "<Hex></Hex>"); // grows at most once
-    body.put("<Hex>").hexBytes({payload, record->evStructLength}).put("</Hex>");
+    body.reserve(2 * payload.size() + sizeof "<Hex></Hex>"); // grows at most once
+    body.put("<Hex>").hexBytes(payload).put("</Hex>");
     return body.string();
 }
 

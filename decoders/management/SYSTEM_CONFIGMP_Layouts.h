@@ -124,11 +124,12 @@ inline constexpr Row kSharedMemoryRows[] = {
 };
 
 // The catalogue. Samples have a location block, so their data begin at 184.
+using namespace std::string_view_literals;
+
 inline constexpr std::uint16_t kBlockAt = 152;
 inline constexpr std::uint16_t kDataAt = 184;
-inline constexpr std::string_view kSampleBlock("\0\x4d"
-                                               "scc_main.c\0initService",
-                                               24);
+inline constexpr std::string_view kSampleBlock = "\0\x4d"
+                                                 "scc_main.c\0initService"sv;
 
 template <std::uint16_t Code>
 inline constexpr Key kCode[] = {{150, 2, Code}};
@@ -143,17 +144,14 @@ inline constexpr Part kStatusParts[] = {{"Location block", kLocationRows, kBlock
 
 inline constexpr Fill kBlockFill[] = {{kBlockAt, kSampleBlock}};
 inline constexpr Fill kTextFill[] = {
-    {kBlockAt, kSampleBlock},
-    {kDataAt, std::string_view("openStore(): failed to open the store. Retrying", 48)}};
-inline constexpr Fill kDumpFill[] = {
-    {kBlockAt, kSampleBlock},
-    {kDataAt, std::string_view("Bad block header\0\xDE\xAD\xBE\xEF\x01\x02", 23)}};
-inline constexpr Fill kReadyFill[] = {{kBlockAt, kSampleBlock},
-                                      {kDataAt, std::string_view("Ready", 6)}};
+    {kBlockAt, kSampleBlock}, {kDataAt, "openStore(): failed to open the store. Retrying\0"sv}};
+inline constexpr Fill kDumpFill[] = {{kBlockAt, kSampleBlock},
+                                     {kDataAt, "Bad block header\0\xDE\xAD\xBE\xEF\x01\x02"sv}};
+inline constexpr Fill kReadyFill[] = {{kBlockAt, kSampleBlock}, {kDataAt, "Ready\0"sv}};
 template <std::uint16_t Behind>
 inline constexpr Fill kTextBehind[] = {
     {kBlockAt, kSampleBlock},
-    {kDataAt + Behind, std::string_view("Lock held by the other controller. Retry later", 47)}};
+    {kDataAt + Behind, "Lock held by the other controller. Retry later\0"sv}};
 
 inline constexpr Section kSections[] = {
     {"Text", kCode<2000>, kBlockAlone, kTextFill, "A text."},

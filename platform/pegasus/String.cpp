@@ -285,7 +285,7 @@ String::Block* String::allocate(Uint64 capacity) {
 }
 
 void String::deallocate(Block* block) {
-    ::operator delete(block);
+    ::operator delete(block); // NOLINT(clang-analyzer-cplusplus.NewDelete): never the empty one
 }
 
 // Afterwards the block is ours alone, holds the same text and has the capacity.

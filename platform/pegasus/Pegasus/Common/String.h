@@ -96,7 +96,11 @@ public:
             release(block_);
     }
 
-    String& operator=(const String& other) { return assign(other); }
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): assign() handles it
+    String& operator=(const String& other) {
+        assign(other);
+        return *this;
+    }
 
     /// After bytes that are not UTF-8 the String is empty, after a null pointer unchanged.
     String& assign(const String& other);

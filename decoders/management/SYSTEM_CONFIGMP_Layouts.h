@@ -147,7 +147,9 @@ inline constexpr Fill kTextFill[] = {
     {kBlockAt, kSampleBlock}, {kDataAt, "openStore(): failed to open the store. Retrying\0"sv}};
 inline constexpr Fill kDumpFill[] = {{kBlockAt, kSampleBlock},
                                      {kDataAt, "Bad block header\0\xDE\xAD\xBE\xEF\x01\x02"sv}};
-inline constexpr Fill kReadyFill[] = {{kBlockAt, kSampleBlock}, {kDataAt, "Ready\0"sv}};
+inline constexpr Fill kReadyFill[] = {{kBlockAt, kSampleBlock},
+                                      {kDataAt, "Ready\0"sv},
+                                      {kDataAt + 6 + kStatusSize - 4, "\0\0\0\0"sv}};
 template <std::uint16_t Behind>
 inline constexpr Fill kTextBehind[] = {
     {kBlockAt, kSampleBlock},

@@ -6,10 +6,8 @@ namespace {
 
 // Copies whole blocks: both sides have kSlack bytes to spare.
 inline char* putLiteral(char* out, const char* text, std::size_t count) {
-    std::memcpy(out, text, TextWriter::kSlack);
-    if (count > TextWriter::kSlack)
-        std::memcpy(out + TextWriter::kSlack, text + TextWriter::kSlack,
-                    count - TextWriter::kSlack);
+    for (std::size_t at = 0; at < count; at += TextWriter::kSlack)
+        std::memcpy(out + at, text + at, TextWriter::kSlack);
     return out + count;
 }
 

@@ -56,12 +56,14 @@ void putDump(TextWriter& out, std::string_view bytes) {
     }
 }
 
-String TextWriter::string() const {
-    if (!markup_)
-        return toString(view());
+void TextWriter::assignTo(String& to) const {
+    if (!markup_) {
+        assignText(to, view());
+        return;
+    }
     StackWriter<1024> safe;
     putSafe(safe, view());
-    return toString(safe.view());
+    assignText(to, safe.view());
 }
 
 namespace {
@@ -159,20 +161,30 @@ std::size_t sequenceLength(const unsigned char* at, std::size_t left) {
     return overlong || surrogate || beyond ? 0 : length;
 }
 
+// Whether no byte has its high bit; nearly all texts are so.
+bool isAscii(std::string_view text) {
+    std::uint64_t seen = 0;
+    std::size_t at = 0;
+    for (; text.size() - at >= 32; at += 32) {
+        std::uint64_t words[4];
+        std::memcpy(words, text.data() + at, sizeof words);
+        seen |= words[0] | words[1] | words[2] | words[3];
+    }
+    for (; text.size() - at >= 8; at += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + at, sizeof word);
+        seen |= word;
+    }
+    for (; at < text.size(); ++at)
+        seen |= static_cast<unsigned char>(text[at]);
+    return (seen & 0x8080808080808080u) == 0;
+}
+
 // The length of the valid UTF-8 text at the start of `text`.
 std::size_t validLength(std::string_view text) {
     const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text.data());
     std::size_t at = 0;
     while (at < text.size()) {
-        std::uint64_t block;
-        while (text.size() - at >= sizeof block) {
-            std::memcpy(&block, bytes + at, sizeof block);
-            if (block & 0x8080808080808080u)
-                break;
-            at += sizeof block;
-        }
-        if (at == text.size())
-            break;
         const std::size_t length = sequenceLength(bytes + at, text.size() - at);
         if (length == 0)
             break;
@@ -183,20 +195,23 @@ std::size_t validLength(std::string_view text) {
 
 } // namespace
 
-String toString(std::string_view text) {
-    std::size_t valid = validLength(text);
-    if (valid == text.size())
-        return text.empty() ? String() : String(text.data(), static_cast<Uint32>(text.size()));
-    StackWriter<1024> out;
-    for (;;) {
-        out.put(text.substr(0, valid));
-        if (valid == text.size())
-            break;
-        out.put("?");
-        text.remove_prefix(valid + 1);
-        valid = validLength(text);
+void assignText(String& to, std::string_view text) {
+    StackWriter<1024> mended;
+    if (!isAscii(text)) {
+        for (;;) {
+            const std::size_t valid = validLength(text);
+            mended.put(text.substr(0, valid));
+            if (valid == text.size())
+                break;
+            mended.put("?");
+            text.remove_prefix(valid + 1);
+        }
+        text = mended.view();
     }
-    return String(out.view().data(), static_cast<Uint32>(out.view().size()));
+    if (text.empty())
+        to.clear();
+    else
+        to.assign(text.data(), static_cast<Uint32>(text.size()));
 }
 
 } // namespace Pegasus::mpu

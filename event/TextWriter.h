@@ -11,8 +11,14 @@
 namespace Pegasus::mpu {
 
 // Text from a record becomes a framework string through here alone: valid UTF-8 passes, every byte
-// that is not part of a valid sequence becomes "?".
-String toString(std::string_view text);
+// that is not part of a valid sequence becomes "?". The string is built in place: the framework's
+// strings don't move, and counting references of temporaries costs more than short texts do.
+void assignText(String& to, std::string_view text);
+inline String toString(std::string_view text) {
+    String made;
+    assignText(made, text);
+    return made;
+}
 
 // `text` with everything outside well-formed elements restricted to a safe set of characters; see
 // Avrel_Event::makeSafeString. Linear in the length of the text, constant stack.
@@ -21,7 +27,7 @@ void putSafe(TextWriter& out, std::string_view text);
 
 // What becomes of texts from the record.
 enum class Texts : std::uint8_t {
-    Safe, // the finished text is made safe as a whole: string() does that
+    Safe, // the finished text is made safe as a whole: assignTo() does that
     Raw,  // they stand as they are
 };
 
@@ -72,7 +78,7 @@ public:
         return *this;
     }
     // A text from the record. Where the finished text is made safe, a text without "<" can be made
-    // safe at once with the same result; one with "<" leaves all to the general pass of string().
+    // safe at once with the same result; one with "<" leaves all to the general pass of assignTo().
     TextWriter& text(std::string_view text);
 
     // Constant texts that are known when this is compiled.
@@ -92,7 +98,12 @@ public:
     void expectMarkup() { markup_ = true; }
 
     // The finished text: made safe when the texts in it have to be, valid in any case.
-    String string() const;
+    void assignTo(String& to) const;
+    String string() const {
+        String made;
+        assignTo(made);
+        return made;
+    }
 
 protected:
     TextWriter(char* room, std::size_t size, Texts texts)

@@ -145,7 +145,11 @@ TEST(Formats, Numbers) {
     EXPECT_EQ(StringFormat::hex(0, 0), "0x0");
     EXPECT_EQ(StringFormat::decimal(0xFFFFFFFFu, 0xFFFFFFFFu), "18446744073709551615");
     EXPECT_EQ(StringFormat::decimal(1, 0), "4294967296");
-    EXPECT_EQ(StringFormat::decimal(100), "100");
+    for (const char* number :
+         {"0", "9", "10", "99", "100", "9999", "10000", "99999999", "100000000", "999999999",
+          "1000000000", "4294967295", "4294967296", "9999999999999999", "10000000000000000",
+          "12345678900000000", "18446744073709551615"})
+        EXPECT_EQ(StringFormat::decimal(std::stoull(number)), number);
 }
 
 TEST(Formats, Elements) {

@@ -5,13 +5,13 @@
 
 namespace Pegasus::mpu {
 
-String hexBody(const EmpEvLogMsg_s* record) {
+void assignHexBody(String& to, const EmpEvLogMsg_s* record) {
     const std::string_view payload(reinterpret_cast<const char*>(record + 1),
                                    record->evStructLength);
     BodyWriter body;
     body.reserve(2 * payload.size() + sizeof "<Hex></Hex>"); // grows at most once
     body.put("<Hex>").hexBytes(payload).put("</Hex>");
-    return body.string();
+    body.assignTo(to);
 }
 
 void traceUnknown(const char* source, int line, const char* what, const EmpEvLogMsg_s* record) {

@@ -95,7 +95,7 @@ Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
     assignCategory(category_, record->category);
     eventType_ = eventTypeFromEmpValue(record->eventType);
     StackWriter<64> number;
-    number.decimal<std::uint16_t>(record->eventId).assignTo(eventID_);
+    number.decimal(record->eventId).assignTo(eventID_);
 
     const unsigned int claimed = record->evStructLength;
     if (sizeof *record + claimed != length &&

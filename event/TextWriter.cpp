@@ -27,6 +27,57 @@ void TextWriter::grow(std::size_t count) {
     end_ = bigger + size;
 }
 
+TextWriter& TextWriter::decimal(std::uint32_t value) {
+    commit(putDecimal(reserve(kDecimalRoom), value));
+    return *this;
+}
+
+TextWriter& TextWriter::decimal64(std::uint64_t value) {
+    commit(putDecimal(reserve(kDecimalRoom), value));
+    return *this;
+}
+
+TextWriter& TextWriter::integer(std::uint32_t value) {
+    commit(putSigned(reserve(kDecimalRoom), static_cast<std::int32_t>(value)));
+    return *this;
+}
+
+TextWriter& TextWriter::hexUpper(std::uint64_t value, unsigned minDigits) {
+    commit(putHex(reserve(kHexRoom), value, minDigits, Case::Upper));
+    return *this;
+}
+
+TextWriter& TextWriter::hexLower(std::uint64_t value, unsigned minDigits) {
+    commit(putHex(reserve(kHexRoom), value, minDigits, Case::Lower));
+    return *this;
+}
+
+TextWriter& TextWriter::hexBytes(std::string_view bytes) {
+    commit(putHexBytes(reserve(2 * bytes.size()), bytes));
+    return *this;
+}
+
+TextWriter& TextWriter::open(std::string_view tag) {
+    char* out = reserve(tag.size() + 2);
+    *out = '<';
+    out = putText(out + 1, tag);
+    *out = '>';
+    commit(out + 1);
+    return *this;
+}
+
+TextWriter& TextWriter::close(std::string_view tag) {
+    char* out = putText(putText(reserve(tag.size() + 3), "</"), tag);
+    *out = '>';
+    commit(out + 1);
+    return *this;
+}
+
+TextWriter& TextWriter::element(std::string_view tag, std::string_view value,
+                                std::string_view after) {
+    return open(tag).text(value).close(tag).put(after);
+}
+
 char* putSafeRun(char* out, std::string_view text) {
     for (char c : text) {
         out[0] = kSafeCharacters[static_cast<unsigned char>(c)];

@@ -5,9 +5,6 @@
 
 #include <Pegasus/Common/String.h>
 
-#include <concepts>
-#include <type_traits>
-
 namespace Pegasus::mpu {
 
 // Text from a record becomes a framework string through here alone: valid UTF-8 passes, every byte
@@ -54,40 +51,22 @@ public:
         commit(putText(reserve(text.size()), text));
         return *this;
     }
-    template <std::unsigned_integral T>
-    TextWriter& decimal(T value) {
-        using Word = std::conditional_t<sizeof(T) <= 4, std::uint32_t, T>;
-        commit(putDecimal(reserve(kDecimalRoom), static_cast<Word>(value)));
-        return *this;
-    }
-    // "%d" of a 32-bit value: 2^31 and above print negative.
-    TextWriter& integer(std::uint32_t value) {
-        commit(putSigned(reserve(kDecimalRoom), static_cast<std::int32_t>(value)));
-        return *this;
-    }
-    TextWriter& hexUpper(std::uint64_t value, unsigned minDigits) {
-        commit(putHex(reserve(kHexRoom), value, minDigits, Case::Upper));
-        return *this;
-    }
-    TextWriter& hexLower(std::uint64_t value, unsigned minDigits) {
-        commit(putHex(reserve(kHexRoom), value, minDigits, Case::Lower));
-        return *this;
-    }
-    TextWriter& hexBytes(std::string_view bytes) {
-        commit(putHexBytes(reserve(2 * bytes.size()), bytes));
-        return *this;
-    }
+    // Out of line, to keep the library small: what is written field by field goes through a layout.
+    TextWriter& decimal(std::uint32_t value);
+    TextWriter& decimal64(std::uint64_t value);
+    TextWriter& integer(std::uint32_t value); // "%d": 2^31 and above print negative
+    TextWriter& hexUpper(std::uint64_t value, unsigned minDigits);
+    TextWriter& hexLower(std::uint64_t value, unsigned minDigits);
+    TextWriter& hexBytes(std::string_view bytes);
     // A text from the record. Where the finished text is made safe, a text without "<" can be made
     // safe at once with the same result; one with "<" leaves all to the general pass of assignTo().
     TextWriter& text(std::string_view text);
 
     // Constant texts that are known when this is compiled.
-    TextWriter& open(std::string_view tag) { return put("<").put(tag).put(">"); }
-    TextWriter& close(std::string_view tag) { return put("</").put(tag).put(">"); }
+    TextWriter& open(std::string_view tag);
+    TextWriter& close(std::string_view tag);
     // An element whose value is a text from the record; the tag is used as it stands.
-    TextWriter& element(std::string_view tag, std::string_view value, std::string_view after) {
-        return open(tag).text(value).close(tag).put(after);
-    }
+    TextWriter& element(std::string_view tag, std::string_view value, std::string_view after);
 
     std::string_view view() const { return {begin_, static_cast<std::size_t>(next_ - begin_)}; }
     void clear() {

@@ -18,7 +18,7 @@ void traceUnknown(const char* source, int line, const char* what, const EmpEvLog
     if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
         return;
     LineWriter id;
-    id.decimal<std::uint16_t>(record->eventId);
+    id.decimal(record->eventId);
     ProviderTraceServices::ptsTrace(source, line, {what, id.view()});
 }
 

@@ -41,7 +41,7 @@ void SampleWriter::fill(std::string& record, const Row& row, const Value& value,
         return;
     case Value::Name: {
         const std::size_t codes = value.names->codes();
-        std::size_t code = bits % codes;
+        std::size_t code = static_cast<std::size_t>(bits % codes);
         for (std::size_t tries = 0; value.names->at(code).empty() && tries < codes; ++tries)
             code = (code + 1) % codes;
         putNumber(record, at, value.size, code);

@@ -1,0 +1,46 @@
+// The elements of an event's body.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Pegasus::tool {
+
+// A body is a run of elements, flat but for groups of elements, and of text between them.
+struct Piece {
+    enum Kind : unsigned char {
+        Text,    // outside elements, without the blanks around it
+        Element, // name and value
+        Group,   // an element that has elements; its pieces follow
+        End,     // of the group
+    };
+    Kind kind;
+    std::string_view name;
+    std::string_view text;
+};
+
+// Splits a body; the pieces point into it. Total: a tag without partner is text, and so is one with
+// more than 32 open ones inside it. Groups and ends match. Linear in the length of the body.
+class BodyParser {
+public:
+    const std::vector<Piece>& parse(std::string_view body);
+
+private:
+    struct Tag {
+        std::size_t begin; // "<"
+        std::size_t end;   // behind ">"
+        std::string_view name;
+        std::size_t partner; // index of the closing tag, or none
+        bool closes;
+    };
+    void findTags(std::string_view body);
+    void matchTags();
+    void addText(std::string_view text);
+
+    std::vector<Tag> tags_;
+    std::vector<std::size_t> open_; // indices of tags without a partner so far
+    std::vector<Piece> pieces_;
+};
+
+} // namespace Pegasus::tool

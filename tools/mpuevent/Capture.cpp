@@ -1,0 +1,187 @@
+#include "tools/mpuevent/Capture.h"
+
+#include "event/MPUEvent.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fmt/format.h>
+
+namespace Pegasus::tool {
+
+namespace {
+
+constexpr std::size_t kBuffer = 1024 * 1024;
+constexpr std::size_t kRecordHeader = sizeof(EmpEvLogMsg_s);
+// The 16-bit length of a message counts its header.
+constexpr std::size_t kMaxMessage = 0xFFFF;
+constexpr std::size_t kMaxRecord = kMaxMessage - mpu::message_header::kSize;
+// Furthest look ahead: over a message to the headers of the one behind it.
+constexpr std::size_t kLookAhead = kMaxMessage + mpu::message_header::kSize + kRecordHeader + 1;
+static_assert(kBuffer >= 2 * kLookAhead);
+
+bool isEventType(std::uint8_t v) {
+    return (v >= 1 && v <= 3) || (v >= 101 && v <= 103);
+}
+
+} // namespace
+
+std::unique_ptr<Avrel_Event> Message::decode() const {
+    static constexpr std::uint8_t kNoHeader[mpu::message_header::kSize] = {};
+    CMAPMessageHeader wire(header.empty() ? static_cast<const void*>(kNoHeader) : header.data());
+    wire.setMessageLength(static_cast<std::uint16_t>(mpu::message_header::kSize + record.size()));
+    Avrel_memory_istream in(record.data(), record.size());
+    return std::unique_ptr<Avrel_Event>(MPUEvent(wire, in).create_Avrel_Event());
+}
+
+Capture::Capture(Framing framing, Report report)
+    : report_(std::move(report)),
+      headerSize_(framing == Framing::Message ? mpu::message_header::kSize : 0),
+      minimum_(headerSize_ + kRecordHeader), buffer_(new std::uint8_t[kBuffer]) {}
+
+void Capture::open(ByteSource& source) {
+    source_ = &source;
+    begin_ = end_ = taken_ = 0;
+    offset_ = 0;
+    ended_ = false;
+}
+
+bool Capture::next(Message& message) {
+    skip(taken_);
+    taken_ = 0;
+    while (have(1)) {
+        std::size_t length = 0;
+        if (const std::string what = fault(); what.empty()) {
+            length = announcedLength(0);
+        } else {
+            if (source_->failure() != 0)
+                return false; // the message is short because the reading was
+            const std::uint64_t from = offset_;
+            std::string then;
+            if (have(minimum_) && looksLikeRecord(0) &&
+                claimedLength(0) <= headerSize_ + kMaxRecord && isBoundary(claimedLength(0))) {
+                length = claimedLength(0);
+                then = fmt::format("taken as {} bytes, as its record says", length);
+            } else if (search()) {
+                then = fmt::format("going on at offset {}", offset_);
+            } else {
+                then = "nothing found behind it";
+            }
+            report_(fmt::format("offset {}: {}; {}", from, what, then));
+            if (length == 0)
+                continue;
+        }
+        message.offset = offset_;
+        message.header = {at(0), headerSize_};
+        message.record = {at(headerSize_), length - headerSize_};
+        taken_ = length;
+        return true;
+    }
+    return false;
+}
+
+// What is wrong with the message at the current position, as "found (wanted)"; empty if nothing is.
+std::string Capture::fault() {
+    if (!have(minimum_)) {
+        const std::size_t left = end_ - begin_;
+        if (left < headerSize_)
+            return fmt::format("the input ends after {} bytes of a message header ({} wanted)",
+                               left, headerSize_);
+        if (headerSize_ == 0 || announcedLength(0) >= minimum_)
+            return fmt::format("the input ends after {} bytes of a record header ({} wanted)",
+                               left - headerSize_, kRecordHeader);
+    }
+    const std::size_t announced = announcedLength(0);
+    if (announced < minimum_)
+        return fmt::format("message length {} ({} or more wanted)", announced, minimum_);
+    if (announced > headerSize_ + kMaxRecord)
+        return fmt::format("payload length {} ({} or less wanted)", announced - kRecordHeader,
+                           kMaxRecord - kRecordHeader);
+    if (!have(announced))
+        return fmt::format("the input ends after {} bytes of a {} ({} wanted)", end_ - begin_,
+                           headerSize_ == 0 ? "record" : "message", announced);
+    const std::size_t claimed = claimedLength(0);
+    if (lengthsAgree(0))
+        return {};
+    if (looksLikeRecord(0)) {
+        if (announced == claimed || isBoundary(announced) || claimed > kMaxMessage ||
+            !isBoundary(claimed))
+            return {};
+        return fmt::format("message length {} ({} wanted: there the next message begins)",
+                           announced, claimed);
+    }
+    if (isBoundary(announced))
+        return {};
+    const std::uint8_t* record = at(headerSize_);
+    return fmt::format("no record header (source {}, event type {}, category {} found)",
+                       record[146], record[147], record[148]);
+}
+
+// Goes to the next plausible message. False, and to the end of the input, if there is none.
+bool Capture::search() {
+    while (have(minimum_ + 1)) {
+        skip(1);
+        if (isMessage(0) && isBoundary(announcedLength(0)))
+            return true;
+    }
+    skip(end_ - begin_);
+    return false;
+}
+
+// Strict: nothing but its looks says that a message begins here.
+bool Capture::isMessage(std::size_t ahead) {
+    return have(ahead + minimum_) && looksLikeRecord(ahead) &&
+           announcedLength(ahead) == claimedLength(ahead) &&
+           claimedLength(ahead) <= headerSize_ + kMaxRecord;
+}
+
+// Whether a message may end here.
+bool Capture::isBoundary(std::size_t ahead) {
+    if (have(ahead + minimum_))
+        return lengthsAgree(ahead) || looksLikeRecord(ahead);
+    return have(ahead) && !have(ahead + 1);
+}
+
+bool Capture::lengthsAgree(std::size_t ahead) const {
+    return headerSize_ != 0 && announcedLength(ahead) == claimedLength(ahead);
+}
+
+bool Capture::looksLikeRecord(std::size_t ahead) const {
+    const std::uint8_t* record = at(ahead + headerSize_);
+    return record[146] < 34 && isEventType(record[147]) && record[148] >= 1 && record[148] <= 14 &&
+           std::memchr(record, 0, 64) && std::memchr(record + 64, 0, 64);
+}
+
+std::size_t Capture::announcedLength(std::size_t ahead) const {
+    if (headerSize_ == 0)
+        return claimedLength(ahead);
+    return mpu::loadBig<std::uint16_t>(at(ahead + mpu::message_header::kLength));
+}
+
+std::size_t Capture::claimedLength(std::size_t ahead) const {
+    constexpr std::size_t field = offsetof(EmpEvLogMsg_s, evStructLength);
+    return minimum_ + mpu::loadBig<std::uint16_t>(at(ahead + headerSize_ + field));
+}
+
+void Capture::skip(std::size_t count) {
+    begin_ += count;
+    offset_ += count;
+}
+
+// Whether the input goes on for `count` bytes; they are in the buffer then.
+bool Capture::have(std::size_t count) {
+    while (end_ - begin_ < count) {
+        if (ended_)
+            return false;
+        if (kBuffer - begin_ < kLookAhead) {
+            std::memmove(buffer_.get(), at(0), end_ - begin_);
+            end_ -= begin_;
+            begin_ = 0;
+        }
+        const std::size_t got = source_->read(buffer_.get() + end_, kBuffer - end_);
+        ended_ = got == 0;
+        end_ += got;
+    }
+    return true;
+}
+
+} // namespace Pegasus::tool

@@ -1,0 +1,25 @@
+// The subcommands of mpuevent.
+#pragma once
+
+#include "tools/mpuevent/Output.h"
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+namespace Pegasus::tool {
+
+// Does the work once the options are read.
+using Runner = std::function<Status()>;
+
+struct Command {
+    const char* name;
+    const char* description;
+    Runner (*add)(CLI::App& app); // declares the options
+};
+
+Runner addDecode(CLI::App& app);
+
+} // namespace Pegasus::tool

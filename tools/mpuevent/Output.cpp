@@ -1,0 +1,77 @@
+#include "tools/mpuevent/Output.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+#include <utility>
+
+namespace Pegasus::tool {
+
+namespace {
+
+// 0, or the errno of the failure.
+int writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t done = ::write(descriptor, bytes.data(), bytes.size());
+        if (done > 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(done));
+        } else if (done == 0) {
+            return EIO;
+        } else if (errno == EAGAIN) { // somebody else's setting of a shared terminal or pipe
+            pollfd ready{descriptor, POLLOUT, 0};
+            (void)::poll(&ready, 1, -1);
+        } else if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+void complain(std::string_view message) {
+    (void)writeAll(2, fmt::format("mpuevent: {}\n", message));
+}
+
+Output::~Output() {
+    if (descriptor_ > 2)
+        ::close(descriptor_);
+}
+
+bool Output::open(const std::string& path) {
+    if (path == "-")
+        return true;
+    name_ = path;
+    descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    return descriptor_ >= 0 || fail(errno);
+}
+
+bool Output::flush() {
+    if (!ended_)
+        if (const int error = writeAll(descriptor_, text_.view()); error != 0)
+            fail(error);
+    text_.clear();
+    return !ended_;
+}
+
+Status Output::finish() {
+    flush();
+    const int descriptor = std::exchange(descriptor_, -1);
+    if (descriptor >= 0 && ::close(descriptor) != 0 && !ended_ && errno != EINTR)
+        fail(errno);
+    ended_ = true;
+    return status_;
+}
+
+bool Output::fail(int error) {
+    ended_ = true;
+    if (error != EPIPE) {
+        status_ = kFailed;
+        complain("{}: {}", name_, std::strerror(error));
+    }
+    return false;
+}
+
+} // namespace Pegasus::tool

@@ -1,0 +1,54 @@
+// What the command writes, and what it says to people.
+#pragma once
+
+#include "event/TextWriter.h"
+
+#include <fmt/format.h>
+#include <string>
+
+namespace Pegasus::tool {
+
+// Exit statuses. The worst of what happened counts.
+enum Status : int {
+    kFine = 0,
+    kDamaged = 1, // some of the input
+    kUsage = 2,
+    kFailed = 3, // could not read or write
+};
+
+// "mpuevent: ..." on standard error.
+void complain(std::string_view message);
+template <class... Args>
+void complain(fmt::format_string<Args...> format, Args&&... args) {
+    complain(std::string_view(fmt::format(format, std::forward<Args>(args)...)));
+}
+
+// Standard output or a file, through one large buffer. The first failure ends the writing; it is
+// reported once, by finish() or where it happens. A reader who closed its end is no failure.
+class Output {
+public:
+    ~Output();
+    // Creates or empties the file; "-" is standard output, as if never called. Reports what is
+    // wrong and returns false on failure.
+    bool open(const std::string& path);
+    // Where to write to.
+    mpu::TextWriter& text() { return text_; }
+    // Writes the buffer when it is well filled. False when writing has come to an end.
+    bool proceed() { return text_.view().size() < kBlock || flush(); }
+    bool flush();
+    // Writes the rest and closes.
+    Status finish();
+
+private:
+    static constexpr std::size_t kBlock = 256 * 1024;
+
+    bool fail(int error);
+
+    int descriptor_ = 1;
+    std::string name_ = "standard output";
+    mpu::StackWriter<64> text_;
+    bool ended_ = false;
+    Status status_ = kFine;
+};
+
+} // namespace Pegasus::tool

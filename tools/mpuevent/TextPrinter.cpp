@@ -1,0 +1,197 @@
+// Events for people: an indented block, or one line.
+#include "event/Ascii.h"
+#include "tools/mpuevent/Body.h"
+#include "tools/mpuevent/Printer.h"
+#include "tools/mpuevent/Utf8.h"
+
+#include <algorithm>
+
+namespace Pegasus::tool {
+
+namespace {
+
+constexpr std::size_t kDumpLine = 16; // bytes
+
+bool isHexDigit(char c) {
+    return mpu::isDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+}
+
+unsigned hexValue(char c) {
+    return mpu::isDigit(c) ? static_cast<unsigned>(c - '0')
+                           : static_cast<unsigned>((c | 0x20) - 'a' + 10);
+}
+
+// Digits only, more than one line of a dump.
+bool isLongHex(std::string_view text) {
+    return text.size() > 2 * kDumpLine && text.size() % 2 == 0 &&
+           std::all_of(text.begin(), text.end(), isHexDigit);
+}
+
+// Where the next group of an offset-marked dump ("0x0010=..; 0x0020=..") begins, behind the first.
+std::size_t nextGroup(std::string_view text) {
+    for (std::size_t at = text.find("0x", 1); at != std::string_view::npos;
+         at = text.find("0x", at + 1)) {
+        if (text[at - 1] != ';' && text[at - 1] != '?') // "?": a ";" made safe
+            continue;
+        std::size_t end = at + 2;
+        while (end < text.size() && isHexDigit(text[end]))
+            ++end;
+        if (end - at >= 6 && end < text.size() && (text[end] == '=' || text[end] == ':'))
+            return at;
+    }
+    return text.size();
+}
+
+class TextPrinter : public Printer {
+public:
+    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+        out.put("Event ").decimal(event.getSequenceID()).put(": ");
+        inLine(out, event.getEventType());
+        out.put(", ");
+        inLine(out, event.getSource());
+        out.put(", ");
+        inLine(out, event.getCategory());
+        out.put("\n");
+        line(out, "Title", event.getEventID());
+        line(out, "Summary", event.getSummary());
+        line(out, "Enclosure", event.getEnclosureSerialNumber());
+        line(out, "Controller", event.getControllerSerialNumber());
+        out.put("  Slot: ").decimal(event.getControllerSlotID());
+        out.put("\n  Log: ").decimal(event.getEventLogInstanceNumber());
+        out.put("\n  Time: ").decimal(event.getTimestamp()).put("\n");
+        body(out, event.getBody());
+        out.put("\n");
+    }
+
+private:
+    void inLine(mpu::TextWriter& out, const String& text) {
+        utf8_.clear();
+        putUtf8(utf8_, text);
+        putPrintable(out, utf8_.view());
+    }
+    void line(mpu::TextWriter& out, const char* name, const String& text) {
+        if (text.size() == 0)
+            return;
+        out.put("  ").put(name).put(": ");
+        inLine(out, text);
+        out.put("\n");
+    }
+
+    void body(mpu::TextWriter& out, const String& text) {
+        utf8_.clear();
+        putUtf8(utf8_, text);
+        const std::vector<Piece>& pieces = parser_.parse(utf8_.view());
+        if (pieces.empty())
+            return;
+        out.put("  Body:\n");
+        std::size_t depth = 2;
+        for (const Piece& piece : pieces) {
+            switch (piece.kind) {
+            case Piece::Element:
+                named(out, depth, piece.name, piece.text);
+                break;
+            case Piece::Group:
+                indent(out, depth++);
+                out.put(piece.name).put(":\n");
+                break;
+            case Piece::End:
+                --depth;
+                break;
+            case Piece::Text:
+                block(out, depth, piece.text);
+                break;
+            }
+        }
+    }
+
+    static void indent(mpu::TextWriter& out, std::size_t depth) {
+        for (std::size_t i = 0; i < depth; ++i)
+            out.put("  ");
+    }
+
+    // A value of one line behind its name, any other below it.
+    static void named(mpu::TextWriter& out, std::size_t depth, std::string_view name,
+                      std::string_view value) {
+        while (!value.empty() && value.back() == '\n')
+            value.remove_suffix(1);
+        indent(out, depth);
+        out.put(name).put(":");
+        if (value.find('\n') != std::string_view::npos || isLongHex(value) ||
+            nextGroup(value) != value.size()) {
+            out.put("\n");
+            block(out, depth + 1, value);
+        } else {
+            if (!value.empty())
+                putPrintable(out.put(" "), value);
+            out.put("\n");
+        }
+    }
+
+    static void block(mpu::TextWriter& out, std::size_t depth, std::string_view text) {
+        if (isLongHex(text)) {
+            dump(out, depth, text);
+            return;
+        }
+        while (!text.empty()) {
+            const std::string_view line = text.substr(0, text.find('\n'));
+            text.remove_prefix(std::min(line.size() + 1, text.size()));
+            std::string_view rest = line;
+            do {
+                const std::string_view group = rest.substr(0, nextGroup(rest));
+                rest.remove_prefix(group.size());
+                indent(out, depth);
+                putPrintable(out, group);
+                out.put("\n");
+            } while (!rest.empty());
+        }
+    }
+
+    // "0010  00112233 44556677 8899AABB CCDDEEFF  ................"
+    static void dump(mpu::TextWriter& out, std::size_t depth, std::string_view digits) {
+        constexpr std::size_t line = 2 * kDumpLine;
+        for (std::size_t at = 0; at < digits.size(); at += line) {
+            const std::string_view part = digits.substr(at, line);
+            indent(out, depth);
+            out.hexUpper(at / 2, 4).put(" ");
+            for (std::size_t i = 0; i < line; i += 8) {
+                const std::string_view word = i < part.size() ? part.substr(i, 8) : "";
+                out.put(" ").put(word).put(std::string_view("        ").substr(word.size()));
+            }
+            out.put("  ");
+            for (std::size_t i = 0; i + 1 < part.size(); i += 2) {
+                const char c = static_cast<char>(hexValue(part[i]) << 4 | hexValue(part[i + 1]));
+                out.put({mpu::isPrintable(c) ? &c : ".", 1});
+            }
+            out.put("\n");
+        }
+    }
+
+    mpu::BodyWriter utf8_;
+    BodyParser parser_;
+};
+
+// The event's own rendering. Line breaks in it are escaped so that an event is one line.
+class LinePrinter : public Printer {
+public:
+    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+        utf8_.clear();
+        putUtf8(utf8_, event.str());
+        putPrintable(out, utf8_.view());
+        out.put("\n");
+    }
+
+private:
+    mpu::BodyWriter utf8_;
+};
+
+} // namespace
+
+std::unique_ptr<Printer> makeTextPrinter() {
+    return std::make_unique<TextPrinter>();
+}
+
+std::unique_ptr<Printer> makeLinePrinter() {
+    return std::make_unique<LinePrinter>();
+}
+
+} // namespace Pegasus::tool

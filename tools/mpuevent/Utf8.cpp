@@ -1,0 +1,108 @@
+#include "tools/mpuevent/Utf8.h"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace Pegasus::tool {
+
+namespace {
+
+constexpr std::uint32_t kReplacement = 0xFFFD;
+
+// Writes the ASCII units at the start and returns their number.
+Uint32 putAscii(char* out, const Char16* units, Uint32 count) {
+    Uint32 i = 0;
+#ifdef __SSE2__
+    const __m128i high = _mm_set1_epi16(static_cast<short>(0xFF80));
+    for (; count - i >= 16; i += 16) {
+        const __m128i* from = reinterpret_cast<const __m128i*>(units + i);
+        const __m128i a = _mm_loadu_si128(from);
+        const __m128i b = _mm_loadu_si128(from + 1);
+        const __m128i rest = _mm_and_si128(_mm_or_si128(a, b), high);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(rest, _mm_setzero_si128())) != 0xFFFF)
+            break;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(a, b));
+    }
+#endif
+    for (; i < count && Uint16(units[i]) < 0x80; ++i)
+        out[i] = static_cast<char>(Uint16(units[i]));
+    return i;
+}
+
+bool isFirstHalf(std::uint32_t unit) {
+    return unit >= 0xD800 && unit < 0xDC00;
+}
+bool isSecondHalf(std::uint32_t unit) {
+    return unit >= 0xDC00 && unit < 0xE000;
+}
+
+char* putCharacter(char* out, std::uint32_t c) {
+    const auto tail = [c](unsigned shift) {
+        return static_cast<char>(0x80 | ((c >> shift) & 0x3F));
+    };
+    if (c < 0x80) {
+        *out++ = static_cast<char>(c);
+    } else if (c < 0x800) {
+        *out++ = static_cast<char>(0xC0 | c >> 6);
+        *out++ = tail(0);
+    } else if (c < 0x10000) {
+        *out++ = static_cast<char>(0xE0 | c >> 12);
+        *out++ = tail(6);
+        *out++ = tail(0);
+    } else {
+        *out++ = static_cast<char>(0xF0 | c >> 18);
+        *out++ = tail(12);
+        *out++ = tail(6);
+        *out++ = tail(0);
+    }
+    return out;
+}
+
+} // namespace
+
+void putUtf8(mpu::TextWriter& out, const String& text) {
+    const Char16* units = text.getChar16Data();
+    const Uint32 count = text.size();
+    Uint32 i = 0;
+    while (i < count) {
+        char* to = out.reserve(count - i);
+        const Uint32 ascii = putAscii(to, units + i, count - i);
+        out.commit(to + ascii);
+        i += ascii;
+        for (; i < count && Uint16(units[i]) >= 0x80; ++i) {
+            std::uint32_t c = Uint16(units[i]);
+            if (isFirstHalf(c) && i + 1 < count && isSecondHalf(Uint16(units[i + 1])))
+                c = 0x10000 + ((c - 0xD800) << 10) + (Uint16(units[++i]) - 0xDC00u);
+            else if (isFirstHalf(c) || isSecondHalf(c))
+                c = kReplacement;
+            out.commit(putCharacter(out.reserve(4), c));
+        }
+    }
+}
+
+void putPrintable(mpu::TextWriter& out, std::string_view utf8) {
+    std::size_t done = 0;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const unsigned char c = static_cast<unsigned char>(utf8[i]);
+        const unsigned char next =
+            i + 1 < utf8.size() ? static_cast<unsigned char>(utf8[i + 1]) : 0;
+        const bool c1 = c == 0xC2 && next < 0xA0;
+        if ((c >= 0x20 && c != 0x7F && !c1) || c == '\t')
+            continue;
+        out.put(utf8.substr(done, i - done));
+        if (c == '\n')
+            out.put("\\n");
+        else if (c == '\r')
+            out.put("\\r");
+        else if (c1)
+            out.put("\\u").hexUpper(next, 4);
+        else
+            out.put("\\x").hexUpper(c, 2);
+        i += c1;
+        done = i + 1;
+    }
+    out.put(utf8.substr(done));
+}
+
+} // namespace Pegasus::tool

@@ -1,0 +1,15 @@
+// Event texts on their way out.
+#pragma once
+
+#include "event/TextWriter.h"
+
+namespace Pegasus::tool {
+
+// All of `text` as UTF-8; half a surrogate pair becomes U+FFFD.
+void putUtf8(mpu::TextWriter& out, const String& text);
+
+// UTF-8 for a terminal and for readers of lines: line breaks become "\n" and "\r", the other
+// control characters (C0 but the tab, DEL, C1) "\x1B" or "\u0085".
+void putPrintable(mpu::TextWriter& out, std::string_view utf8);
+
+} // namespace Pegasus::tool

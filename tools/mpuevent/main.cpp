@@ -1,0 +1,74 @@
+// mpuevent: reads captures of the controller's event log.
+#include "platform/trace/ProviderTraceServices.h"
+#include "tools/mpuevent/Command.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <csignal>
+#include <new>
+
+namespace Pegasus::tool {
+
+namespace {
+
+constexpr Command kCommands[] = {
+    {"decode", "Decode captures", addDecode},
+};
+
+constexpr char kExamples[] = R"(Examples:
+  mpuevent decode eventlog.cap
+  mpuevent decode --format json eventlog.cap | jq .summary
+  mpuevent decode --input hex mail.txt
+
+Exit status: 0 all well, 1 some of the input was damaged, 2 wrong usage,
+3 could not read or write.)";
+
+Status show(std::string_view text) {
+    Output out;
+    out.text().put(text);
+    return out.finish();
+}
+
+Status run(int argc, char** argv) {
+    CLI::App app("Decodes the event log of the storage controller.", "mpuevent");
+    app.set_version_flag("--version", "mpuevent " MPUEVENT_VERSION);
+    app.footer(kExamples);
+    app.require_subcommand(0, 1);
+    Runner runner;
+    for (const Command& command : kCommands) {
+        CLI::App* sub = app.add_subcommand(command.name, command.description);
+        sub->final_callback([&runner, chosen = command.add(*sub)] { runner = chosen; });
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        return show(app.help());
+    } catch (const CLI::CallForVersion& version) {
+        return show(std::string(version.what()) + "\n");
+    } catch (const CLI::ParseError& error) {
+        complain("{}; \"mpuevent --help\" tells more", error.what());
+        return kUsage;
+    }
+    if (!runner) {
+        complain("which command? \"mpuevent --help\" lists them");
+        return kUsage;
+    }
+    return runner();
+}
+
+} // namespace
+
+} // namespace Pegasus::tool
+
+int main(int argc, char** argv) {
+    using namespace Pegasus;
+    std::signal(SIGPIPE, SIG_IGN); // shows as a write error
+    ProviderTraceServices::ptsSetTraceSuppressForPid(1);
+    try {
+        return tool::run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        tool::complain("out of memory");
+        return tool::kFailed;
+    }
+}

@@ -58,7 +58,7 @@ void traceUnknown(int line, const char* function, const char* what, unsigned int
 void assignName(String& to, const NameTable& table, unsigned int value, int line,
                 const char* function, const char* what) {
     if (const std::string_view name = table.find(value); !name.empty()) {
-        assignText(to, name);
+        assignAscii(to, name);
         return;
     }
     traceUnknown(line, function, what, value);

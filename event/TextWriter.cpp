@@ -88,8 +88,10 @@ char* putSafeRun(char* out, std::string_view text) {
 }
 
 TextWriter& TextWriter::text(std::string_view text) {
-    if (texts_ == Texts::Raw)
+    if (texts_ == Texts::Raw) {
+        unchecked_ = true;
         return put(text);
+    }
     if (text.find('<') != std::string_view::npos) {
         markup_ = true;
         return put(text);
@@ -108,13 +110,15 @@ void putDump(TextWriter& out, std::string_view bytes) {
 }
 
 void TextWriter::assignTo(String& to) const {
-    if (!markup_) {
+    if (markup_) {
+        StackWriter<1024> safe;
+        putSafe(safe, view());
+        assignAscii(to, safe.view());
+    } else if (unchecked_) {
         assignText(to, view());
-        return;
+    } else {
+        assignAscii(to, view());
     }
-    StackWriter<1024> safe;
-    putSafe(safe, view());
-    assignText(to, safe.view());
 }
 
 namespace {
@@ -214,20 +218,21 @@ std::size_t sequenceLength(const unsigned char* at, std::size_t left) {
 
 // Whether no byte has its high bit; nearly all texts are so.
 bool isAscii(std::string_view text) {
-    std::uint64_t seen = 0;
-    std::size_t at = 0;
-    for (; text.size() - at >= 32; at += 32) {
-        std::uint64_t words[4];
-        std::memcpy(words, text.data() + at, sizeof words);
-        seen |= words[0] | words[1] | words[2] | words[3];
+    using Word = std::uint64_t;
+    const auto word = [&](std::size_t at) {
+        Word bytes;
+        std::memcpy(&bytes, text.data() + at, sizeof bytes);
+        return bytes;
+    };
+    Word seen = 0;
+    if (text.size() >= sizeof seen) {
+        for (std::size_t at = 0; at < text.size() - sizeof seen; at += sizeof seen)
+            seen |= word(at);
+        seen |= word(text.size() - sizeof seen); // overlaps the one before
+    } else {
+        for (char c : text)
+            seen |= static_cast<unsigned char>(c);
     }
-    for (; text.size() - at >= 8; at += 8) {
-        std::uint64_t word;
-        std::memcpy(&word, text.data() + at, sizeof word);
-        seen |= word;
-    }
-    for (; at < text.size(); ++at)
-        seen |= static_cast<unsigned char>(text[at]);
     return (seen & 0x8080808080808080u) == 0;
 }
 
@@ -246,6 +251,10 @@ std::size_t validLength(std::string_view text) {
 
 } // namespace
 
+void assignAscii(String& to, std::string_view text) {
+    to.assign(text.empty() ? "" : text.data(), static_cast<Uint32>(text.size()));
+}
+
 void assignText(String& to, std::string_view text) {
     StackWriter<1024> mended;
     if (!isAscii(text)) {
@@ -259,10 +268,7 @@ void assignText(String& to, std::string_view text) {
         }
         text = mended.view();
     }
-    if (text.empty())
-        to.clear();
-    else
-        to.assign(text.data(), static_cast<Uint32>(text.size()));
+    assignAscii(to, text);
 }
 
 } // namespace Pegasus::mpu

@@ -11,6 +11,8 @@ namespace Pegasus::mpu {
 // that is not part of a valid sequence becomes "?". The string is built in place: the framework's
 // strings don't move, and counting references of temporaries costs more than short texts do.
 void assignText(String& to, std::string_view text);
+// The same for a text that is known to be ASCII: names, titles, what was made safe.
+void assignAscii(String& to, std::string_view text);
 inline String toString(std::string_view text) {
     String made;
     assignText(made, text);
@@ -47,6 +49,7 @@ public:
     // Behind every reserve(), so that short constant texts can be copied in whole blocks.
     static constexpr std::size_t kSlack = 32;
 
+    // Our own texts, which are ASCII.
     TextWriter& put(std::string_view text) {
         commit(putText(reserve(text.size()), text));
         return *this;
@@ -71,9 +74,9 @@ public:
     std::string_view view() const { return {begin_, static_cast<std::size_t>(next_ - begin_)}; }
     void clear() {
         next_ = begin_;
-        markup_ = false;
+        markup_ = unchecked_ = false;
     }
-    // Says that record bytes outside text() may hold markup.
+    // Says that what was put may hold markup, or bytes that no text of ours has.
     void expectMarkup() { markup_ = true; }
 
     // The finished text: made safe when the texts in it have to be, valid in any case.
@@ -97,7 +100,8 @@ private:
     char* end_;
     char* room_;
     Texts texts_;
-    bool markup_ = false;
+    bool markup_ = false;    // the general pass is needed
+    bool unchecked_ = false; // some of it may not be ASCII
 };
 
 template <std::size_t Size>

@@ -14,7 +14,7 @@ using namespace mpu;
         if (!record)                                                                               \
             return;                                                                                \
         traceUnknown(#MODULE "_Event", LINE, "Unknown EventID: 0x", record);                       \
-        assignText(summary_, "Unhandled Event by " #MODULE);                                       \
+        assignAscii(summary_, "Unhandled Event by " #MODULE);                                      \
         assignHexBody(body_, record);                                                              \
     }                                                                                              \
     MODULE##_Event::~MODULE##_Event() = default;                                                   \

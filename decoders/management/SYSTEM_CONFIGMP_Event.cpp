@@ -176,7 +176,7 @@ SYSTEM_CONFIGMP_Event::SYSTEM_CONFIGMP_Event(const EmpEvLogMsg_s* record, int le
     const Event* event = findEvent(record->eventId);
     if (!event) {
         traceUnknown("SYSTEM_CONFIGMP_Event", 115, "Unknown EventID: 0x", record);
-        assignText(summary_, "***UNKNOWN EventID***");
+        assignAscii(summary_, "***UNKNOWN EventID***");
         assignHexBody(body_, record);
         return;
     }
@@ -184,7 +184,7 @@ SYSTEM_CONFIGMP_Event::SYSTEM_CONFIGMP_Event(const EmpEvLogMsg_s* record, int le
     LineWriter summary(Texts::Safe);
     summary.text(
         build(event->kind, RecordView::of(record, static_cast<unsigned int>(length)), body));
-    assignText(eventID_, titleOf(record->eventType, event->error, event->warning, event->other));
+    assignAscii(eventID_, titleOf(record->eventType, event->error, event->warning, event->other));
     summary.assignTo(summary_);
     body.assignTo(body_);
 }

@@ -381,11 +381,13 @@ private:
         default:
             fail("no such format");
         }
+        // What a number can fill; what is written in blocks beyond that falls into the slack.
+        const unsigned digits[] = {0, 3, 5, 8, 11, 13, 15, 17, 20};
+        room_ += std::max<std::size_t>({digits[v.size], 2u * v.size + 2, f.digits});
         if (f.digits && f.letter != 'x' && f.letter != 'X')
             fail("only hexadecimal numbers have a width");
         if ((f.letter == 'f' || f.letter == 'p') && v.size != 4)
             fail("the format is for 32 bits");
-        room_ += kDecimalRoom;
     }
 
     constexpr std::uint16_t place(const Value& v, const Row& row, std::size_t i) {

@@ -113,8 +113,9 @@ private:
     char room_[Size];
 };
 
-// Sizes: most bodies fit the first, all but strange titles and summaries the second.
-using BodyWriter = StackWriter<4096>;
+// Sizes: all but strange bodies fit the first, the longest structure's among them; all but strange
+// titles and summaries the second. A decode has one of each on a stack that may be small.
+using BodyWriter = StackWriter<10240>;
 using LineWriter = StackWriter<384>;
 
 // Groups of 16 bytes: "0x0010=0011223344556677 | 8899AABBCCDDEEFF;", without line breaks.

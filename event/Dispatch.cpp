@@ -3,6 +3,7 @@
 
 #include "decoders/generic/Derived_Events.h"
 #include "decoders/generic/Unhandled_Events.h"
+#include "decoders/management/NETWORK_CONFIGMP_Event.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
 
 #include <atomic>
@@ -45,7 +46,7 @@ constexpr DecoderFactory kDecoders[] = {
     /* 21 Drive Admin */ make<DRIVEADMP_Event>,
     /* 22 ICS         */ kPlain,
     /* 23 SCC         */ make<SYSTEM_CONFIGMP_Event>,
-    /* 24 NCS         */ kPlain,
+    /* 24 NCS         */ make<NETWORK_CONFIGMP_Event>,
     /* 25 AIM         */ make<AIMMP_Event>,
     /* 26 ESM         */ kPlain,
     /* 27 EMP         */ kPlain,

@@ -56,10 +56,4 @@ private:
     Location location_;
 };
 
-// Up to three titles of an event, by severity.
-inline std::string_view titleOf(std::uint8_t severity, std::string_view error,
-                                std::string_view warning, std::string_view other) {
-    return severity == 3 ? error : severity == 2 ? warning : other;
-}
-
 } // namespace Pegasus::mpu

@@ -1,6 +1,7 @@
 #include "tools/catalogue/Modules.h"
 
 #include "decoders/generic/Unhandled_Layouts.h"
+#include "decoders/management/NETWORK_CONFIGMP_Layouts.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
 
 namespace Pegasus::mpu {
@@ -16,6 +17,7 @@ constexpr Module kModules[] = {
     {19, "DDLMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(21, "DRIVEADMP_Event"),
     scc::kModule,
+    ncs::kModule,
     {25, "AIMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(28, "SNMPMP_Event"),
 };

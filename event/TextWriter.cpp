@@ -88,12 +88,10 @@ char* putSafeRun(char* out, std::string_view text) {
 }
 
 TextWriter& TextWriter::text(std::string_view text) {
-    if (texts_ == Texts::Raw)
+    if (texts_ == Texts::Safe && !markup_)
+        markup_ = text.find('<') != std::string_view::npos;
+    if (texts_ == Texts::Raw || markup_)
         return put(text);
-    if (text.find('<') != std::string_view::npos) {
-        markup_ = true;
-        return put(text);
-    }
     commit(putSafeRun(reserve(2 * text.size()), text));
     return *this;
 }

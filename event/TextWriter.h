@@ -59,7 +59,8 @@ public:
     TextWriter& hexLower(std::uint64_t value, unsigned minDigits);
     TextWriter& hexBytes(std::string_view bytes);
     // A text from the record. Where the finished text is made safe, a text without "<" can be made
-    // safe at once with the same result; one with "<" leaves all to the general pass of assignTo().
+    // safe at once with the same result; one with "<" leaves itself and all that follow it to the
+    // general pass of assignTo().
     TextWriter& text(std::string_view text);
 
     // Constant texts that are known when this is compiled.
@@ -73,7 +74,7 @@ public:
         next_ = begin_;
         markup_ = false;
     }
-    // Says that record bytes outside text() may hold markup.
+    // Says that record bytes outside text() may hold markup. To be called before they are written.
     void expectMarkup() { markup_ = true; }
 
     // The finished text: made safe when the texts in it have to be, valid in any case.

@@ -4,6 +4,7 @@
 #include "decoders/generic/Derived_Events.h"
 #include "decoders/generic/Unhandled_Events.h"
 #include "decoders/management/NETWORK_CONFIGMP_Event.h"
+#include "decoders/management/SMIS_Event.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
 
 #include <atomic>
@@ -51,8 +52,8 @@ constexpr DecoderFactory kDecoders[] = {
     /* 26 ESM         */ kPlain,
     /* 27 EMP         */ kPlain,
     /* 28 SNMP        */ make<SNMPMP_Event>,
-    /* 29 SMIS        */ kPlain,
-    /* 30 SMIS IND    */ kPlain,
+    /* 29 SMIS        */ make<SMIS_Event>,
+    /* 30 SMIS IND    */ make<SMI_IND_Event>,
     /* 31 iSNS        */ kPlain,
     /* 32             */ kPlain,
     /* 33 ESA         */ kPlain,

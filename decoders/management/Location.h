@@ -45,6 +45,7 @@ public:
     // there. That may be negative: the block is always counted. A text that the payload can't hold
     // takes no room.
     struct Behind {
+        bool holdsText;
         RecordView data;
         int left;
     };

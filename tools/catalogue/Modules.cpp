@@ -2,6 +2,7 @@
 
 #include "decoders/generic/Unhandled_Layouts.h"
 #include "decoders/management/NETWORK_CONFIGMP_Layouts.h"
+#include "decoders/management/SMIS_Layouts.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
 
 namespace Pegasus::mpu {
@@ -20,6 +21,8 @@ constexpr Module kModules[] = {
     ncs::kModule,
     {25, "AIMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(28, "SNMPMP_Event"),
+    smis::kModule,
+    {30, "SMI_IND_Event", "Decoded as module 29 (SMIS).", {}},
 };
 
 } // namespace

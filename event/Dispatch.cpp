@@ -5,6 +5,7 @@
 #include "decoders/generic/Unhandled_Events.h"
 #include "decoders/management/NETWORK_CONFIGMP_Event.h"
 #include "decoders/management/SMIS_Event.h"
+#include "decoders/management/STARTUPMP_Event.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
 
 #include <atomic>
@@ -41,7 +42,7 @@ constexpr DecoderFactory kDecoders[] = {
     /* 15 HACC        */ make<HACCMP_Event>,
     /* 16 MSM         */ make<MSMMP_Event>,
     /* 17 RCP         */ kPlain,
-    /* 18 Startup     */ kPlain,
+    /* 18 Startup     */ make<STARTUPMP_Event>,
     /* 19 DDLM        */ make<DDLMMP_Event>,
     /* 20 Vol Mgr     */ kPlain,
     /* 21 Drive Admin */ make<DRIVEADMP_Event>,

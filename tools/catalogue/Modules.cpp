@@ -3,6 +3,7 @@
 #include "decoders/generic/Unhandled_Layouts.h"
 #include "decoders/management/NETWORK_CONFIGMP_Layouts.h"
 #include "decoders/management/SMIS_Layouts.h"
+#include "decoders/management/STARTUPMP_Layouts.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
 
 namespace Pegasus::mpu {
@@ -15,6 +16,7 @@ constexpr Module kModules[] = {
     unhandled::module(14, "OB1_Event"),
     unhandled::module(15, "HACCMP_Event"),
     unhandled::module(16, "MSMMP_Event"),
+    startup::kModule,
     {19, "DDLMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(21, "DRIVEADMP_Event"),
     scc::kModule,

@@ -6,13 +6,13 @@ namespace {
 
 constexpr std::size_t kFileAt = offsetof(LocationBlock, text);
 
+} // namespace
+
 void copyText(char* out, std::string_view text) {
     if (!text.empty())
         std::memcpy(out, text.data(), text.size());
     out[text.size()] = '\0';
 }
-
-} // namespace
 
 Location locationOf(RecordView block) {
     Location found;

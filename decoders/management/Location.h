@@ -7,6 +7,9 @@
 
 namespace Pegasus::mpu {
 
+// Copies the text and a NUL to a caller's buffer.
+void copyText(char* out, std::string_view text);
+
 // 32 bytes: where in the firmware's sources the event was raised.
 struct LocationBlock {
     Big<std::uint16_t> line;

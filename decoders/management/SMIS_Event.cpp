@@ -139,8 +139,7 @@ std::string_view build(std::uint8_t kind, RecordView view, TextWriter& body) {
 // For callers with a buffer of their own.
 String bodyOf(Kind kind, const EmpEvLogMsg_s* record, char* summary) {
     BodyWriter body(Texts::Safe);
-    const std::string_view line = build(kind, RecordView::of(record, 0), body);
-    *std::copy(line.begin(), line.end(), summary) = '\0';
+    copyText(summary, build(kind, RecordView::of(record, 0), body));
     return body.string();
 }
 
@@ -169,8 +168,7 @@ SMIS_Event::SMIS_Event(const EmpEvLogMsg_s* record, int length)
 SMIS_Event::~SMIS_Event() = default;
 
 void SMIS_copySummarized(char* dst, const char* src, int limit) {
-    const std::string_view line = summarize(src, limit);
-    *std::copy(line.begin(), line.end(), dst) = '\0';
+    copyText(dst, summarize(src, limit));
 }
 
 void SMIS_fetch_event_location_information(const SMI_EVENT_LOCINFO_t* block, int* line,

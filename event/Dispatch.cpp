@@ -3,6 +3,9 @@
 
 #include "decoders/generic/Derived_Events.h"
 #include "decoders/generic/Unhandled_Events.h"
+#include "decoders/management/NETWORK_CONFIGMP_Event.h"
+#include "decoders/management/SMIS_Event.h"
+#include "decoders/management/STARTUPMP_Event.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
 
 #include <atomic>
@@ -39,19 +42,19 @@ constexpr DecoderFactory kDecoders[] = {
     /* 15 HACC        */ make<HACCMP_Event>,
     /* 16 MSM         */ make<MSMMP_Event>,
     /* 17 RCP         */ kPlain,
-    /* 18 Startup     */ kPlain,
+    /* 18 Startup     */ make<STARTUPMP_Event>,
     /* 19 DDLM        */ make<DDLMMP_Event>,
     /* 20 Vol Mgr     */ kPlain,
     /* 21 Drive Admin */ make<DRIVEADMP_Event>,
     /* 22 ICS         */ kPlain,
     /* 23 SCC         */ make<SYSTEM_CONFIGMP_Event>,
-    /* 24 NCS         */ kPlain,
+    /* 24 NCS         */ make<NETWORK_CONFIGMP_Event>,
     /* 25 AIM         */ make<AIMMP_Event>,
     /* 26 ESM         */ kPlain,
     /* 27 EMP         */ kPlain,
     /* 28 SNMP        */ make<SNMPMP_Event>,
-    /* 29 SMIS        */ kPlain,
-    /* 30 SMIS IND    */ kPlain,
+    /* 29 SMIS        */ make<SMIS_Event>,
+    /* 30 SMIS IND    */ make<SMI_IND_Event>,
     /* 31 iSNS        */ kPlain,
     /* 32             */ kPlain,
     /* 33 ESA         */ kPlain,

@@ -88,14 +88,10 @@ char* putSafeRun(char* out, std::string_view text) {
 }
 
 TextWriter& TextWriter::text(std::string_view text) {
-    if (texts_ == Texts::Raw) {
-        unchecked_ = true;
-        return put(text);
-    }
-    if (text.find('<') != std::string_view::npos) {
-        markup_ = true;
-        return put(text);
-    }
+    if (texts_ == Texts::Safe && !markup_)
+        markup_ = text.find('<') != std::string_view::npos;
+    if (texts_ == Texts::Raw || markup_)
+        return bytes(text);
     commit(putSafeRun(reserve(2 * text.size()), text));
     return *this;
 }
@@ -113,7 +109,7 @@ void TextWriter::assignTo(String& to) const {
     if (markup_) {
         StackWriter<1024> safe;
         putSafe(safe, view());
-        assignAscii(to, safe.view());
+        assignText(to, safe.view()); // tags stand as they are
     } else if (unchecked_) {
         assignText(to, view());
     } else {

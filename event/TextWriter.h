@@ -62,8 +62,16 @@ public:
     TextWriter& hexLower(std::uint64_t value, unsigned minDigits);
     TextWriter& hexBytes(std::string_view bytes);
     // A text from the record. Where the finished text is made safe, a text without "<" can be made
-    // safe at once with the same result; one with "<" leaves all to the general pass of assignTo().
+    // safe at once with the same result; one with "<" leaves itself and all that follow it to the
+    // general pass of assignTo().
     TextWriter& text(std::string_view text);
+
+    // Bytes from the record that stand as they are in either case: tags, and what the general pass
+    // is to judge.
+    TextWriter& bytes(std::string_view run) {
+        unchecked_ = true;
+        return put(run);
+    }
 
     // Constant texts that are known when this is compiled.
     TextWriter& open(std::string_view tag);
@@ -76,7 +84,7 @@ public:
         next_ = begin_;
         markup_ = unchecked_ = false;
     }
-    // Says that what was put may hold markup, or bytes that no text of ours has.
+    // Says that bytes() are to come that may hold markup.
     void expectMarkup() { markup_ = true; }
 
     // The finished text: made safe when the texts in it have to be, valid in any case.

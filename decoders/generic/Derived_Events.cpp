@@ -18,4 +18,8 @@ AIMMP_Event::AIMMP_Event(const EmpEvLogMsg_s* record, int length)
     : SYSTEM_CONFIGMP_Event(record, length) {}
 AIMMP_Event::~AIMMP_Event() = default;
 
+SMI_IND_Event::SMI_IND_Event(const EmpEvLogMsg_s* record, int length)
+    : SMIS_Event(record, length) {}
+SMI_IND_Event::~SMI_IND_Event() = default;
+
 } // namespace Pegasus

@@ -2,6 +2,7 @@
 // name differs, which comes from the record.
 #pragma once
 
+#include "decoders/management/SMIS_Event.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
 
 namespace Pegasus {
@@ -29,6 +30,12 @@ class MPUEVENT_EXPORT AIMMP_Event : public SYSTEM_CONFIGMP_Event {
 public:
     AIMMP_Event(const EmpEvLogMsg_s* record, int length);
     ~AIMMP_Event() override;
+};
+
+class MPUEVENT_EXPORT SMI_IND_Event : public SMIS_Event {
+public:
+    SMI_IND_Event(const EmpEvLogMsg_s* record, int length);
+    ~SMI_IND_Event() override;
 };
 
 } // namespace Pegasus

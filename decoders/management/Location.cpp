@@ -6,13 +6,13 @@ namespace {
 
 constexpr std::size_t kFileAt = offsetof(LocationBlock, text);
 
+} // namespace
+
 void copyText(char* out, std::string_view text) {
     if (!text.empty())
         std::memcpy(out, text.data(), text.size());
     out[text.size()] = '\0';
 }
-
-} // namespace
 
 Location locationOf(RecordView block) {
     Location found;
@@ -57,7 +57,9 @@ void LocatedRecord::putTrailer(TextWriter& body) const {
 LocatedRecord::Behind LocatedRecord::behind(std::string_view text) const {
     const int room = static_cast<int>(record_.u16(144)) - static_cast<int>(sizeof(LocationBlock));
     const int taken = static_cast<int>(text.size()) + 1;
-    return room >= taken ? Behind{data_.from(text.size() + 1), room - taken} : Behind{data_, room};
+    if (room < taken)
+        return {false, data_, room};
+    return {true, data_.from(text.size() + 1), room - taken};
 }
 
 } // namespace Pegasus::mpu

@@ -7,6 +7,9 @@
 
 namespace Pegasus::mpu {
 
+// Copies the text and a NUL to a caller's buffer.
+void copyText(char* out, std::string_view text);
+
 // 32 bytes: where in the firmware's sources the event was raised.
 struct LocationBlock {
     Big<std::uint16_t> line;
@@ -45,6 +48,7 @@ public:
     // there. That may be negative: the block is always counted. A text that the payload can't hold
     // takes no room.
     struct Behind {
+        bool holdsText;
         RecordView data;
         int left;
     };
@@ -55,11 +59,5 @@ private:
     RecordView data_;
     Location location_;
 };
-
-// Up to three titles of an event, by severity.
-inline std::string_view titleOf(std::uint8_t severity, std::string_view error,
-                                std::string_view warning, std::string_view other) {
-    return severity == 3 ? error : severity == 2 ? warning : other;
-}
 
 } // namespace Pegasus::mpu

@@ -2,7 +2,7 @@
 
 #include "decoders/common/Unknown.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
-#include "event/Label.h"
+#include "decoders/management/Titles.h"
 
 namespace Pegasus {
 
@@ -54,15 +54,7 @@ constexpr Builder kBuilders[] = {
     {Shape::StructureText, 40, &kLayout<kLockManagerRows>},
 };
 
-struct Event {
-    std::uint16_t code;
-    Label<50> error; // titles by severity
-    Label<50> warning;
-    Label<50> other;
-    Kind kind;
-};
-
-constexpr Event kEvents[] = {
+constexpr TitledEvent kEvents[] = {
     {2000, "Error Text", "Warning Text", "Text Information", kText},
     {2005, "Error Dump Data", "Warning Dump Data", "Dump Information", kDump},
     {2010, "Instantiation of SharedMemory Failed", "Instantiation of SharedMemory Failed",
@@ -84,13 +76,6 @@ constexpr Event kEvents[] = {
     {2020, "Error in MPU Global Status Event processing",
      "Warning in MPU Global Status Event processing", "MPU Global Status Information", kStatus},
 };
-
-const Event* findEvent(unsigned int code) {
-    for (const Event& event : kEvents)
-        if (event.code == code)
-            return &event;
-    return nullptr;
-}
 
 constexpr std::size_t kLongestSummary = 63;
 
@@ -118,7 +103,7 @@ std::string_view summarize(std::string_view text, int limit) {
 }
 
 // Writes the body and returns the summary, which is a part of the record or a fixed text.
-std::string_view build(Kind kind, RecordView view, TextWriter& body) {
+std::string_view build(std::uint8_t kind, RecordView view, TextWriter& body) {
     const Builder& builder = kBuilders[kind];
     const LocatedRecord record(view, LocatedRecord::Block::WhenLonger);
     bool trailer = record.severity() != 1;
@@ -162,8 +147,7 @@ std::string_view build(Kind kind, RecordView view, TextWriter& body) {
 // For callers with a buffer of their own.
 String bodyOf(Kind kind, const EmpEvLogMsg_s* record, char* summary) {
     BodyWriter body(Texts::Safe);
-    const std::string_view line = build(kind, RecordView::of(record, 0), body);
-    *std::copy(line.begin(), line.end(), summary) = '\0';
+    copyText(summary, build(kind, RecordView::of(record, 0), body));
     return body.string();
 }
 
@@ -173,7 +157,7 @@ SYSTEM_CONFIGMP_Event::SYSTEM_CONFIGMP_Event(const EmpEvLogMsg_s* record, int le
     : Avrel_Event(record, static_cast<unsigned int>(length)) {
     if (!record)
         return;
-    const Event* event = findEvent(record->eventId);
+    const TitledEvent* event = findEvent(kEvents, record->eventId);
     if (!event) {
         traceUnknown("SYSTEM_CONFIGMP_Event", 115, "Unknown EventID: 0x", record);
         assignAscii(summary_, "***UNKNOWN EventID***");
@@ -184,7 +168,7 @@ SYSTEM_CONFIGMP_Event::SYSTEM_CONFIGMP_Event(const EmpEvLogMsg_s* record, int le
     LineWriter summary(Texts::Safe);
     summary.text(
         build(event->kind, RecordView::of(record, static_cast<unsigned int>(length)), body));
-    assignAscii(eventID_, titleOf(record->eventType, event->error, event->warning, event->other));
+    assignAscii(eventID_, event->title(record->eventType));
     summary.assignTo(summary_);
     body.assignTo(body_);
 }
@@ -192,8 +176,7 @@ SYSTEM_CONFIGMP_Event::SYSTEM_CONFIGMP_Event(const EmpEvLogMsg_s* record, int le
 SYSTEM_CONFIGMP_Event::~SYSTEM_CONFIGMP_Event() = default;
 
 void SCC_copySummarized(char* dst, const char* src, int limit) {
-    const std::string_view line = summarize(src, limit);
-    *std::copy(line.begin(), line.end(), dst) = '\0';
+    copyText(dst, summarize(src, limit));
 }
 
 void SCC_fetch_event_location_information(const SCC_EVENT_LOCINFO_t* block, int* line,

@@ -1,6 +1,9 @@
 #include "tools/catalogue/Modules.h"
 
 #include "decoders/generic/Unhandled_Layouts.h"
+#include "decoders/management/NETWORK_CONFIGMP_Layouts.h"
+#include "decoders/management/SMIS_Layouts.h"
+#include "decoders/management/STARTUPMP_Layouts.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
 
 namespace Pegasus::mpu {
@@ -13,11 +16,15 @@ constexpr Module kModules[] = {
     unhandled::module(14, "OB1_Event"),
     unhandled::module(15, "HACCMP_Event"),
     unhandled::module(16, "MSMMP_Event"),
+    startup::kModule,
     {19, "DDLMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(21, "DRIVEADMP_Event"),
     scc::kModule,
+    ncs::kModule,
     {25, "AIMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(28, "SNMPMP_Event"),
+    smis::kModule,
+    {30, "SMI_IND_Event", "Decoded as module 29 (SMIS).", {}},
 };
 
 } // namespace

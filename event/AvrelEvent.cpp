@@ -51,9 +51,9 @@ void AvrelEvent::addEntry(char* tag, char* format, ...) {
         throw std::bad_alloc();
     mendEnd(value, length);
 
-    mpu::BodyWriter entry;
+    mpu::StackWriter<2048> entry;
     entry.open({tag, tagLength}).put({value, length}).close({tag, tagLength});
-    entry.put({"", 1});
+    entry.put(std::string_view("\0", 1));
     // The writer's own characters, NUL included: nobody else sees them.
     appendBody(const_cast<char*>(entry.view().data()));
 }

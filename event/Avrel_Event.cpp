@@ -55,14 +55,23 @@ void traceUnknown(int line, const char* function, const char* what, unsigned int
 }
 
 // The name of a code; one without a name is traced and stands as its number.
-String nameOf(const NameTable& table, unsigned int value, int line, const char* function,
-              const char* what) {
-    if (const std::string_view name = table.find(value); !name.empty())
-        return toString(name);
+void assignName(String& to, const NameTable& table, unsigned int value, int line,
+                const char* function, const char* what) {
+    if (const std::string_view name = table.find(value); !name.empty()) {
+        assignAscii(to, name);
+        return;
+    }
     traceUnknown(line, function, what, value);
     LineWriter number;
-    number.integer(value);
-    return number.string();
+    number.integer(value).assignTo(to);
+}
+
+void assignCategory(String& to, unsigned int value) {
+    assignName(to, kCategories, value, 303, "categoryFromEmpValue", "category");
+}
+
+void assignSource(String& to, unsigned int value) {
+    assignName(to, kSources, value, 176, "sourceFromEmpValue", "source");
 }
 
 std::size_t byteCount(long count) {
@@ -75,18 +84,18 @@ Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
     if (!record)
         return;
     const RecordView header(record, sizeof *record);
-    enclosureSerialNumber_ = toString(header.text(0, sizeof record->enclosureSerialNumber));
-    controllerSerialNumber_ = toString(header.text(offsetof(EmpEvLogMsg_s, controllerSerialNumber),
-                                                   sizeof record->controllerSerialNumber));
+    assignText(enclosureSerialNumber_, header.text(0, sizeof record->enclosureSerialNumber));
+    assignText(controllerSerialNumber_, header.text(offsetof(EmpEvLogMsg_s, controllerSerialNumber),
+                                                    sizeof record->controllerSerialNumber));
     controllerSlotID_ = record->slotId;
     eventLogInstanceNumber_ = record->logInstance;
     sequenceID_ = record->sequenceId;
     timestamp_ = record->timestamp;
-    source_ = sourceFromEmpValue(record->source);
-    category_ = categoryFromEmpValue(record->category);
+    assignSource(source_, record->source);
+    assignCategory(category_, record->category);
     eventType_ = eventTypeFromEmpValue(record->eventType);
-    LineWriter number;
-    eventID_ = number.decimal<std::uint16_t>(record->eventId).string();
+    StackWriter<64> number;
+    number.decimal(record->eventId).assignTo(eventID_);
 
     const unsigned int claimed = record->evStructLength;
     if (sizeof *record + claimed != length &&
@@ -206,11 +215,15 @@ unsigned int Avrel_Event::eventTypeFromEmpValue(unsigned int value) const {
 }
 
 String Avrel_Event::categoryFromEmpValue(unsigned int value) const {
-    return nameOf(kCategories, value, 303, "categoryFromEmpValue", "category");
+    String name;
+    assignCategory(name, value);
+    return name;
 }
 
 String Avrel_Event::sourceFromEmpValue(unsigned int value) const {
-    return nameOf(kSources, value, 176, "sourceFromEmpValue", "source");
+    String name;
+    assignSource(name, value);
+    return name;
 }
 
 void Avrel_Event::hexified(char* out, const char* bytes, long count) {

@@ -13,7 +13,7 @@ namespace Pegasus::mpu {
 struct Part {
     std::string_view title;
     std::span<const Row> rows;
-    std::uint16_t at = 152;
+    std::uint16_t at; // where it begins
 };
 
 // A number that selects what the record is: the sample has it, the reference names it.
@@ -23,7 +23,8 @@ struct Key {
     std::uint32_t value;
 };
 
-// Bytes of the sample that no row describes, texts with their NUL above all.
+// Bytes of the sample that no row describes: texts with their NUL, lists, and values that a sample
+// should rather have than those the writer makes up.
 struct Fill {
     std::uint16_t at;
     std::string_view bytes;
@@ -34,23 +35,23 @@ struct Section {
     std::string_view title;
     std::span<const Key> keys;
     std::span<const Part> parts;
-    std::span<const Fill> fills;
+    std::span<const Fill> fills = {};
     std::string_view note = {}; // flow that rows can't say, in Markdown
 };
 
-// What a code means to the decoder of a module.
+// What a code means to the decoder.
 struct Code {
     std::uint32_t code;
     std::string_view text;
 };
 
+// All that a decoder knows of the records of its module.
 struct Module {
-    std::uint8_t source;          // the record's source byte
-    std::string_view source_name; // as decoded events have it
+    std::uint8_t source; // the record's source byte
     std::string_view decoder;
-    std::string_view note;
-    std::span<const Code> codes;
+    std::string_view note; // Markdown
     std::span<const Section> sections;
+    std::span<const Code> codes = {};
 };
 
 } // namespace Pegasus::mpu

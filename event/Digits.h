@@ -1,5 +1,5 @@
-// Numbers to text, straight into the output. Each function writes at `out` and returns the position
-// behind its last character.
+// Numbers and short texts straight into the output. Each function writes at `out` and returns the
+// position behind its last character.
 #pragma once
 
 #include "event/BigEndian.h"
@@ -12,33 +12,45 @@ namespace Pegasus::mpu {
 enum class Case : std::uint8_t { Lower, Upper };
 
 // Longest outputs.
-inline constexpr unsigned kDecimalRoom = 20;
+inline constexpr unsigned kDecimalRoom = 28; // 20 digits, written in blocks of eight
 inline constexpr unsigned kHexRoom = 16;
 inline constexpr unsigned kFloatRoom = 48; // "%f" of the largest single: 39 digits, point, 6, sign
 
-inline constexpr char kDigitPairs[] = "00010203040506070809101112131415161718192021222324"
-                                      "25262728293031323334353637383940414243444546474849"
-                                      "50515253545556575859606162636465666768697071727374"
-                                      "75767778798081828384858687888990919293949596979899";
+// The eight digits of a number below 10^8, one a byte, the first in the highest byte: halves,
+// quarters and eighths of the number are divided side by side in one word.
+inline std::uint64_t spreadDigits(std::uint32_t value) {
+    std::uint64_t x = static_cast<std::uint64_t>(value / 10000) << 32 | value % 10000;
+    const std::uint64_t hundreds = (x * 5243 >> 19) & 0x0000007F0000007Fu;
+    x = hundreds << 16 | (x - hundreds * 100);
+    const std::uint64_t tens = (x * 103 >> 10) & 0x000F000F000F000Fu;
+    return tens << 8 | (x - tens * 10);
+}
+inline constexpr std::uint64_t kZeroDigits = 0x3030303030303030u;
 
-template <class T>
-inline char* putDecimal(char* out, T value) {
-    char digits[kDecimalRoom];
-    char* at = digits + kDecimalRoom;
-    while (value >= 100) {
-        at -= 2;
-        std::memcpy(at, kDigitPairs + value % 100 * 2, 2);
-        value /= 100;
+// These two may write kDecimalRoom characters at `out`, whatever they return.
+inline char* putDecimal(char* out, std::uint32_t value) {
+    constexpr std::uint32_t kPart = 100000000;
+    if (value >= kPart) {
+        const std::uint32_t top = value / kPart;
+        *out = static_cast<char>('0' + top / 10);
+        out += top >= 10;
+        *out++ = static_cast<char>('0' + top % 10);
+        storeBig(out, spreadDigits(value % kPart) + kZeroDigits);
+        return out + 8;
     }
-    if (value >= 10) {
-        at -= 2;
-        std::memcpy(at, kDigitPairs + value * 2, 2);
-    } else {
-        *--at = static_cast<char>('0' + value);
-    }
-    const std::size_t n = static_cast<std::size_t>(digits + kDecimalRoom - at);
-    std::memcpy(out, at, n);
-    return out + n;
+    const std::uint64_t digits = spreadDigits(value);
+    const unsigned zeros = static_cast<unsigned>(std::countl_zero(digits | 1)) / 8;
+    storeBig(out, (digits << 8 * zeros) + kZeroDigits);
+    return out + 8 - zeros;
+}
+
+inline char* putDecimal(char* out, std::uint64_t value) {
+    constexpr std::uint32_t kPart = 100000000;
+    if (value <= 0xFFFFFFFFu)
+        return putDecimal(out, static_cast<std::uint32_t>(value));
+    out = putDecimal(out, value / kPart);
+    storeBig(out, spreadDigits(static_cast<std::uint32_t>(value % kPart)) + kZeroDigits);
+    return out + 8;
 }
 
 inline char* putSigned(char* out, std::int32_t value) {
@@ -62,14 +74,20 @@ inline char* putHex8(char* out, std::uint32_t value, Case letters) {
     return out + 8;
 }
 
+// Writes kHexRoom characters at `out`, whatever it returns.
 inline char* putHex(char* out, std::uint64_t value, unsigned minDigits, Case letters) {
-    const unsigned needed = (static_cast<unsigned>(std::bit_width(value)) + 3) / 4;
+    const unsigned needed = (static_cast<unsigned>(std::bit_width(value | 1)) + 3) / 4;
     const unsigned count = needed > minDigits ? needed : minDigits;
-    char digits[kHexRoom];
-    putHex8(digits, static_cast<std::uint32_t>(value >> 32), letters);
-    putHex8(digits + 8, static_cast<std::uint32_t>(value), letters);
-    std::memcpy(out, digits + kHexRoom - count, count);
+    const std::uint64_t left = value << (64 - 4 * count); // first digit in the highest bits
+    putHex8(out, static_cast<std::uint32_t>(left >> 32), letters);
+    putHex8(out + 8, static_cast<std::uint32_t>(left), letters);
     return out + count;
+}
+
+inline char* putText(char* out, std::string_view text) {
+    if (!text.empty())
+        std::memcpy(out, text.data(), text.size());
+    return out + text.size();
 }
 
 inline char* putHexByte(char* out, std::uint8_t value, Case letters) {

@@ -6,10 +6,8 @@ namespace {
 
 // Copies whole blocks: both sides have kSlack bytes to spare.
 inline char* putLiteral(char* out, const char* text, std::size_t count) {
-    std::memcpy(out, text, TextWriter::kSlack);
-    if (count > TextWriter::kSlack)
-        std::memcpy(out + TextWriter::kSlack, text + TextWriter::kSlack,
-                    count - TextWriter::kSlack);
+    for (std::size_t at = 0; at < count; at += TextWriter::kSlack)
+        std::memcpy(out + at, text + at, TextWriter::kSlack);
     return out + count;
 }
 
@@ -82,9 +80,7 @@ void write(TextWriter& out, const Layout& layout, RecordView view) {
             break;
         case Step::Pointer: {
             const std::uint32_t value = loadBig<std::uint32_t>(at);
-            const std::string_view lead = value == 0 ? "(nil)" : "0x";
-            std::memcpy(next, lead.data(), lead.size());
-            next += lead.size();
+            next = putText(next, value == 0 ? "(nil)" : "0x");
             if (value != 0)
                 next = putHex(next, value, 1, Case::Lower);
             break;
@@ -98,9 +94,7 @@ void write(TextWriter& out, const Layout& layout, RecordView view) {
         case Step::Bit: {
             const std::uint64_t value = loadNumber(at, step->size);
             const bool set = step->bit == kAnyBit ? value != 0 : (value >> step->bit & 1) != 0;
-            const std::string_view name = layout.names[step->aux]->at(set);
-            std::memcpy(next, name.data(), name.size());
-            next += name.size();
+            next = putText(next, layout.names[step->aux]->at(set));
             break;
         }
         case Step::Text:

@@ -245,6 +245,11 @@ private:
                   0});
             skippedCharacters = characters_;
         }
+        // Else the closing tag would pass for the group's when a body is made safe.
+        if (row.kind == Row::Element && !group_.empty() && row.tag.starts_with(group_))
+            fail("the tag begins with that of its group");
+        if (row.kind != Row::Element)
+            group_ = row.kind == Row::Open ? row.tag : std::string_view();
         literal(row.kind == Row::Close ? "</" : "<");
         tag(row, i);
         literal(">");
@@ -285,6 +290,7 @@ private:
         std::size_t next = 0;
         for (std::size_t at = 0; at < row.format.size(); ++at) {
             if (row.format[at] != '%') {
+                requireSafe(row.format.substr(at, 1));
                 character(row.format[at]);
                 continue;
             }
@@ -375,11 +381,13 @@ private:
         default:
             fail("no such format");
         }
+        // What a number can fill; what is written in blocks beyond that falls into the slack.
+        const unsigned digits[] = {0, 3, 5, 8, 11, 13, 15, 17, 20};
+        room_ += std::max<std::size_t>({digits[v.size], 2u * v.size + 2, f.digits});
         if (f.digits && f.letter != 'x' && f.letter != 'X')
             fail("only hexadecimal numbers have a width");
         if ((f.letter == 'f' || f.letter == 'p') && v.size != 4)
             fail("the format is for 32 bits");
-        room_ += kDecimalRoom;
     }
 
     constexpr std::uint16_t place(const Value& v, const Row& row, std::size_t i) {
@@ -400,8 +408,17 @@ private:
                 return static_cast<std::uint8_t>(i);
         if (tables_ == std::size(seen_))
             fail("too many name tables");
+        for (std::size_t i = 0; i < wanted->count; ++i)
+            requireSafe(wanted->at(i));
         seen_[tables_] = wanted;
         return static_cast<std::uint8_t>(tables_++);
+    }
+
+    // Our own texts are not made safe again when a body is.
+    static constexpr void requireSafe(std::string_view text) {
+        for (char c : text)
+            if (c == '=' || kSafeCharacters[static_cast<unsigned char>(c)] != c)
+                fail("the text would not pass makeSafeString as it is");
     }
 
     constexpr void numeral(std::size_t value, unsigned digits, unsigned base) {
@@ -432,6 +449,7 @@ private:
 
     Out* out_;
     Style style_;
+    std::string_view group_; // tag of the open one; groups don't nest
     std::size_t steps_ = 0;
     std::size_t characters_ = 0;
     std::size_t lead_ = 0;

@@ -28,14 +28,15 @@ Avrel_Event* undecoded(const EmpEvLogMsg_s* record, std::uint32_t length) {
 }
 
 Avrel_Event* decode(const EmpEvLogMsg_s* record, std::uint32_t length) {
-    const DecoderFactory factory = decoderOf(record->source);
-    if (!factory)
-        return new Avrel_Event(record, length);
-    try {
-        return factory(record, static_cast<int>(length));
-    } catch (...) {
-        return undecoded(record, length);
+    Avrel_Event* event = nullptr;
+    if (const DecoderFactory factory = decoderOf(record->source)) {
+        try {
+            event = factory(record, static_cast<int>(length));
+        } catch (...) {
+            return undecoded(record, length);
+        }
     }
+    return event ? event : new Avrel_Event(record, length);
 }
 
 } // namespace

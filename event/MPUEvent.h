@@ -15,7 +15,8 @@
 
 namespace Pegasus {
 
-// Makes the decoder of one module: `new SomeDecoder(record, length)`. May throw.
+// Makes the decoder of one module: `new SomeDecoder(record, length)`. May throw; null stands for an
+// event with header fields alone.
 using DecoderFactory = Avrel_Event* (*)(const EmpEvLogMsg_s* record, int length);
 
 // A message header and a private copy of the record behind it. Different messages may be used from

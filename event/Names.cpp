@@ -9,16 +9,14 @@ char* NameTable::put(char* out, std::uint64_t code) const {
         case Otherwise::Number:
             return putSigned(out, static_cast<std::int32_t>(code));
         case Otherwise::Unknown:
-            std::memcpy(out, "Unknown (", 9);
-            out = putDecimal(out + 9, code);
+            out = putDecimal(putText(out, "Unknown ("), code);
             *out++ = ')';
             return out;
         case Otherwise::Last:
             name = at(count - 1u);
         }
     }
-    std::memcpy(out, name.data(), name.size());
-    return out + name.size();
+    return putText(out, name);
 }
 
 } // namespace Pegasus::mpu

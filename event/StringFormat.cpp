@@ -32,7 +32,7 @@ std::string StringFormat::decimal(unsigned int high, unsigned int low) {
 
 std::string StringFormat::decimal(unsigned long long value) {
     char digits[mpu::kDecimalRoom];
-    return std::string(digits, mpu::putDecimal(digits, value));
+    return std::string(digits, mpu::putDecimal(digits, std::uint64_t{value}));
 }
 
 } // namespace Pegasus

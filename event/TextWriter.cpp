@@ -27,6 +27,57 @@ void TextWriter::grow(std::size_t count) {
     end_ = bigger + size;
 }
 
+TextWriter& TextWriter::decimal(std::uint32_t value) {
+    commit(putDecimal(reserve(kDecimalRoom), value));
+    return *this;
+}
+
+TextWriter& TextWriter::decimal64(std::uint64_t value) {
+    commit(putDecimal(reserve(kDecimalRoom), value));
+    return *this;
+}
+
+TextWriter& TextWriter::integer(std::uint32_t value) {
+    commit(putSigned(reserve(kDecimalRoom), static_cast<std::int32_t>(value)));
+    return *this;
+}
+
+TextWriter& TextWriter::hexUpper(std::uint64_t value, unsigned minDigits) {
+    commit(putHex(reserve(kHexRoom), value, minDigits, Case::Upper));
+    return *this;
+}
+
+TextWriter& TextWriter::hexLower(std::uint64_t value, unsigned minDigits) {
+    commit(putHex(reserve(kHexRoom), value, minDigits, Case::Lower));
+    return *this;
+}
+
+TextWriter& TextWriter::hexBytes(std::string_view bytes) {
+    commit(putHexBytes(reserve(2 * bytes.size()), bytes));
+    return *this;
+}
+
+TextWriter& TextWriter::open(std::string_view tag) {
+    char* out = reserve(tag.size() + 2);
+    *out = '<';
+    out = putText(out + 1, tag);
+    *out = '>';
+    commit(out + 1);
+    return *this;
+}
+
+TextWriter& TextWriter::close(std::string_view tag) {
+    char* out = putText(putText(reserve(tag.size() + 3), "</"), tag);
+    *out = '>';
+    commit(out + 1);
+    return *this;
+}
+
+TextWriter& TextWriter::element(std::string_view tag, std::string_view value,
+                                std::string_view after) {
+    return open(tag).text(value).close(tag).put(after);
+}
+
 char* putSafeRun(char* out, std::string_view text) {
     for (char c : text) {
         out[0] = kSafeCharacters[static_cast<unsigned char>(c)];
@@ -37,8 +88,10 @@ char* putSafeRun(char* out, std::string_view text) {
 }
 
 TextWriter& TextWriter::text(std::string_view text) {
-    if (texts_ == Texts::Raw)
+    if (texts_ == Texts::Raw) {
+        unchecked_ = true;
         return put(text);
+    }
     if (text.find('<') != std::string_view::npos) {
         markup_ = true;
         return put(text);
@@ -56,12 +109,16 @@ void putDump(TextWriter& out, std::string_view bytes) {
     }
 }
 
-String TextWriter::string() const {
-    if (!markup_)
-        return toString(view());
-    StackWriter<1024> safe;
-    putSafe(safe, view());
-    return toString(safe.view());
+void TextWriter::assignTo(String& to) const {
+    if (markup_) {
+        StackWriter<1024> safe;
+        putSafe(safe, view());
+        assignAscii(to, safe.view());
+    } else if (unchecked_) {
+        assignText(to, view());
+    } else {
+        assignAscii(to, view());
+    }
 }
 
 namespace {
@@ -159,20 +216,31 @@ std::size_t sequenceLength(const unsigned char* at, std::size_t left) {
     return overlong || surrogate || beyond ? 0 : length;
 }
 
+// Whether no byte has its high bit; nearly all texts are so.
+bool isAscii(std::string_view text) {
+    using Word = std::uint64_t;
+    const auto word = [&](std::size_t at) {
+        Word bytes;
+        std::memcpy(&bytes, text.data() + at, sizeof bytes);
+        return bytes;
+    };
+    Word seen = 0;
+    if (text.size() >= sizeof seen) {
+        for (std::size_t at = 0; at < text.size() - sizeof seen; at += sizeof seen)
+            seen |= word(at);
+        seen |= word(text.size() - sizeof seen); // overlaps the one before
+    } else {
+        for (char c : text)
+            seen |= static_cast<unsigned char>(c);
+    }
+    return (seen & 0x8080808080808080u) == 0;
+}
+
 // The length of the valid UTF-8 text at the start of `text`.
 std::size_t validLength(std::string_view text) {
     const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text.data());
     std::size_t at = 0;
     while (at < text.size()) {
-        std::uint64_t block;
-        while (text.size() - at >= sizeof block) {
-            std::memcpy(&block, bytes + at, sizeof block);
-            if (block & 0x8080808080808080u)
-                break;
-            at += sizeof block;
-        }
-        if (at == text.size())
-            break;
         const std::size_t length = sequenceLength(bytes + at, text.size() - at);
         if (length == 0)
             break;
@@ -183,20 +251,24 @@ std::size_t validLength(std::string_view text) {
 
 } // namespace
 
-String toString(std::string_view text) {
-    std::size_t valid = validLength(text);
-    if (valid == text.size())
-        return text.empty() ? String() : String(text.data(), static_cast<Uint32>(text.size()));
-    StackWriter<1024> out;
-    for (;;) {
-        out.put(text.substr(0, valid));
-        if (valid == text.size())
-            break;
-        out.put("?");
-        text.remove_prefix(valid + 1);
-        valid = validLength(text);
+void assignAscii(String& to, std::string_view text) {
+    to.assign(text.empty() ? "" : text.data(), static_cast<Uint32>(text.size()));
+}
+
+void assignText(String& to, std::string_view text) {
+    StackWriter<1024> mended;
+    if (!isAscii(text)) {
+        for (;;) {
+            const std::size_t valid = validLength(text);
+            mended.put(text.substr(0, valid));
+            if (valid == text.size())
+                break;
+            mended.put("?");
+            text.remove_prefix(valid + 1);
+        }
+        text = mended.view();
     }
-    return String(out.view().data(), static_cast<Uint32>(out.view().size()));
+    assignAscii(to, text);
 }
 
 } // namespace Pegasus::mpu

@@ -5,14 +5,19 @@
 
 #include <Pegasus/Common/String.h>
 
-#include <concepts>
-#include <type_traits>
-
 namespace Pegasus::mpu {
 
 // Text from a record becomes a framework string through here alone: valid UTF-8 passes, every byte
-// that is not part of a valid sequence becomes "?".
-String toString(std::string_view text);
+// that is not part of a valid sequence becomes "?". The string is built in place: the framework's
+// strings don't move, and counting references of temporaries costs more than short texts do.
+void assignText(String& to, std::string_view text);
+// The same for a text that is known to be ASCII: names, titles, what was made safe.
+void assignAscii(String& to, std::string_view text);
+inline String toString(std::string_view text) {
+    String made;
+    assignText(made, text);
+    return made;
+}
 
 // `text` with everything outside well-formed elements restricted to a safe set of characters; see
 // Avrel_Event::makeSafeString. Linear in the length of the text, constant stack.
@@ -21,7 +26,7 @@ void putSafe(TextWriter& out, std::string_view text);
 
 // What becomes of texts from the record.
 enum class Texts : std::uint8_t {
-    Safe, // the finished text is made safe as a whole: string() does that
+    Safe, // the finished text is made safe as a whole: assignTo() does that
     Raw,  // they stand as they are
 };
 
@@ -44,58 +49,43 @@ public:
     // Behind every reserve(), so that short constant texts can be copied in whole blocks.
     static constexpr std::size_t kSlack = 32;
 
+    // Our own texts, which are ASCII.
     TextWriter& put(std::string_view text) {
-        char* out = reserve(text.size());
-        if (!text.empty())
-            std::memcpy(out, text.data(), text.size());
-        commit(out + text.size());
+        commit(putText(reserve(text.size()), text));
         return *this;
     }
-    template <std::unsigned_integral T>
-    TextWriter& decimal(T value) {
-        using Word = std::conditional_t<sizeof(T) <= 4, std::uint32_t, T>;
-        commit(putDecimal(reserve(kDecimalRoom), static_cast<Word>(value)));
-        return *this;
-    }
-    // "%d" of a 32-bit value: 2^31 and above print negative.
-    TextWriter& integer(std::uint32_t value) {
-        commit(putSigned(reserve(kDecimalRoom), static_cast<std::int32_t>(value)));
-        return *this;
-    }
-    TextWriter& hexUpper(std::uint64_t value, unsigned minDigits) {
-        commit(putHex(reserve(kHexRoom), value, minDigits, Case::Upper));
-        return *this;
-    }
-    TextWriter& hexLower(std::uint64_t value, unsigned minDigits) {
-        commit(putHex(reserve(kHexRoom), value, minDigits, Case::Lower));
-        return *this;
-    }
-    TextWriter& hexBytes(std::string_view bytes) {
-        commit(putHexBytes(reserve(2 * bytes.size()), bytes));
-        return *this;
-    }
+    // Out of line, to keep the library small: what is written field by field goes through a layout.
+    TextWriter& decimal(std::uint32_t value);
+    TextWriter& decimal64(std::uint64_t value);
+    TextWriter& integer(std::uint32_t value); // "%d": 2^31 and above print negative
+    TextWriter& hexUpper(std::uint64_t value, unsigned minDigits);
+    TextWriter& hexLower(std::uint64_t value, unsigned minDigits);
+    TextWriter& hexBytes(std::string_view bytes);
     // A text from the record. Where the finished text is made safe, a text without "<" can be made
-    // safe at once with the same result; one with "<" leaves all to the general pass of string().
+    // safe at once with the same result; one with "<" leaves all to the general pass of assignTo().
     TextWriter& text(std::string_view text);
 
     // Constant texts that are known when this is compiled.
-    TextWriter& open(std::string_view tag) { return put("<").put(tag).put(">"); }
-    TextWriter& close(std::string_view tag) { return put("</").put(tag).put(">"); }
+    TextWriter& open(std::string_view tag);
+    TextWriter& close(std::string_view tag);
     // An element whose value is a text from the record; the tag is used as it stands.
-    TextWriter& element(std::string_view tag, std::string_view value, std::string_view after) {
-        return open(tag).text(value).close(tag).put(after);
-    }
+    TextWriter& element(std::string_view tag, std::string_view value, std::string_view after);
 
     std::string_view view() const { return {begin_, static_cast<std::size_t>(next_ - begin_)}; }
     void clear() {
         next_ = begin_;
-        markup_ = false;
+        markup_ = unchecked_ = false;
     }
-    // Says that record bytes outside text() may hold markup.
+    // Says that what was put may hold markup, or bytes that no text of ours has.
     void expectMarkup() { markup_ = true; }
 
     // The finished text: made safe when the texts in it have to be, valid in any case.
-    String string() const;
+    void assignTo(String& to) const;
+    String string() const {
+        String made;
+        assignTo(made);
+        return made;
+    }
 
 protected:
     TextWriter(char* room, std::size_t size, Texts texts)
@@ -110,7 +100,8 @@ private:
     char* end_;
     char* room_;
     Texts texts_;
-    bool markup_ = false;
+    bool markup_ = false;    // the general pass is needed
+    bool unchecked_ = false; // some of it may not be ASCII
 };
 
 template <std::size_t Size>
@@ -122,8 +113,9 @@ private:
     char room_[Size];
 };
 
-// Sizes: most bodies fit the first, all but strange titles and summaries the second.
-using BodyWriter = StackWriter<4096>;
+// Sizes: all but strange bodies fit the first, the longest structure's among them; all but strange
+// titles and summaries the second. A decode has one of each on a stack that may be small.
+using BodyWriter = StackWriter<10240>;
 using LineWriter = StackWriter<384>;
 
 // Groups of 16 bytes: "0x0010=0011223344556677 | 8899AABBCCDDEEFF;", without line breaks.

@@ -5,19 +5,20 @@
 
 namespace Pegasus::mpu {
 
-String hexBody(const EmpEvLogMsg_s* record) {
-    const char* payload = reinterpret_cast<const char*>(record + 1);
+void assignHexBody(String& to, const EmpEvLogMsg_s* record) {
+    const std::string_view payload(reinterpret_cast<const char*>(record + 1),
+                                   record->evStructLength);
     BodyWriter body;
-    body.reserve(2u * record->evStructLength + sizeof "<Hex></Hex>"); // grows at most once
-    body.put("<Hex>").hexBytes({payload, record->evStructLength}).put("</Hex>");
-    return body.string();
+    body.reserve(2 * payload.size() + sizeof "<Hex></Hex>"); // grows at most once
+    body.put("<Hex>").hexBytes(payload).put("</Hex>");
+    body.assignTo(to);
 }
 
 void traceUnknown(const char* source, int line, const char* what, const EmpEvLogMsg_s* record) {
     if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
         return;
     LineWriter id;
-    id.decimal<std::uint16_t>(record->eventId);
+    id.decimal(record->eventId);
     ProviderTraceServices::ptsTrace(source, line, {what, id.view()});
 }
 

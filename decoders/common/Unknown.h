@@ -8,7 +8,7 @@
 namespace Pegasus::mpu {
 
 // "<Hex>" and the evStructLength bytes of the payload in upper-case digits, "</Hex>".
-String hexBody(const EmpEvLogMsg_s* record);
+void assignHexBody(String& body, const EmpEvLogMsg_s* record);
 
 // Traces `what` and the record's event id in decimal.
 void traceUnknown(const char* source, int line, const char* what, const EmpEvLogMsg_s* record);

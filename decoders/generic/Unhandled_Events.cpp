@@ -1,6 +1,7 @@
 #include "decoders/generic/Unhandled_Events.h"
 
 #include "decoders/common/Unknown.h"
+#include "event/TextWriter.h"
 
 namespace Pegasus {
 
@@ -13,8 +14,8 @@ using namespace mpu;
         if (!record)                                                                               \
             return;                                                                                \
         traceUnknown(#MODULE "_Event", LINE, "Unknown EventID: 0x", record);                       \
-        summary_ = "Unhandled Event by " #MODULE;                                                  \
-        body_ = hexBody(record);                                                                   \
+        assignAscii(summary_, "Unhandled Event by " #MODULE);                                      \
+        assignHexBody(body_, record);                                                              \
     }                                                                                              \
     MODULE##_Event::~MODULE##_Event() = default;                                                   \
     String get_##MODULE##_such_and_such_event_body(const EmpEvLogMsg_s*) {                         \

@@ -176,17 +176,17 @@ SYSTEM_CONFIGMP_Event::SYSTEM_CONFIGMP_Event(const EmpEvLogMsg_s* record, int le
     const Event* event = findEvent(record->eventId);
     if (!event) {
         traceUnknown("SYSTEM_CONFIGMP_Event", 115, "Unknown EventID: 0x", record);
-        summary_ = "***UNKNOWN EventID***";
-        body_ = hexBody(record);
+        assignAscii(summary_, "***UNKNOWN EventID***");
+        assignHexBody(body_, record);
         return;
     }
     BodyWriter body(Texts::Safe);
     LineWriter summary(Texts::Safe);
     summary.text(
         build(event->kind, RecordView::of(record, static_cast<unsigned int>(length)), body));
-    eventID_ = toString(titleOf(record->eventType, event->error, event->warning, event->other));
-    body_ = body.string();
-    summary_ = summary.string();
+    assignAscii(eventID_, titleOf(record->eventType, event->error, event->warning, event->other));
+    summary.assignTo(summary_);
+    body.assignTo(body_);
 }
 
 SYSTEM_CONFIGMP_Event::~SYSTEM_CONFIGMP_Event() = default;

@@ -123,4 +123,60 @@ inline constexpr Row kSharedMemoryRows[] = {
     {"ShMem_Key", "%d", u32(0)},
 };
 
+// The catalogue. Samples have a location block, so their data begin at 184.
+using namespace std::string_view_literals;
+
+inline constexpr std::uint16_t kBlockAt = 152;
+inline constexpr std::uint16_t kDataAt = 184;
+inline constexpr std::string_view kSampleBlock = "\0\x4d"
+                                                 "scc_main.c\0initService"sv;
+
+template <std::uint16_t Code>
+inline constexpr Key kCode[] = {{150, 2, Code}};
+
+template <const auto& Rows>
+inline constexpr Part kLocated[] = {{"Location block", kLocationRows, kBlockAt},
+                                    {"Structure", Rows, kDataAt}};
+inline constexpr Part kBlockAlone[] = {{"Location block", kLocationRows, kBlockAt}};
+// The text is "Ready", so what follows it begins six bytes on.
+inline constexpr Part kStatusParts[] = {{"Location block", kLocationRows, kBlockAt},
+                                        {"Structure, behind the text", kStatusRows, kDataAt + 6}};
+
+inline constexpr Fill kBlockFill[] = {{kBlockAt, kSampleBlock}};
+inline constexpr Fill kTextFill[] = {
+    {kBlockAt, kSampleBlock}, {kDataAt, "openStore(): failed to open the store. Retrying\0"sv}};
+inline constexpr Fill kDumpFill[] = {{kBlockAt, kSampleBlock},
+                                     {kDataAt, "Bad block header\0\xDE\xAD\xBE\xEF\x01\x02"sv}};
+inline constexpr Fill kReadyFill[] = {{kBlockAt, kSampleBlock},
+                                      {kDataAt, "Ready\0"sv},
+                                      {kDataAt + 6 + kStatusSize - 4, "\0\0\0\0"sv}};
+template <std::uint16_t Behind>
+inline constexpr Fill kTextBehind[] = {
+    {kBlockAt, kSampleBlock},
+    {kDataAt + Behind, "Lock held by the other controller. Retry later\0"sv}};
+
+inline constexpr Section kSections[] = {
+    {"Text", kCode<2000>, kBlockAlone, kTextFill, "A text."},
+    {"Dump", kCode<2005>, kBlockAlone, kDumpFill, "A text, then bytes that are dumped."},
+    {"Shared memory", kCode<2010>, kLocated<kSharedMemoryRows>, kBlockFill, "Also code 2012."},
+    {"Lock", kCode<2011>, kLocated<kLockRows>, kTextBehind<28>, "A text at 28."},
+    {"Management message", kCode<2013>, kLocated<kManagementMessageRows>,
+     kTextBehind<kManagementMessageSize>, "A text at 36."},
+    {"Request", kCode<2015>, kLocated<kRequestRows>, kTextBehind<32>, "A text at 32."},
+    {"Response", kCode<2016>, kLocated<kResponseRows>, kTextBehind<32>, "A text at 32."},
+    {"Timer", kCode<2017>, kLocated<kTimerRows>, kTextBehind<32>, "A text at 32."},
+    {"Lock manager", kCode<2018>, kLocated<kLockManagerRows>, kTextBehind<40>, "A text at 40."},
+    {"Persistent memory", kCode<2019>, kLocated<kPersistentMemoryRows>, kBlockFill},
+    {"Global status", kCode<2020>, kStatusParts, kReadyFill,
+     "A text, then 64 bytes of status; fewer are reported as `Incorrect_data_len`."},
+};
+
+inline constexpr Module kModule{
+    23, "SYSTEM_CONFIGMP_Event",
+    "A payload longer than 32 bytes begins with a location block: line, file name and its NUL, "
+    "function name up to the end of the block. The data follow it; offsets below have the block. "
+    "Unless the severity is 1 (or, for the global status, 0x65) the body ends with File, Func and "
+    "Line. Modules 19 (DDLM) and 25 (AIM) are decoded alike.",
+    kSections};
+
 } // namespace Pegasus::mpu::scc

@@ -61,7 +61,7 @@ public:
 
 private:
     unsigned char wire_[mpu::message_header::kSize];
-    std::uint32_t extra_; // travels with the header in memory, not on the wire
+    [[maybe_unused]] std::uint32_t extra_; // travels with the header in memory, not on the wire
 };
 
 } // namespace Pegasus

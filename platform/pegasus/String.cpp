@@ -6,10 +6,12 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <new>
 #include <ostream>
 #include <string>
+#include <utility>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -66,32 +68,70 @@ Uint16 toLowerAscii(Uint16 unit) {
 
 // ---- UTF-8 to UTF-16 ----
 
-// Converts the ASCII bytes at the start of the input and returns their number. The output must have
-// room for all n: whole blocks are stored, also where only their beginning counts.
-Uint32 widenAscii(const unsigned char* in, Uint32 n, Uint16* out) {
-    Uint32 i = 0;
+// Widens the bytes in blocks of a size, the last of which may overlap the one before: no byte
+// outside is read. False when one is not ASCII; what is written then counts for nothing.
+template <class Block>
+bool widenBlocks(const unsigned char* in, Uint32 n, Uint16* out) {
+    constexpr Uint32 size = Block::size;
+    for (Uint32 i = 0; i < n - size; i += size)
+        if (!Block::widen(in + i, out + i))
+            return false;
+    return Block::widen(in + n - size, out + n - size);
+}
+
+template <class Word>
+struct WordBlock {
+    static constexpr Uint32 size = sizeof(Word);
+    static bool widen(const unsigned char* in, Uint16* out) {
+        Word bytes;
+        std::memcpy(&bytes, in, sizeof bytes);
+        for (Uint32 k = 0; k < size; ++k)
+            out[k] = in[k];
+        return (bytes & static_cast<Word>(0x8080808080808080)) == 0;
+    }
+};
+
 #ifdef __SSE2__
-    const __m128i zero = _mm_setzero_si128();
-    for (; n - i >= 16; i += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
-        __m128i* const units = reinterpret_cast<__m128i*>(out + i);
-        _mm_storeu_si128(units, _mm_unpacklo_epi8(bytes, zero));
-        _mm_storeu_si128(units + 1, _mm_unpackhi_epi8(bytes, zero));
-        if (const int high = _mm_movemask_epi8(bytes); high != 0)
-            return i + static_cast<Uint32>(std::countr_zero(static_cast<Uint32>(high)));
+struct VectorBlock {
+    static constexpr Uint32 size = 32;
+    static bool widen(const unsigned char* in, Uint16* out) {
+        const __m128i zero = _mm_setzero_si128();
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + 16));
+        __m128i* const units = reinterpret_cast<__m128i*>(out);
+        _mm_storeu_si128(units, _mm_unpacklo_epi8(a, zero));
+        _mm_storeu_si128(units + 1, _mm_unpackhi_epi8(a, zero));
+        _mm_storeu_si128(units + 2, _mm_unpacklo_epi8(b, zero));
+        _mm_storeu_si128(units + 3, _mm_unpackhi_epi8(b, zero));
+        return _mm_movemask_epi8(_mm_or_si128(a, b)) == 0;
     }
+};
+struct HalfVectorBlock {
+    static constexpr Uint32 size = 8;
+    static bool widen(const unsigned char* in, Uint16* out) {
+        const __m128i a = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(in));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
+                         _mm_unpacklo_epi8(a, _mm_setzero_si128()));
+        return (_mm_movemask_epi8(a) & 0xFF) == 0;
+    }
+};
+#else
+using VectorBlock = WordBlock<std::uint64_t>;
+using HalfVectorBlock = WordBlock<std::uint64_t>;
 #endif
-    for (; n - i >= 8; i += 8) {
-        std::uint64_t bytes;
-        std::memcpy(&bytes, in + i, sizeof bytes);
-        if ((bytes & 0x8080808080808080) != 0)
-            break;
-        for (Uint32 k = 0; k < 8; ++k)
-            out[i + k] = in[i + k];
-    }
-    for (; i < n && in[i] < 0x80; ++i)
+
+// Nearly all text is ASCII throughout.
+bool widenIfAscii(const unsigned char* in, Uint32 n, Uint16* out) {
+    if (n >= VectorBlock::size)
+        return widenBlocks<VectorBlock>(in, n, out);
+    if (n >= HalfVectorBlock::size)
+        return widenBlocks<HalfVectorBlock>(in, n, out);
+    unsigned seen = 0;
+    for (Uint32 i = 0; i < n; ++i) {
         out[i] = in[i];
-    return i;
+        seen |= in[i];
+    }
+    return seen < 0x80;
 }
 
 struct Sequence {
@@ -128,23 +168,24 @@ struct Decoded {
 
 // The output must have room for n units: no character has more units than bytes.
 Decoded decodeUtf8(const unsigned char* in, Uint32 n, Uint16* out) {
+    if (widenIfAscii(in, n, out))
+        return {n, n};
     Uint32 i = 0;
     Uint32 o = 0;
     while (i < n) {
-        const Uint32 ascii = widenAscii(in + i, n - i, out + o);
-        i += ascii;
-        o += ascii;
-        while (i < n && in[i] >= 0x80) {
-            const Sequence next = decodeSequence(in + i, n - i);
-            if (next.length == 0)
-                return {i, o};
-            i += next.length;
-            if (next.character < 0x10000) {
-                out[o++] = static_cast<Uint16>(next.character);
-            } else {
-                out[o++] = static_cast<Uint16>(0xD7C0 + (next.character >> 10));
-                out[o++] = static_cast<Uint16>(0xDC00 + (next.character & 0x3FF));
-            }
+        if (in[i] < 0x80) {
+            out[o++] = in[i++];
+            continue;
+        }
+        const Sequence next = decodeSequence(in + i, n - i);
+        if (next.length == 0)
+            break;
+        i += next.length;
+        if (next.character < 0x10000) {
+            out[o++] = static_cast<Uint16>(next.character);
+        } else {
+            out[o++] = static_cast<Uint16>(0xD7C0 + (next.character >> 10));
+            out[o++] = static_cast<Uint16>(0xDC00 + (next.character & 0x3FF));
         }
     }
     return {i, o};
@@ -247,10 +288,6 @@ int compareUnits(const Uint16* a, const Uint16* b, Uint32 n, Fold fold) {
     return 0;
 }
 
-Uint16 asItIs(Uint16 unit) {
-    return unit;
-}
-
 } // namespace
 
 // ---- CString ----
@@ -282,12 +319,12 @@ constinit const String& String::EMPTY = emptyText;
 
 String::Block* String::allocate(Uint64 capacity) {
     const Uint32 checked = checkedSize(capacity);
-    void* const memory = ::operator new(sizeof(Block) + checked * sizeof(Char16));
+    void* const memory = ::operator new(sizeof(Block) + checked * sizeof(Uint16));
     return ::new (memory) Block{1, 0, checked, {}};
 }
 
 void String::deallocate(Block* block) {
-    ::operator delete(block);
+    ::operator delete(block); // NOLINT(clang-analyzer-cplusplus.NewDelete): never the empty one
 }
 
 // Afterwards the block is ours alone, holds the same text and has the capacity.
@@ -340,12 +377,12 @@ String& String::assign(const char* text) {
 
 String& String::assign(const char* text, Uint32 n) {
     requirePointer(text);
-    clear();
-    if (n == 0)
+    if (n == 0) {
+        clear();
         return *this;
-    // No more units than bytes, and for ASCII just as many. The cleared block is ours alone or the
-    // constant one, which has no capacity.
-    if (block_->capacity < n)
+    }
+    // No more units than bytes, and for ASCII just as many.
+    if (!block_->isWritable(n))
         replaceBlock(allocate(n));
     const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
     const Decoded decoded = decodeUtf8(bytes, n, block_->units);
@@ -510,7 +547,7 @@ int String::compare(const String& a, const String& b) {
 }
 
 int String::compare(const String& a, const String& b, Uint32 n) {
-    return compareUnits(a.block_->units, b.block_->units, n, asItIs);
+    return compareUnits(a.block_->units, b.block_->units, n, std::identity());
 }
 
 int String::compareNoCase(const String& a, const String& b) {
@@ -529,32 +566,6 @@ Boolean String::equalNoCase(const String& a, const String& b) {
                       [](Uint16 x, Uint16 y) { return toLowerAscii(x) == toLowerAscii(y); });
 }
 
-Boolean operator==(const String& a, const String& b) {
-    return String::equal(a, b);
-}
-Boolean operator==(const String& a, const char* b) {
-    return String::equal(a, b);
-}
-Boolean operator==(const char* a, const String& b) {
-    return String::equal(a, b);
-}
-Boolean operator!=(const String& a, const String& b) {
-    return !String::equal(a, b);
-}
-
-Boolean operator<(const String& a, const String& b) {
-    return String::compare(a, b) < 0;
-}
-Boolean operator<=(const String& a, const String& b) {
-    return String::compare(a, b) <= 0;
-}
-Boolean operator>(const String& a, const String& b) {
-    return String::compare(a, b) > 0;
-}
-Boolean operator>=(const String& a, const String& b) {
-    return String::compare(a, b) >= 0;
-}
-
 String operator+(const String& a, const String& b) {
     String both(a);
     both.append(b);
@@ -563,7 +574,6 @@ String operator+(const String& a, const String& b) {
 
 std::ostream& operator<<(std::ostream& out, const String& text) {
     std::string bytes;
-    std::size_t first = 0;
     for (Uint32 i = 0; i < text.size(); ++i) {
         const Uint16 unit = text[i];
         if (unit > 0 && unit <= 0xFF) {
@@ -573,13 +583,13 @@ std::ostream& operator<<(std::ostream& out, const String& text) {
             std::snprintf(escape, sizeof escape, "\\x%04X", unit);
             bytes += escape;
         }
-        if (i == 0)
-            first = bytes.size();
+        // Formatted output for the first unit, so that width and fill go there.
+        if (i == 0) {
+            out << bytes;
+            bytes.clear();
+        }
     }
-    if (text.size() == 0)
-        return out;
-    out << bytes.substr(0, first);
-    return out.write(bytes.data() + first, static_cast<std::streamsize>(bytes.size() - first));
+    return out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 } // namespace Pegasus

@@ -21,5 +21,7 @@ struct Command {
 };
 
 Runner addDecode(CLI::App& app);
+Runner addFormats(CLI::App& app);
+Runner addSample(CLI::App& app);
 
 } // namespace Pegasus::tool

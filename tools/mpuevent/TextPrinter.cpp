@@ -35,7 +35,7 @@ bool isHexDigit(char c) {
 // Digits only, more than one line of a dump.
 bool isLongHex(std::string_view text) {
     return text.size() > 2 * kDumpLine && text.size() % 2 == 0 &&
-           std::all_of(text.begin(), text.end(), isHexDigit);
+           std::all_of(text.begin(), text.end(), [](char c) { return isHexDigit(c); });
 }
 
 // Where the next group of an offset-marked dump ("0x0010=..; 0x0020=..") begins, behind the first.

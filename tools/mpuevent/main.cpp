@@ -14,6 +14,8 @@ namespace {
 
 constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
+    {"formats", "Print the record reference, from the layout tables", addFormats},
+    {"sample", "Write a demonstration capture", addSample},
 };
 
 constexpr char kExamples[] = R"(Examples:

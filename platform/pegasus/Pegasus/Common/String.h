@@ -41,30 +41,18 @@ public:
 
     operator Uint16() const { return unit_; }
 
+    friend Boolean operator==(const Char16& a, const Char16& b) { return a.unit_ == b.unit_; }
+    friend Boolean operator==(const Char16& a, char b) { return a == Char16(Uint16(b)); }
+    friend Boolean operator==(char a, const Char16& b) { return b == a; }
+    friend Boolean operator!=(const Char16& a, const Char16& b) { return !(a == b); }
+    friend Boolean operator!=(const Char16& a, char b) { return !(a == b); }
+    friend Boolean operator!=(char a, const Char16& b) { return !(b == a); }
+
 private:
     Uint16 unit_;
 };
 
 static_assert(sizeof(Char16) == sizeof(Uint16) && sizeof(Uint16) == 2);
-
-inline Boolean operator==(const Char16& a, const Char16& b) {
-    return Uint16(a) == Uint16(b);
-}
-inline Boolean operator==(const Char16& a, char b) {
-    return a == Char16(Uint16(b));
-}
-inline Boolean operator==(char a, const Char16& b) {
-    return b == a;
-}
-inline Boolean operator!=(const Char16& a, const Char16& b) {
-    return !(a == b);
-}
-inline Boolean operator!=(const Char16& a, char b) {
-    return !(a == b);
-}
-inline Boolean operator!=(char a, const Char16& b) {
-    return !(b == a);
-}
 
 /// A NUL-terminated UTF-8 copy of a String, on the heap and owned by this object: the pointer lives
 /// as long as the object. A copy ends at the first NUL. Only a default CString holds null.
@@ -108,7 +96,11 @@ public:
             release(block_);
     }
 
-    String& operator=(const String& other) { return assign(other); }
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): assign() handles it
+    String& operator=(const String& other) {
+        assign(other);
+        return *this;
+    }
 
     /// After bytes that are not UTF-8 the String is empty, after a null pointer unchanged.
     String& assign(const String& other);
@@ -169,6 +161,15 @@ public:
     static Boolean equal(const String& a, const String& b);
     static Boolean equalNoCase(const String& a, const String& b);
 
+    friend Boolean operator==(const String& a, const String& b) { return equal(a, b); }
+    friend Boolean operator==(const String& a, const char* b) { return equal(a, b); }
+    friend Boolean operator==(const char* a, const String& b) { return equal(a, b); }
+    friend Boolean operator!=(const String& a, const String& b) { return !equal(a, b); }
+    friend Boolean operator<(const String& a, const String& b) { return compare(a, b) < 0; }
+    friend Boolean operator<=(const String& a, const String& b) { return compare(a, b) <= 0; }
+    friend Boolean operator>(const String& a, const String& b) { return compare(a, b) > 0; }
+    friend Boolean operator>=(const String& a, const String& b) { return compare(a, b) >= 0; }
+
 private:
     // Header of a heap block; the units follow, `capacity` of them and the terminator. A block
     // with 0 references is the constant empty one: it is neither counted, written nor freed.
@@ -215,17 +216,6 @@ private:
 
     Block* block_;
 };
-
-PEGASUS_COMMON_LINKAGE Boolean operator==(const String& a, const String& b);
-PEGASUS_COMMON_LINKAGE Boolean operator==(const String& a, const char* b);
-PEGASUS_COMMON_LINKAGE Boolean operator==(const char* a, const String& b);
-PEGASUS_COMMON_LINKAGE Boolean operator!=(const String& a, const String& b);
-
-/// The order of String::compare.
-PEGASUS_COMMON_LINKAGE Boolean operator<(const String& a, const String& b);
-PEGASUS_COMMON_LINKAGE Boolean operator<=(const String& a, const String& b);
-PEGASUS_COMMON_LINKAGE Boolean operator>(const String& a, const String& b);
-PEGASUS_COMMON_LINKAGE Boolean operator>=(const String& a, const String& b);
 
 PEGASUS_COMMON_LINKAGE String operator+(const String& a, const String& b);
 

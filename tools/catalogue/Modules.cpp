@@ -1,0 +1,29 @@
+#include "tools/catalogue/Modules.h"
+
+#include "decoders/generic/Unhandled_Layouts.h"
+#include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
+
+namespace Pegasus::mpu {
+
+namespace {
+
+constexpr Module kModules[] = {
+    unhandled::module(12, "ICHAR_Event"),
+    unhandled::module(13, "OB0_Event"),
+    unhandled::module(14, "OB1_Event"),
+    unhandled::module(15, "HACCMP_Event"),
+    unhandled::module(16, "MSMMP_Event"),
+    {19, "DDLMMP_Event", "Decoded as module 23 (SCC).", {}},
+    unhandled::module(21, "DRIVEADMP_Event"),
+    scc::kModule,
+    {25, "AIMMP_Event", "Decoded as module 23 (SCC).", {}},
+    unhandled::module(28, "SNMPMP_Event"),
+};
+
+} // namespace
+
+std::span<const Module> modules() {
+    return kModules;
+}
+
+} // namespace Pegasus::mpu

@@ -1,0 +1,115 @@
+// mpuevent formats and mpuevent sample: what the layout tables say and show.
+#include "event/Avrel_Event.h"
+#include "tools/catalogue/Modules.h"
+#include "tools/catalogue/Reference.h"
+#include "tools/catalogue/Sample.h"
+#include "tools/mpuevent/Command.h"
+#include "tools/mpuevent/Inputs.h"
+#include "tools/mpuevent/Utf8.h"
+
+#include <memory>
+
+namespace Pegasus::tool {
+
+namespace {
+
+std::string sourceName(const mpu::Module& module) {
+    const CString name = Avrel_Event(nullptr, 0).sourceFromEmpValue(module.source).getCString();
+    return std::string(name);
+}
+
+bool isCalled(const mpu::Module& module, const std::string& name) {
+    return name == std::to_string(module.source) || name == module.decoder ||
+           name == sourceName(module);
+}
+
+// The modules that `name` means, all for an empty one.
+std::vector<mpu::Module> select(const std::string& name) {
+    std::vector<mpu::Module> found;
+    for (const mpu::Module& module : mpu::modules())
+        if (name.empty() || isCalled(module, name))
+            found.push_back(module);
+    return found;
+}
+
+void addModule(CLI::App& app, const char* option, std::string& module) {
+    app.add_option(option, module, "One module: its number, its source name or its decoder")
+        ->type_name("MODULE")
+        ->check([](const std::string& name) {
+            std::string known;
+            for (const mpu::Module& row : mpu::modules()) {
+                if (isCalled(row, name))
+                    return std::string();
+                known.append(known.empty() ? "" : ", ").append(sourceName(row));
+            }
+            return "no decoder for " + name + "; there are: " + known;
+        });
+}
+
+struct Page {
+    const char* name;
+    mpu::Page page;
+};
+constexpr Page kPages[] = {{"text", mpu::Page::Text}, {"markdown", mpu::Page::Markdown}};
+
+struct FormatsOptions {
+    std::string module;
+    std::string format = "text";
+};
+
+Status formats(const FormatsOptions& options) {
+    Output output;
+    output.text().put(mpu::reference(select(options.module), rowOf(kPages, options.format).page));
+    return output.finish();
+}
+
+struct SampleOptions {
+    std::string module;
+    std::string output = "-";
+    std::uint64_t count = 0;
+    std::uint32_t seed = 1;
+};
+
+Status sample(const SampleOptions& options) {
+    Output output;
+    if (!output.open(options.output))
+        return kFailed;
+    mpu::SampleWriter samples(options.seed);
+    const std::vector<mpu::Module> chosen = select(options.module);
+    for (std::uint64_t made = 0, before = 0;; before = made) {
+        for (const mpu::Module& module : chosen)
+            for (const mpu::Section& section : module.sections) {
+                output.text().put(samples.message(module, section));
+                if (++made == options.count || !output.proceed())
+                    return output.finish();
+            }
+        if (options.count == 0 || made == before)
+            return output.finish();
+    }
+}
+
+} // namespace
+
+Runner addFormats(CLI::App& app) {
+    const auto options = std::make_shared<FormatsOptions>();
+    addModule(app, "module", options->module);
+    app.add_option("--format", options->format, "text or markdown")
+        ->check(CLI::IsMember(namesOf(kPages)))
+        ->capture_default_str();
+    return [options] { return formats(*options); };
+}
+
+Runner addSample(CLI::App& app) {
+    const auto options = std::make_shared<SampleOptions>();
+    addModule(app, "--module", options->module);
+    app.add_option("--count", options->count,
+                   "Messages to write, all kinds in turn; 0: one of each kind")
+        ->capture_default_str();
+    app.add_option("--seed", options->seed, "Other values in the records")->capture_default_str();
+    app.add_option("--output", options->output, "Where to write; \"-\": standard output")
+        ->type_name("FILE")
+        ->capture_default_str();
+    return [options] { return sample(*options); };
+}
+
+} // namespace Pegasus::tool

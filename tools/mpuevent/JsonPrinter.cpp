@@ -2,13 +2,43 @@
 #include "tools/mpuevent/Printer.h"
 #include "tools/mpuevent/Utf8.h"
 
+#include <rapidjson/writer.h>
 #include <utility>
 
-#ifdef __SSE2__
-#define RAPIDJSON_SSE2 // the writer looks for characters to escape in blocks of 16
-#endif
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
+namespace Pegasus::tool {
+
+namespace {
+
+// The output as the JSON writer wants it.
+struct JsonStream {
+    using Ch = char;
+    void Put(char c) {
+        char* to = out->reserve(1);
+        *to = c;
+        out->commit(to + 1);
+    }
+    void Flush() {}
+
+    mpu::TextWriter* out = nullptr;
+};
+
+using JsonWriter = rapidjson::Writer<JsonStream>;
+
+} // namespace
+
+} // namespace Pegasus::tool
+
+// Where the writer lets a stream copy what needs no escaping. (Its own fast way, RAPIDJSON_SSE2, is
+// of no use: in version 1.1.0 that leaves U+001A to U+001F as they are.)
+template <>
+bool Pegasus::tool::JsonWriter::ScanWriteUnescapedString(
+    rapidjson::GenericStringStream<rapidjson::UTF8<>>& in, std::size_t length) {
+    const std::string_view rest(in.src_, length - in.Tell());
+    const std::size_t plain = Pegasus::tool::plainRun(rest);
+    os_->out->put(rest.substr(0, plain));
+    in.src_ += plain;
+    return plain < rest.size();
+}
 
 namespace Pegasus::tool {
 
@@ -17,8 +47,8 @@ namespace {
 class JsonPrinter : public Printer {
 public:
     void print(Avrel_Event& event, mpu::TextWriter& out) override {
-        buffer_.Clear();
-        writer_.Reset(buffer_);
+        stream_.out = &out;
+        writer_.Reset(stream_);
         writer_.StartObject();
         text("enclosureSerialNumber", event.getEnclosureSerialNumber());
         text("controllerSerialNumber", event.getControllerSerialNumber());
@@ -34,7 +64,7 @@ public:
         text("summary", event.getSummary());
         text("body", event.getBody());
         writer_.EndObject();
-        out.put({buffer_.GetString(), buffer_.GetSize()}).put("\n");
+        out.put("\n");
     }
 
 private:
@@ -52,9 +82,8 @@ private:
         writer_.String(utf8_.view().data(), static_cast<rapidjson::SizeType>(utf8_.view().size()));
     }
 
-    // The writer's fast search is only there for this buffer.
-    rapidjson::StringBuffer buffer_;
-    rapidjson::Writer<rapidjson::StringBuffer> writer_;
+    JsonStream stream_;
+    JsonWriter writer_;
     mpu::BodyWriter utf8_;
 };
 

@@ -5,6 +5,7 @@
 #include "tools/mpuevent/Utf8.h"
 
 #include <algorithm>
+#include <array>
 
 namespace Pegasus::tool {
 
@@ -12,19 +13,29 @@ namespace {
 
 constexpr std::size_t kDumpLine = 16; // bytes
 
-bool isHexDigit(char c) {
-    return mpu::isDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+// The value of a hexadecimal digit, 16 for any other character.
+constexpr auto kDigitValues = [] {
+    std::array<std::uint8_t, 256> values{};
+    values.fill(16);
+    for (std::uint8_t i = 0; i < 16; ++i) {
+        values[static_cast<unsigned char>("0123456789ABCDEF"[i])] = i;
+        values[static_cast<unsigned char>("0123456789abcdef"[i])] = i;
+    }
+    return values;
+}();
+
+unsigned digitValue(char c) {
+    return kDigitValues[static_cast<unsigned char>(c)];
 }
 
-unsigned hexValue(char c) {
-    return mpu::isDigit(c) ? static_cast<unsigned>(c - '0')
-                           : static_cast<unsigned>((c | 0x20) - 'a' + 10);
+bool isHexDigit(char c) {
+    return digitValue(c) < 16;
 }
 
 // Digits only, more than one line of a dump.
 bool isLongHex(std::string_view text) {
     return text.size() > 2 * kDumpLine && text.size() % 2 == 0 &&
-           std::all_of(text.begin(), text.end(), isHexDigit);
+           std::all_of(text.begin(), text.end(), [](char c) { return isHexDigit(c); });
 }
 
 // Where the next group of an offset-marked dump ("0x0010=..; 0x0020=..") begins, behind the first.
@@ -148,20 +159,21 @@ private:
 
     // "0010  00112233 44556677 8899AABB CCDDEEFF  ................"
     static void dump(mpu::TextWriter& out, std::size_t depth, std::string_view digits) {
-        constexpr std::size_t line = 2 * kDumpLine;
-        for (std::size_t at = 0; at < digits.size(); at += line) {
-            const std::string_view part = digits.substr(at, line);
+        constexpr std::size_t words = kDumpLine / 4 * 9; // of eight digits and a blank
+        for (std::size_t at = 0; at < digits.size(); at += 2 * kDumpLine) {
+            const std::string_view line = digits.substr(at, 2 * kDumpLine);
             indent(out, depth);
-            out.hexUpper(at / 2, 4).put(" ");
-            for (std::size_t i = 0; i < line; i += 8) {
-                const std::string_view word = i < part.size() ? part.substr(i, 8) : "";
-                out.put(" ").put(word).put(std::string_view("        ").substr(word.size()));
+            out.hexUpper(at / 2, 4).put("  ");
+            char* const to = out.reserve(words + 1 + kDumpLine);
+            std::memset(to, ' ', words + 1);
+            char* const characters = to + words + 1;
+            for (std::size_t i = 0; i < line.size(); i += 2) {
+                std::memcpy(to + i + i / 8, &line[i], 2);
+                const char c =
+                    static_cast<char>(digitValue(line[i]) << 4 | digitValue(line[i + 1]));
+                characters[i / 2] = mpu::isPrintable(c) ? c : '.';
             }
-            out.put("  ");
-            for (std::size_t i = 0; i + 1 < part.size(); i += 2) {
-                const char c = static_cast<char>(hexValue(part[i]) << 4 | hexValue(part[i + 1]));
-                out.put({mpu::isPrintable(c) ? &c : ".", 1});
-            }
+            out.commit(characters + line.size() / 2);
             out.put("\n");
         }
     }

@@ -1,5 +1,9 @@
 #include "tools/mpuevent/Utf8.h"
 
+#include "event/Ascii.h"
+
+#include <bit>
+
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -81,9 +85,27 @@ void putUtf8(mpu::TextWriter& out, const String& text) {
     }
 }
 
+std::size_t plainRun(std::string_view utf8) {
+    std::size_t i = 0;
+#ifdef __SSE2__
+    for (; utf8.size() - i >= 16; i += 16) {
+        const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(utf8.data() + i));
+        // As signed bytes, so that what is no ASCII is below the blank too.
+        __m128i special = _mm_cmplt_epi8(c, _mm_set1_epi8(' '));
+        for (const char s : {'"', '\\', '\x7F'})
+            special = _mm_or_si128(special, _mm_cmpeq_epi8(c, _mm_set1_epi8(s)));
+        if (const int found = _mm_movemask_epi8(special); found != 0)
+            return i + static_cast<unsigned>(std::countr_zero(static_cast<unsigned>(found)));
+    }
+#endif
+    while (i < utf8.size() && mpu::isPrintable(utf8[i]) && utf8[i] != '"' && utf8[i] != '\\')
+        ++i;
+    return i;
+}
+
 void putPrintable(mpu::TextWriter& out, std::string_view utf8) {
     std::size_t done = 0;
-    for (std::size_t i = 0; i < utf8.size(); ++i) {
+    for (std::size_t i = plainRun(utf8); i < utf8.size(); i += 1 + plainRun(utf8.substr(i + 1))) {
         const unsigned char c = static_cast<unsigned char>(utf8[i]);
         const unsigned char next =
             i + 1 < utf8.size() ? static_cast<unsigned char>(utf8[i + 1]) : 0;

@@ -4,6 +4,7 @@
 #include "decoders/generic/Derived_Events.h"
 #include "decoders/generic/Unhandled_Events.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
+#include "decoders/protocol/ISCSIMP_Event.h"
 
 #include <atomic>
 #include <iterator>
@@ -43,7 +44,7 @@ constexpr DecoderFactory kDecoders[] = {
     /* 19 DDLM        */ make<DDLMMP_Event>,
     /* 20 Vol Mgr     */ kPlain,
     /* 21 Drive Admin */ make<DRIVEADMP_Event>,
-    /* 22 ICS         */ kPlain,
+    /* 22 ICS         */ make<ISCSIMP_Event>,
     /* 23 SCC         */ make<SYSTEM_CONFIGMP_Event>,
     /* 24 NCS         */ kPlain,
     /* 25 AIM         */ make<AIMMP_Event>,

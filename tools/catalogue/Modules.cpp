@@ -2,6 +2,7 @@
 
 #include "decoders/generic/Unhandled_Layouts.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
+#include "decoders/protocol/ISCSIMP_Layouts.h"
 
 namespace Pegasus::mpu {
 
@@ -15,6 +16,7 @@ constexpr Module kModules[] = {
     unhandled::module(16, "MSMMP_Event"),
     {19, "DDLMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(21, "DRIVEADMP_Event"),
+    iscsi::kModule,
     scc::kModule,
     {25, "AIMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(28, "SNMPMP_Event"),

@@ -5,6 +5,7 @@
 #include "decoders/generic/Unhandled_Events.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
 #include "decoders/protocol/ISCSIMP_Event.h"
+#include "decoders/protocol/ISNSC_Event.h"
 
 #include <atomic>
 #include <iterator>
@@ -53,7 +54,7 @@ constexpr DecoderFactory kDecoders[] = {
     /* 28 SNMP        */ make<SNMPMP_Event>,
     /* 29 SMIS        */ kPlain,
     /* 30 SMIS IND    */ kPlain,
-    /* 31 iSNS        */ kPlain,
+    /* 31 iSNS        */ make<ISNSC_Event>,
     /* 32             */ kPlain,
     /* 33 ESA         */ kPlain,
 };

@@ -3,6 +3,7 @@
 #include "decoders/generic/Unhandled_Layouts.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
 #include "decoders/protocol/ISCSIMP_Layouts.h"
+#include "decoders/protocol/ISNSC_Layouts.h"
 
 namespace Pegasus::mpu {
 
@@ -20,6 +21,7 @@ constexpr Module kModules[] = {
     scc::kModule,
     {25, "AIMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(28, "SNMPMP_Event"),
+    isns::kModule,
 };
 
 } // namespace

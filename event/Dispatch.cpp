@@ -4,6 +4,7 @@
 #include "decoders/generic/Derived_Events.h"
 #include "decoders/generic/Unhandled_Events.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
+#include "decoders/protocol/ES_ADAPTERMP_Event.h"
 #include "decoders/protocol/ISCSIMP_Event.h"
 #include "decoders/protocol/ISNSC_Event.h"
 
@@ -56,7 +57,7 @@ constexpr DecoderFactory kDecoders[] = {
     /* 30 SMIS IND    */ kPlain,
     /* 31 iSNS        */ make<ISNSC_Event>,
     /* 32             */ kPlain,
-    /* 33 ESA         */ kPlain,
+    /* 33 ESA         */ make<ES_ADAPTERMP_Event>,
 };
 
 constinit std::atomic<DecoderFactory> registered[256]{};

@@ -2,6 +2,7 @@
 
 #include "decoders/generic/Unhandled_Layouts.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
+#include "decoders/protocol/ES_ADAPTERMP_Layouts.h"
 #include "decoders/protocol/ISCSIMP_Layouts.h"
 #include "decoders/protocol/ISNSC_Layouts.h"
 
@@ -22,6 +23,7 @@ constexpr Module kModules[] = {
     {25, "AIMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(28, "SNMPMP_Event"),
     isns::kModule,
+    esa::kModule,
 };
 
 } // namespace

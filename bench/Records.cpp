@@ -158,7 +158,8 @@ PlainDecoder::PlainDecoder(const std::string& message) : message_(message) {
     expected_ = utf8(texts[6]);
     parse(expected_);
     if (safe(body()) != expected_)
-        throw std::logic_error("the plain decoder gives another body: " + expected_);
+        throw std::logic_error("the plain decoder gives another body:\n" + safe(body()) +
+                               "\nand not\n" + expected_);
 }
 
 void PlainDecoder::parse(const std::string& text) {
@@ -176,9 +177,18 @@ void PlainDecoder::parse(const std::string& text) {
             const std::size_t end = text.find("</", i);
             field.text = text.substr(i, end - i);
             i = text.find('>', end) + 1;
+            if (field.tag == "Hex") {
+                field.kind = Field::Bytes;
+                for (std::size_t at = 0; at + 1 < field.text.size(); at += 2)
+                    field.text[at / 2] = static_cast<char>(
+                        std::strtoul(field.text.substr(at, 2).c_str(), nullptr, 16));
+                field.text.resize(field.text.size() / 2);
+            }
             char* rest = nullptr;
-            const bool digits = !field.text.empty() && field.text.size() < 19;
-            if (digits && field.text.starts_with("0x")) {
+            const bool digits =
+                field.kind == Field::Text && !field.text.empty() && field.text.size() < 19;
+            if (digits && field.text.starts_with("0x") &&
+                field.text.find('x', 2) == std::string::npos) {
                 field.number = std::strtoull(field.text.c_str() + 2, &rest, 16);
                 field.digits = static_cast<int>(field.text.size()) - 2;
                 field.upper = field.text.find_first_of("ABCDEF") != std::string::npos;
@@ -230,6 +240,12 @@ std::string PlainDecoder::body() const {
         case Field::Text:
             out += format("<%s>", name) + field.text + format("</%s>", name);
             break;
+        case Field::Bytes:
+            out += format("<%s>", name);
+            for (unsigned char byte : field.text)
+                out += format("%02X", byte);
+            out += format("</%s>", name);
+            break;
         }
         out += field.behind;
     }
@@ -237,13 +253,16 @@ std::string PlainDecoder::body() const {
 }
 
 std::size_t PlainDecoder::decodeOne() const {
-    const std::string copy(message_.begin() + kSize, message_.end()); // the message's own record
+    const CMAPMessageHeader header(message_.data());
+    Avrel_memory_istream in(message_.data() + kSize, message_.size() - kSize);
+    const MPUEvent message(header, in);
     std::unique_ptr<Avrel_Event> event(new Avrel_Event(nullptr, 0));
-    event->setEnclosureSerialNumber(std::string(copy.c_str()).c_str());
-    event->setControllerSerialNumber(std::string(copy.c_str() + 64).c_str());
+    event->setEnclosureSerialNumber(std::string(message_.c_str() + kSize).c_str());
+    event->setControllerSerialNumber(std::string(message_.c_str() + kSize + 64).c_str());
     event->setSource(std::string(texts_[2]).c_str());
     event->setCategory(std::string(texts_[3]).c_str());
-    event->setEventID(std::string(texts_[4]).c_str());
+    event->setEventID(format("%d", 26).c_str());
+    event->setEventID(safe(texts_[4]).c_str());
     event->setSummary(safe(texts_[5]).c_str());
     event->setBody(safe(body()).c_str());
     return event->getBody().size() + event->getSummary().size();

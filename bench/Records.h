@@ -35,12 +35,12 @@ public:
 
 private:
     struct Field {
-        enum Kind { Open, Close, Signed, Unsigned, Hex, Text } kind;
+        enum Kind { Open, Close, Signed, Unsigned, Hex, Text, Bytes } kind;
         std::string tag;
         std::uint64_t number = 0;
         int digits = 0;
         bool upper = false;
-        std::string text;   // value of Text
+        std::string text;   // of Text and Bytes
         std::string behind; // between this element and the next
     };
     std::string body() const;

@@ -7,6 +7,9 @@
 #include "decoders/management/SMIS_Event.h"
 #include "decoders/management/STARTUPMP_Event.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
+#include "decoders/protocol/ES_ADAPTERMP_Event.h"
+#include "decoders/protocol/ISCSIMP_Event.h"
+#include "decoders/protocol/ISNSC_Event.h"
 
 #include <atomic>
 #include <iterator>
@@ -46,7 +49,7 @@ constexpr DecoderFactory kDecoders[] = {
     /* 19 DDLM        */ make<DDLMMP_Event>,
     /* 20 Vol Mgr     */ kPlain,
     /* 21 Drive Admin */ make<DRIVEADMP_Event>,
-    /* 22 ICS         */ kPlain,
+    /* 22 ICS         */ make<ISCSIMP_Event>,
     /* 23 SCC         */ make<SYSTEM_CONFIGMP_Event>,
     /* 24 NCS         */ make<NETWORK_CONFIGMP_Event>,
     /* 25 AIM         */ make<AIMMP_Event>,
@@ -55,9 +58,9 @@ constexpr DecoderFactory kDecoders[] = {
     /* 28 SNMP        */ make<SNMPMP_Event>,
     /* 29 SMIS        */ make<SMIS_Event>,
     /* 30 SMIS IND    */ make<SMI_IND_Event>,
-    /* 31 iSNS        */ kPlain,
+    /* 31 iSNS        */ make<ISNSC_Event>,
     /* 32             */ kPlain,
-    /* 33 ESA         */ kPlain,
+    /* 33 ESA         */ make<ES_ADAPTERMP_Event>,
 };
 
 constinit std::atomic<DecoderFactory> registered[256]{};

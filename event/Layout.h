@@ -95,7 +95,7 @@ struct Row {
 
     std::string_view tag;
     std::string_view format;
-    Value values[4];
+    Value values[5];
     Kind kind = Element;
     Mark mark = Mark::Known;
     bool second = false;     // a second view of bytes that another row shows
@@ -104,8 +104,8 @@ struct Row {
     std::uint16_t step = 0;  // ... with so many bytes between
 
     constexpr Row(std::string_view tag_, std::string_view format_, Value a = {}, Value b = {},
-                  Value c = {}, Value d = {})
-        : tag(tag_), format(format_), values{a, b, c, d} {}
+                  Value c = {}, Value d = {}, Value e = {})
+        : tag(tag_), format(format_), values{a, b, c, d, e} {}
 
     // Variations of a row.
     constexpr Row fits() const {

@@ -6,6 +6,8 @@
 #include "platform/cmap/CMAPErrorCodes.h"
 #include "platform/cmap/CMAPOperationFailedException.h"
 
+#include <algorithm>
+
 namespace Pegasus {
 
 using namespace mpu;
@@ -93,10 +95,13 @@ String MPUEvent::str() const {
 Avrel_istream& MPUEvent::deserialize(Avrel_istream& in) {
     // Modulo 65536, as the length field counts.
     length_ = static_cast<std::uint16_t>(header_.getMessageLength() - message_header::kSize);
-    record_.reset(new std::uint8_t[length_]());
+    record_.reset(new std::uint8_t[length_]);
     in.read(reinterpret_cast<char*>(record_.get()), length_);
     const int delivered = in.gcount();
     if (delivered < 0 || static_cast<std::uint32_t>(delivered) != length_) {
+        const std::uint32_t came =
+            delivered < 0 ? 0 : std::min(static_cast<std::uint32_t>(delivered), length_);
+        std::fill(record_.get() + came, record_.get() + length_, std::uint8_t{0});
         const Uint32 code = CMAPErrorCodes::getCode(delivered < 0 ? CMAPErrorCodes::kReadFailed
                                                                   : CMAPErrorCodes::kReadShort);
         throw CMAPOperationFailedException(

@@ -79,12 +79,18 @@ TextWriter& TextWriter::element(std::string_view tag, std::string_view value,
 }
 
 char* putSafeRun(char* out, std::string_view text) {
-    for (char c : text) {
-        out[0] = kSafeCharacters[static_cast<unsigned char>(c)];
-        out[1] = ' ';
-        out += c == '=' ? 2 : 1;
+    for (;;) {
+        // "=" alone becomes two characters; the runs between are translated one for one.
+        const std::size_t run = std::min(text.find('='), text.size());
+        for (std::size_t i = 0; i < run; ++i)
+            out[i] = kSafeCharacters[static_cast<unsigned char>(text[i])];
+        out += run;
+        if (run == text.size())
+            return out;
+        *out++ = ':';
+        *out++ = ' ';
+        text.remove_prefix(run + 1);
     }
-    return out;
 }
 
 TextWriter& TextWriter::text(std::string_view text) {

@@ -80,6 +80,13 @@ struct DamageCase {
     std::vector<std::string> reports;
 };
 
+void check(const DamageCase& c, Framing framing = Framing::Message) {
+    SCOPED_TRACE(c.name);
+    const Reading reading = read(c.capture, framing);
+    EXPECT_EQ(reading.sequences, c.sequences);
+    EXPECT_EQ(reading.reports, c.reports);
+}
+
 } // namespace
 
 TEST(Capture, HandsOutMessagesWithTheirOffsets) {
@@ -150,12 +157,8 @@ TEST(Capture, DamagedMessages) {
           "offset 732: no record header (source 1, event type 1, category 1 found); going on at "
           "offset 1032"}},
     };
-    for (const DamageCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        const Reading reading = read(c.capture);
-        EXPECT_EQ(reading.sequences, c.sequences);
-        EXPECT_EQ(reading.reports, c.reports);
-    }
+    for (const DamageCase& c : cases)
+        check(c);
 }
 
 TEST(Capture, OddMessagesAreNoDamage) {
@@ -175,12 +178,8 @@ TEST(Capture, OddMessagesAreNoDamage) {
         {"both, last", message(1) + odd(2, 3, 200), {1, 2}, {}},
         {"two in a row", odd(1, 3, 23) + odd(2, 500, 23), {1, 2}, {}},
     };
-    for (const DamageCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        const Reading reading = read(c.capture);
-        EXPECT_EQ(reading.sequences, c.sequences);
-        EXPECT_EQ(reading.reports, c.reports);
-    }
+    for (const DamageCase& c : cases)
+        check(c);
 }
 
 // What search takes for a message differs from foreign bytes in each of these.
@@ -213,10 +212,10 @@ TEST(Capture, LongCapture) {
     Sequences expected;
     std::vector<std::string> reports;
     std::uint32_t sequence = 0;
-    for (int i = 0; i < 40; ++i) {
+    for (unsigned i = 0; i < 40; ++i) {
         for (int k = 0; k < 3; ++k) {
             const auto big =
-                RecordBuilder(23, 1).sequence(++sequence).u8(65000 - 997u * (i % 40u), 1).message();
+                RecordBuilder(23, 1).sequence(++sequence).u8(65000 - 997 * i, 1).message();
             all.append(big.begin(), big.end());
             expected.push_back(sequence);
         }
@@ -256,12 +255,8 @@ TEST(Capture, BareRecords) {
          {2},
          {"offset 0: payload length 65400 (65319 or less wanted); going on at offset 65552"}},
     };
-    for (const DamageCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        const Reading reading = read(c.capture, Framing::Record);
-        EXPECT_EQ(reading.sequences, c.sequences);
-        EXPECT_EQ(reading.reports, c.reports);
-    }
+    for (const DamageCase& c : cases)
+        check(c, Framing::Record);
 }
 
 TEST(Capture, DecodesWithAndWithoutMessageHeader) {

@@ -173,7 +173,7 @@ TEST(JsonPrinter, Characters) {
     const auto printer = makeJsonPrinter();
     for (const auto& c : characters)
         for (std::size_t before = 0; before < 40; ++before)
-            for (std::size_t after : {0, 1, 20}) {
+            for (const std::size_t after : {0u, 1u, 20u}) {
                 const std::string left(before, 'l'), right(after, 'r');
                 String text(left.c_str());
                 text.append(c.text).append(String(right.c_str()));

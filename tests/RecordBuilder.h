@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -85,6 +86,11 @@ public:
     RecordBuilder& u16(std::size_t at, std::uint16_t v) { return number(at, v); }
     RecordBuilder& u32(std::size_t at, std::uint32_t v) { return number(at, v); }
     RecordBuilder& u64(std::size_t at, std::uint64_t v) { return number(at, v); }
+    RecordBuilder& u32s(std::size_t at, std::initializer_list<std::uint32_t> run) {
+        for (std::uint32_t v : run)
+            u32(at, v), at += 4;
+        return *this;
+    }
     RecordBuilder& bytes(std::size_t at, std::string_view run) {
         if (payload_.size() < at + run.size())
             payload_.resize(at + run.size());
@@ -120,6 +126,10 @@ public:
         const MPUEvent carrier(CMAPMessageHeader(static_cast<const void*>(all.data())), in);
         return std::unique_ptr<Avrel_Event>(carrier.create_Avrel_Event());
     }
+    // Texts of the decoded event.
+    std::string title() const { return utf8(decode()->getEventID()); }
+    std::string summary() const { return utf8(decode()->getSummary()); }
+    std::string body() const { return utf8(decode()->getBody()); }
 
 private:
     EmpEvLogMsg_s& fields() { return *reinterpret_cast<EmpEvLogMsg_s*>(header_.data()); }

@@ -5,6 +5,9 @@
 #include "decoders/management/SMIS_Layouts.h"
 #include "decoders/management/STARTUPMP_Layouts.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
+#include "decoders/protocol/ES_ADAPTERMP_Layouts.h"
+#include "decoders/protocol/ISCSIMP_Layouts.h"
+#include "decoders/protocol/ISNSC_Layouts.h"
 
 namespace Pegasus::mpu {
 
@@ -19,12 +22,15 @@ constexpr Module kModules[] = {
     startup::kModule,
     {19, "DDLMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(21, "DRIVEADMP_Event"),
+    iscsi::kModule,
     scc::kModule,
     ncs::kModule,
     {25, "AIMMP_Event", "Decoded as module 23 (SCC).", {}},
     unhandled::module(28, "SNMPMP_Event"),
     smis::kModule,
     {30, "SMI_IND_Event", "Decoded as module 29 (SMIS).", {}},
+    isns::kModule,
+    esa::kModule,
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "event/Avrel_Event.h"
 
+#include <map>
 #include <vector>
 
 namespace Pegasus::mpu {
@@ -137,8 +138,6 @@ std::string namesOf(const NameTable& table) {
 }
 
 void putPart(Writer& out, const Part& part) {
-    out.paragraph(std::string(part.title) + ", from record offset " + std::to_string(part.at) +
-                  ":");
     std::vector<Cells> rows{{"Offset", "Field", "Element", "Format", "Layout"}};
     std::vector<std::string> names;
     for (const Row& row : part.rows) {
@@ -187,13 +186,20 @@ void putModule(Writer& out, const Module& module) {
             rows.push_back({std::to_string(code.code), std::string(code.text)});
         out.table(rows);
     }
+    std::map<const Row*, std::string> shown; // in which section
     for (const Section& section : module.sections) {
         out.heading(3, std::string(section.title));
         const std::string keys = keysOf(section.keys);
         out.paragraph(keys.empty() ? keys : "Record: " + keys + ".");
         out.paragraph(section.note);
-        for (const Part& part : section.parts)
-            putPart(out, part);
+        for (const Part& part : section.parts) {
+            const auto [first, fresh] = shown.emplace(part.rows.data(), section.title);
+            const std::string at =
+                std::string(part.title) + ", from record offset " + std::to_string(part.at);
+            out.paragraph(at + (fresh ? ":" : ": as under \"" + first->second + "\"."));
+            if (fresh)
+                putPart(out, part);
+        }
     }
 }
 

@@ -109,7 +109,8 @@ private:
         for (const mpu::Value& value : row.values) {
             if (value.kind == mpu::Value::None || value.kind == mpu::Value::Index)
                 continue;
-            const std::size_t at = part.at + value.at + below(row.count) * row.step;
+            const std::size_t at =
+                part.at + value.at + (row.count ? below(row.count) * row.step : 0u);
             if (value.kind == mpu::Value::Text || value.kind == mpu::Value::Trimmed)
                 putText(record, at);
             else

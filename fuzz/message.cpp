@@ -65,8 +65,9 @@ void message(Bytes bytes) {
         require(wanted > input.rest().size(), "only a short read throws");
     }
 
-    // What did not come is zero.
-    std::string record(characters(input.rest()));
+    // What did not come is zero, and all is after a failure.
+    const bool failed = (flags & 2) != 0 && wanted > input.rest().size();
+    std::string record(failed ? std::string_view() : characters(input.rest()));
     record.resize(wanted);
     const Said expected = requireDecodes(bytesOf(record));
     std::unique_ptr<Avrel_Event> event(message.create_Avrel_Event());

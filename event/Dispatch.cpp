@@ -4,6 +4,7 @@
 #include "decoders/generic/Derived_Events.h"
 #include "decoders/generic/Unhandled_Events.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
+#include "decoders/protocol/SATA8P_Event.h"
 
 #include <atomic>
 #include <iterator>
@@ -27,7 +28,7 @@ constexpr DecoderFactory kDecoders[] = {
     /*  3 Cache 1     */ kPlain,
     /*  4 Cache 2     */ make<CACHE28P_Event>,
     /*  5 I/O Mgr     */ kPlain,
-    /*  6 Dev Mgr     */ kPlain,
+    /*  6 Dev Mgr     */ make<SATA8P_Event>,
     /*  7 MIP         */ kPlain,
     /*  8 PieMan      */ kPlain,
     /*  9 AWR         */ kPlain,

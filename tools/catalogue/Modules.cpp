@@ -2,12 +2,14 @@
 
 #include "decoders/generic/Unhandled_Layouts.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
+#include "decoders/protocol/SATA8P_Catalogue.h"
 
 namespace Pegasus::mpu {
 
 namespace {
 
 constexpr Module kModules[] = {
+    sata::kModule,
     unhandled::module(12, "ICHAR_Event"),
     unhandled::module(13, "OB0_Event"),
     unhandled::module(14, "OB1_Event"),

@@ -29,14 +29,14 @@ inline std::uint64_t loadNumber(const std::uint8_t* at, unsigned size) {
     }
 }
 
+} // namespace
+
 std::string_view trimBlanks(std::string_view text) {
     const std::size_t first = text.find_first_not_of(' ');
     if (first == std::string_view::npos)
         return {};
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
-
-} // namespace
 
 void write(TextWriter& out, const Layout& layout, RecordView view) {
     // Checked once: behind this every number lies inside.
@@ -89,12 +89,15 @@ void write(TextWriter& out, const Layout& layout, RecordView view) {
             next = putFloat(next, loadBig<std::uint32_t>(at));
             break;
         case Step::Name:
-            next = layout.names[step->aux]->put(next, loadNumber(at, step->size));
+            next = layout.helpers[step->aux].names->put(next, loadNumber(at, step->size));
+            break;
+        case Step::Function:
+            next = layout.helpers[step->aux].put(next, at);
             break;
         case Step::Bit: {
             const std::uint64_t value = loadNumber(at, step->size);
             const bool set = step->bit == kAnyBit ? value != 0 : (value >> step->bit & 1) != 0;
-            next = putText(next, layout.names[step->aux]->at(set));
+            next = putText(next, layout.helpers[step->aux].names->at(set));
             break;
         }
         case Step::Text:

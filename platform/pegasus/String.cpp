@@ -113,12 +113,15 @@ struct WideBlock {
     __attribute__((target("avx2"))) static bool widen(const unsigned char* in, Uint16* out) {
         const __m128i* const bytes = reinterpret_cast<const __m128i*>(in);
         __m256i* const units = reinterpret_cast<__m256i*>(out);
-        __m128i seen = _mm_setzero_si128();
-        for (int k = 0; k < 4; ++k) {
-            const __m128i block = _mm_loadu_si128(bytes + k);
-            _mm256_storeu_si256(units + k, _mm256_cvtepu8_epi16(block));
-            seen = _mm_or_si128(seen, block);
-        }
+        const __m128i a = _mm_loadu_si128(bytes);
+        const __m128i b = _mm_loadu_si128(bytes + 1);
+        const __m128i c = _mm_loadu_si128(bytes + 2);
+        const __m128i d = _mm_loadu_si128(bytes + 3);
+        _mm256_storeu_si256(units, _mm256_cvtepu8_epi16(a));
+        _mm256_storeu_si256(units + 1, _mm256_cvtepu8_epi16(b));
+        _mm256_storeu_si256(units + 2, _mm256_cvtepu8_epi16(c));
+        _mm256_storeu_si256(units + 3, _mm256_cvtepu8_epi16(d));
+        const __m128i seen = _mm_or_si128(_mm_or_si128(a, b), _mm_or_si128(c, d));
         return _mm_movemask_epi8(seen) == 0;
     }
 };

@@ -1,6 +1,7 @@
 #include "event/Digits.h"
 
 #include <charconv>
+#include <cmath>
 
 namespace Pegasus::mpu {
 
@@ -14,8 +15,22 @@ char* putHexBytes(char* out, std::string_view bytes) {
 }
 
 char* putFloat(char* out, std::uint32_t bits) {
+    constexpr std::uint32_t kMillion = 1000000;
     const double value = std::bit_cast<float>(bits);
-    return std::to_chars(out, out + kFloatRoom, value, std::chars_format::fixed, 6).ptr;
+    // Times a million is exact in double precision, so rounding it rounds the decimal fraction.
+    const double millionths = std::fabs(value) * kMillion;
+    if (!(millionths < 1e15))
+        return std::to_chars(out, out + kFloatRoom, value, std::chars_format::fixed, 6).ptr;
+    if (std::signbit(value))
+        *out++ = '-';
+    const auto rounded = static_cast<std::uint64_t>(std::nearbyint(millionths));
+    out = putDecimal(out, rounded / kMillion);
+    *out++ = '.';
+    // A digit in front keeps the zeros behind the point.
+    char fraction[kDecimalRoom];
+    putDecimal(fraction, static_cast<std::uint32_t>(rounded % kMillion + kMillion));
+    std::memcpy(out, fraction + 1, 6);
+    return out + 6;
 }
 
 } // namespace Pegasus::mpu

@@ -10,6 +10,7 @@
 #include "decoders/protocol/ES_ADAPTERMP_Event.h"
 #include "decoders/protocol/ISCSIMP_Event.h"
 #include "decoders/protocol/ISNSC_Event.h"
+#include "decoders/protocol/SATA8P_Event.h"
 
 #include <atomic>
 #include <iterator>
@@ -33,7 +34,7 @@ constexpr DecoderFactory kDecoders[] = {
     /*  3 Cache 1     */ kPlain,
     /*  4 Cache 2     */ make<CACHE28P_Event>,
     /*  5 I/O Mgr     */ kPlain,
-    /*  6 Dev Mgr     */ kPlain,
+    /*  6 Dev Mgr     */ make<SATA8P_Event>,
     /*  7 MIP         */ kPlain,
     /*  8 PieMan      */ kPlain,
     /*  9 AWR         */ kPlain,

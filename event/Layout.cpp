@@ -6,8 +6,13 @@ namespace {
 
 // Copies whole blocks: both sides have kSlack bytes to spare.
 inline char* putLiteral(char* out, const char* text, std::size_t count) {
-    for (std::size_t at = 0; at < count; at += TextWriter::kSlack)
-        std::memcpy(out + at, text + at, TextWriter::kSlack);
+    constexpr std::size_t kBlock = TextWriter::kSlack;
+    std::memcpy(out, text, kBlock);
+    if (count > kBlock) {
+        std::memcpy(out + kBlock, text + kBlock, kBlock);
+        for (std::size_t at = 2 * kBlock; at < count; at += kBlock)
+            std::memcpy(out + at, text + at, kBlock);
+    }
     return out + count;
 }
 
@@ -29,14 +34,14 @@ inline std::uint64_t loadNumber(const std::uint8_t* at, unsigned size) {
     }
 }
 
+} // namespace
+
 std::string_view trimBlanks(std::string_view text) {
     const std::size_t first = text.find_first_not_of(' ');
     if (first == std::string_view::npos)
         return {};
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
-
-} // namespace
 
 void write(TextWriter& out, const Layout& layout, RecordView view) {
     // Checked once: behind this every number lies inside.
@@ -51,8 +56,9 @@ void write(TextWriter& out, const Layout& layout, RecordView view) {
     const char* text = layout.text;
     char* next = out.reserve(layout.room);
     for (const Step* step = layout.steps;; ++step) {
-        next = putLiteral(next, text, step->lead);
-        text += step->lead;
+        const std::size_t lead = step->lead;
+        next = putLiteral(next, text, lead);
+        text += lead;
         const std::uint8_t* at = bytes + step->at;
         switch (step->op) {
         case Step::End:
@@ -89,12 +95,15 @@ void write(TextWriter& out, const Layout& layout, RecordView view) {
             next = putFloat(next, loadBig<std::uint32_t>(at));
             break;
         case Step::Name:
-            next = layout.names[step->aux]->put(next, loadNumber(at, step->size));
+            next = layout.helpers[step->aux].names->put(next, loadNumber(at, step->size));
+            break;
+        case Step::Function:
+            next = layout.helpers[step->aux].put(next, at);
             break;
         case Step::Bit: {
             const std::uint64_t value = loadNumber(at, step->size);
             const bool set = step->bit == kAnyBit ? value != 0 : (value >> step->bit & 1) != 0;
-            next = putText(next, layout.names[step->aux]->at(set));
+            next = putText(next, layout.helpers[step->aux].names->at(set));
             break;
         }
         case Step::Text:
@@ -114,6 +123,8 @@ void write(TextWriter& out, const Layout& layout, RecordView view) {
                 step += step->aux;
             }
             break;
+        default:
+            __builtin_unreachable(); // the compiler of layouts makes no other
         }
     }
 }

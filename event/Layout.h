@@ -17,6 +17,7 @@
 #include "event/RecordView.h"
 
 #include <iterator>
+#include <span>
 #include <stdexcept>
 
 namespace Pegasus::mpu {
@@ -28,13 +29,23 @@ enum class Mark : std::uint8_t {
     Chosen, // settled by us
 };
 
+// A field that no format can show: `put` gets its bytes and writes at most `room` characters, all
+// of which makeSafeString keeps.
+using Formatter = char* (*)(char* out, const std::uint8_t* at);
+struct Made {
+    Formatter put;
+    std::uint16_t room;
+    std::string_view shows; // for the record reference
+};
+
 struct Value {
-    enum Kind : std::uint8_t { None, Number, Name, Bit, Text, Trimmed, Index };
+    enum Kind : std::uint8_t { None, Number, Name, Bit, Text, Trimmed, Index, Function };
     Kind kind = None;
     std::uint8_t bit = 0; // of Bit: which one, or kAnyBit
     std::uint16_t at = 0;
     std::uint16_t size = 0; // bytes; of Text: most it can have, 0 for "to the end of the view"
     const NameTable* names = nullptr;
+    const Made* made = nullptr;
 };
 inline constexpr std::uint8_t kAnyBit = 0xFF;
 
@@ -83,15 +94,20 @@ constexpr Value trimmed(unsigned at, unsigned size) {
     v.kind = Value::Trimmed;
     return v;
 }
+// What `how` makes of `size` bytes.
+constexpr Value made(unsigned at, unsigned size, const Made& how) {
+    return {Value::Function, 0,   static_cast<std::uint16_t>(at), static_cast<std::uint16_t>(size),
+            nullptr,         &how};
+}
 // The running number of a repeated row, from 0.
 inline constexpr Value index{Value::Index, 0, 0, 0, nullptr};
 
 // The closed set of formats: %d (a 32-bit number is signed, smaller ones are not), %u, %llu, %x and
 // %X with or without a width filled up with zeros, %p (null is "(nil)"), %f (single precision), %s
-// (texts, names and flags). "l" is ignored: numbers are as wide as their field. A tag may hold
-// formats of the index.
+// (texts, names, flags and what functions make). "l" is ignored: numbers are as wide as their
+// field. A tag may hold formats of the index.
 struct Row {
-    enum Kind : std::uint8_t { Element, Open, Close };
+    enum Kind : std::uint8_t { Element, Open, Close, Line };
 
     std::string_view tag;
     std::string_view format;
@@ -148,6 +164,14 @@ constexpr Row close(std::string_view tag) {
     return row;
 }
 
+// Text without tags: a summary or a part of one.
+constexpr Row line(std::string_view format, Value a = {}, Value b = {}, Value c = {},
+                   Value d = {}) {
+    Row row("", format, a, b, c, d);
+    row.kind = Row::Line;
+    return row;
+}
+
 enum class Style : std::uint8_t {
     Spaced, // tags are repaired to valid names, one blank behind each element
     Joined, // tags as they stand, nothing between the elements
@@ -164,8 +188,9 @@ struct Step {
         Upper4x8, // 8 digits of 4 bytes: the most frequent one
         Pointer,
         Float,
-        Name, // aux: index of the name table
-        Bit,  // aux as Name, `bit`
+        Name,     // aux: index of the name table
+        Function, // aux: index of the function
+        Bit,      // aux as Name, `bit`
         Text,
         Trimmed,
         SkipZero, // number is zero: go on `aux` steps and `extra` characters later
@@ -180,10 +205,15 @@ struct Step {
     std::uint16_t extra; // Text: most bytes; SkipZero: characters to skip
 };
 
+union Helper {
+    const NameTable* names;
+    Formatter put;
+};
+
 struct Layout {
     const Step* steps;
     const char* text; // all constant texts in their order, kSlack more bytes readable
-    const NameTable* const* names;
+    const Helper* helpers;
     std::uint16_t extent; // bytes of the structure that numbers are read from
     std::uint16_t room;   // longest output, texts from the record not counted
 };
@@ -201,7 +231,7 @@ namespace layout_compiler {
 struct Measure {
     std::size_t steps = 0;
     std::size_t characters = 0;
-    std::size_t tables = 0;
+    std::size_t helpers = 0;
 };
 
 template <std::size_t Steps, std::size_t Characters>
@@ -232,11 +262,17 @@ public:
         }
     }
 
-    constexpr Measure measured() const { return {steps_, characters_, tables_}; }
-    constexpr const NameTable* table(std::size_t i) const { return seen_[i]; }
+    constexpr Measure measured() const { return {steps_, characters_, helpers_}; }
+    constexpr Helper helper(std::size_t i) const {
+        return seen_[i].made ? Helper{.put = seen_[i].made->put} : Helper{.names = seen_[i].names};
+    }
 
 private:
     constexpr void row(const Row& row, std::size_t i) {
+        if (row.kind == Row::Line) {
+            value(row, i);
+            return;
+        }
         std::size_t skip = 0;
         std::size_t skippedCharacters = 0;
         if (row.optional) {
@@ -335,7 +371,7 @@ private:
         switch (v.kind) {
         case Value::Name:
             s.op = Step::Name;
-            s.aux = tableIndex(v.names);
+            s.aux = helperIndex(v);
             room_ += v.names->room;
             break;
         case Value::Bit:
@@ -343,8 +379,13 @@ private:
                 fail("not a bit");
             s.op = Step::Bit;
             s.bit = v.bit;
-            s.aux = tableIndex(v.names);
+            s.aux = helperIndex(v);
             room_ += v.names->room;
+            break;
+        case Value::Function:
+            s.op = Step::Function;
+            s.aux = helperIndex(v);
+            room_ += v.made->room;
             break;
         case Value::Text:
         case Value::Trimmed:
@@ -402,16 +443,16 @@ private:
         return static_cast<std::uint8_t>(size);
     }
 
-    constexpr std::uint8_t tableIndex(const NameTable* wanted) {
-        for (std::size_t i = 0; i < tables_; ++i)
-            if (seen_[i] == wanted)
+    constexpr std::uint8_t helperIndex(const Value& wanted) {
+        for (std::size_t i = 0; i < helpers_; ++i)
+            if (seen_[i].names == wanted.names && seen_[i].made == wanted.made)
                 return static_cast<std::uint8_t>(i);
-        if (tables_ == std::size(seen_))
-            fail("too many name tables");
-        for (std::size_t i = 0; i < wanted->count; ++i)
-            requireSafe(wanted->at(i));
-        seen_[tables_] = wanted;
-        return static_cast<std::uint8_t>(tables_++);
+        if (helpers_ == std::size(seen_))
+            fail("too many name tables and functions");
+        for (std::size_t i = 0; wanted.names && i < wanted.names->count; ++i)
+            requireSafe(wanted.names->at(i));
+        seen_[helpers_] = wanted;
+        return static_cast<std::uint8_t>(helpers_++);
     }
 
     // Our own texts are not made safe again when a body is.
@@ -453,10 +494,10 @@ private:
     std::size_t steps_ = 0;
     std::size_t characters_ = 0;
     std::size_t lead_ = 0;
-    std::size_t tables_ = 0;
+    std::size_t helpers_ = 0;
     std::size_t extent_ = 0;
     std::size_t room_ = 0;
-    const NameTable* seen_[16] = {};
+    Value seen_[16] = {};
 };
 
 // No two values on the same bytes, but for different bits of one word and rows that say so.
@@ -504,11 +545,11 @@ inline constexpr auto kCompiled = [] {
 
 // Apart from the rest, which holds no pointers and so needs no relocation.
 template <const auto& Rows, Style S>
-inline constexpr auto kNames = [] {
-    std::array<const NameTable*, kMeasured<Rows, S>.measured().tables> tables{};
-    for (std::size_t i = 0; i < tables.size(); ++i)
-        tables[i] = kMeasured<Rows, S>.table(i);
-    return tables;
+inline constexpr auto kHelpers = [] {
+    std::array<Helper, kMeasured<Rows, S>.measured().helpers> helpers{};
+    for (std::size_t i = 0; i < helpers.size(); ++i)
+        helpers[i] = kMeasured<Rows, S>.helper(i);
+    return helpers;
 }();
 
 } // namespace layout_compiler
@@ -518,12 +559,73 @@ template <const auto& Rows, Style S = Style::Spaced>
 inline constexpr Layout kLayout{
     layout_compiler::kCompiled<Rows, S>.steps.data(),
     layout_compiler::kCompiled<Rows, S>.text.data(),
-    layout_compiler::kNames<Rows, S>.data(),
+    layout_compiler::kHelpers<Rows, S>.data(),
     layout_compiler::kCompiled<Rows, S>.extent,
     layout_compiler::kCompiled<Rows, S>.room,
 };
 
+// Layouts that a code selects, one behind the other: a set costs the relocations of its helpers and
+// no more. The catalogue reads `rows`.
+template <Style S, const auto&... Rows>
+class LayoutSet {
+public:
+    static constexpr std::size_t size = sizeof...(Rows);
+    static constexpr std::span<const Row> rows[size] = {Rows...};
+
+    static Layout at(std::size_t i) {
+        const Place& place = kPacked.places[i];
+        return {kPacked.steps.data() + place.step, kPacked.text.data() + place.text,
+                kHelpers.data() + place.helper, place.extent, place.room};
+    }
+
+private:
+    struct Place {
+        std::uint16_t step = 0;
+        std::uint16_t text = 0;
+        std::uint16_t helper = 0;
+        std::uint16_t extent = 0;
+        std::uint16_t room = 0;
+    };
+    struct Packed {
+        std::array<Place, size> places{};
+        std::array<Step, (layout_compiler::kCompiled<Rows, S>.steps.size() + ...)> steps{};
+        std::array<char, TextWriter::kSlack +
+                             (layout_compiler::kMeasured<Rows, S>.measured().characters + ...)>
+            text{};
+    };
+    static constexpr Packed kPacked = [] {
+        Packed all;
+        std::size_t i = 0;
+        Place next{};
+        const auto add = [&](const auto& compiled, const layout_compiler::Measure& measured) {
+            std::copy(compiled.steps.begin(), compiled.steps.end(), all.steps.begin() + next.step);
+            std::copy_n(compiled.text.begin(), measured.characters, all.text.begin() + next.text);
+            next.extent = compiled.extent;
+            next.room = compiled.room;
+            all.places[i++] = next;
+            next.step = static_cast<std::uint16_t>(next.step + measured.steps);
+            next.text = static_cast<std::uint16_t>(next.text + measured.characters);
+            next.helper = static_cast<std::uint16_t>(next.helper + measured.helpers);
+        };
+        (add(layout_compiler::kCompiled<Rows, S>, layout_compiler::kMeasured<Rows, S>.measured()),
+         ...);
+        static_assert(sizeof all.text <= 0xFFFF);
+        return all;
+    }();
+    static constexpr auto kHelpers = [] {
+        std::array<Helper, (layout_compiler::kHelpers<Rows, S>.size() + ...)> all{};
+        auto next = all.begin();
+        ((next = std::copy(layout_compiler::kHelpers<Rows, S>.begin(),
+                           layout_compiler::kHelpers<Rows, S>.end(), next)),
+         ...);
+        return all;
+    }();
+};
+
 // Writes the elements of the structure at the start of `view`.
 void write(TextWriter& out, const Layout& layout, RecordView view);
+
+// `text` without the blanks at both ends.
+std::string_view trimBlanks(std::string_view text);
 
 } // namespace Pegasus::mpu

@@ -8,6 +8,8 @@ char* NameTable::put(char* out, std::uint64_t code) const {
         switch (otherwise) {
         case Otherwise::Number:
             return putSigned(out, static_cast<std::int32_t>(code));
+        case Otherwise::Decimal:
+            return putDecimal(out, static_cast<std::uint32_t>(code));
         case Otherwise::Unknown:
             out = putDecimal(putText(out, "Unknown ("), code);
             *out++ = ')';

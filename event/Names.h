@@ -13,6 +13,7 @@ namespace Pegasus::mpu {
 enum class Otherwise : std::uint8_t {
     Unknown, // "Unknown (n)", n unsigned
     Number,  // "%d"
+    Decimal, // "%u"
     Last,    // the table's last text
 };
 

@@ -63,6 +63,9 @@ TEST(NetworkConfig, TextsStandAsTheyAre) {
     EXPECT_EQ(utf8(event->getBody()), "<Text>" + text + "</Text> ");
     EXPECT_EQ(utf8(ncs(1003).text(0, "a=<b>").bytes(6, "\x0A\xFF").decode()->getBody()),
               "<Text>a=<b></Text> <Hex>0AFF</Hex>\n");
+    const auto odd = ncs(1000).text(0, "a\xFF").decode();
+    EXPECT_EQ(utf8(odd->getSummary()), "a?");
+    EXPECT_EQ(utf8(odd->getBody()), "<Text>a?</Text> ");
     // No NUL, so nothing is behind the text.
     EXPECT_EQ(utf8(ncs(1003).bytes(0, "ab").decode()->getBody()), "<Text>ab</Text> <Hex></Hex>\n");
     EXPECT_EQ(utf8(ncs(1000).decode()->getBody()), "<Text></Text> ");

@@ -147,6 +147,7 @@ TEST(Smis, KeyValuePairs) {
         {"a=,\nb=2", "<a></a> <b>2</b>\n"},
         {"noise key=v w x=y", "<key>v w</key> <x>y</x>\n"},
         {"2nd-key=1 2nd-key=2", "<_nd_key>1</_nd_key> <2nd-key>2</2nd-key>\n"},
+        {"\xFFk=1", "<?k>1</?k>\n"},
         {"a=x&y b=x&y", "<a>x?y</a> <b>x?y</b>\n"},
         {"no pair at all", ""},
         // Empty and blank keys: written, but at the end.

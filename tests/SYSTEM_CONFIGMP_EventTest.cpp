@@ -82,6 +82,9 @@ TEST(SystemConfig, MarkupInATextIsJudgedWithTheWholeBody) {
               "?Line?77?/Line? ");
     EXPECT_EQ(utf8(located(2000, 1).text(32, "<b>x&y</b>").decode()->getBody()),
               "<Text><b>x?y</b></Text> ");
+    // A tag passes as it stands, unless that is not valid UTF-8.
+    EXPECT_EQ(utf8(located(2000, 1).text(32, "<\xFF>x</\xFF>").decode()->getBody()),
+              "<Text><?>x</?></Text> ");
 }
 
 TEST(SystemConfig, LocationBlockOnlyInLongerPayloads) {

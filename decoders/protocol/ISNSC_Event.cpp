@@ -104,20 +104,20 @@ ISNSC_Event::ISNSC_Event(const EmpEvLogMsg_s* record, int length)
         return;
     const RecordView view = RecordView::of(record, static_cast<unsigned int>(length));
     const RecordView event = view.from(sizeof *record);
-    // Cut first, then made safe: only texts that stand as they are can be cut.
     const bool small = view.size() <= kSmallRecord;
     BodyWriter body(small ? Texts::Safe : Texts::Raw);
     LineWriter title;
     putTitle(title, event);
     const std::string_view summary = build(body, event, record->evStructLength);
+    if (!small) { // cut first, then made safe as a whole
+        const std::size_t size = body.view().size();
+        body.commit(body.reserve(0) - (size - std::min(size, kLongestBody)));
+        body.expectMarkup();
+    }
 
     ProviderTraceServices::ptsTrace(kTraceSource, 101, {"setEventID, setBody, setSummary: begin"});
     title.assignTo(eventID_);
-    if (small)
-        body.assignTo(body_);
-    else
-        body_ = makeSafeString(body.view().data(),
-                               static_cast<int>(std::min(body.view().size(), kLongestBody)));
+    body.assignTo(body_);
     assignAscii(summary_, summary.empty() ? title.view() : summary);
     ProviderTraceServices::ptsTrace(kTraceSource, 107,
                                     {"eventID 128, body 16384, summary 256, setEventID, setBody, "

@@ -8,12 +8,14 @@
 #include "decoders/protocol/ES_ADAPTERMP_Layouts.h"
 #include "decoders/protocol/ISCSIMP_Layouts.h"
 #include "decoders/protocol/ISNSC_Layouts.h"
+#include "decoders/protocol/SATA8P_Catalogue.h"
 
 namespace Pegasus::mpu {
 
 namespace {
 
 constexpr Module kModules[] = {
+    sata::kModule,
     unhandled::module(12, "ICHAR_Event"),
     unhandled::module(13, "OB0_Event"),
     unhandled::module(14, "OB1_Event"),

@@ -85,6 +85,8 @@ std::string kindOf(const Row&, const Value& value) {
         return value.size ? "text, at most " + std::to_string(value.size) : "text";
     case Value::Trimmed:
         return "blank-padded text of " + std::to_string(value.size);
+    case Value::Function:
+        return std::to_string(value.size) + " bytes: " + std::string(value.made->shows);
     case Value::Bit:
         if (value.bit != kAnyBit)
             return "u" + std::to_string(8 * value.size) + " bit " + std::to_string(value.bit);
@@ -130,6 +132,7 @@ std::string namesOf(const NameTable& table) {
     case Otherwise::Unknown:
         return text + "else Unknown (n)";
     case Otherwise::Number:
+    case Otherwise::Decimal:
         return text + "else the number";
     case Otherwise::Last:
         break;

@@ -39,6 +39,10 @@ void SampleWriter::fill(std::string& record, const Row& row, const Value& value,
     case Value::Bit:
         putNumber(record, at, value.size, bits);
         return;
+    case Value::Function: // what its bytes mean is the function's: see the section's fills
+        for (std::size_t i = 0; i < value.size; ++i)
+            putNumber(record, at + i, 1, below(256));
+        return;
     case Value::Name: {
         const std::size_t codes = value.names->codes();
         std::size_t code = static_cast<std::size_t>(bits % codes);

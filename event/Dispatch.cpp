@@ -1,6 +1,7 @@
 // The one place that knows all decoders: a new one is added by a row here.
 #include "event/Dispatch.h"
 
+#include "decoders/datapath/IOMGR8P_Event.h"
 #include "decoders/generic/Derived_Events.h"
 #include "decoders/generic/Unhandled_Events.h"
 #include "decoders/management/NETWORK_CONFIGMP_Event.h"
@@ -33,7 +34,7 @@ constexpr DecoderFactory kDecoders[] = {
     /*  2 SCSI        */ kPlain,
     /*  3 Cache 1     */ kPlain,
     /*  4 Cache 2     */ make<CACHE28P_Event>,
-    /*  5 I/O Mgr     */ kPlain,
+    /*  5 I/O Mgr     */ make<IOMGR8P_Event>,
     /*  6 Dev Mgr     */ make<SATA8P_Event>,
     /*  7 MIP         */ kPlain,
     /*  8 PieMan      */ kPlain,

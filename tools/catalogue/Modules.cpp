@@ -1,5 +1,6 @@
 #include "tools/catalogue/Modules.h"
 
+#include "decoders/datapath/IOMGR8P_Layouts.h"
 #include "decoders/generic/Unhandled_Layouts.h"
 #include "decoders/management/NETWORK_CONFIGMP_Layouts.h"
 #include "decoders/management/SMIS_Layouts.h"
@@ -15,6 +16,7 @@ namespace Pegasus::mpu {
 namespace {
 
 constexpr Module kModules[] = {
+    iomgr::kModule,
     sata::kModule,
     unhandled::module(12, "ICHAR_Event"),
     unhandled::module(13, "OB0_Event"),

@@ -2,6 +2,7 @@
 #include "event/Dispatch.h"
 
 #include "decoders/datapath/IOMGR8P_Event.h"
+#include "decoders/datapath/MIP8P_Event.h"
 #include "decoders/generic/Derived_Events.h"
 #include "decoders/generic/Unhandled_Events.h"
 #include "decoders/management/NETWORK_CONFIGMP_Event.h"
@@ -36,7 +37,7 @@ constexpr DecoderFactory kDecoders[] = {
     /*  4 Cache 2     */ make<CACHE28P_Event>,
     /*  5 I/O Mgr     */ make<IOMGR8P_Event>,
     /*  6 Dev Mgr     */ make<SATA8P_Event>,
-    /*  7 MIP         */ kPlain,
+    /*  7 MIP         */ make<MIP8P_Event>,
     /*  8 PieMan      */ kPlain,
     /*  9 AWR         */ kPlain,
     /* 10 VPI         */ kPlain,

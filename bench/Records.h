@@ -51,6 +51,7 @@ private:
     std::string raw_; // a body that has no elements
     std::vector<Field> fields_;
     std::string expected_;
+    bool safe_ = false; // whether the finished body is made safe
 };
 
 // The least that an event costs: its object and its finished 16-bit texts, allocated and copied.

@@ -1,6 +1,10 @@
 // The one place that knows all decoders: a new one is added by a row here.
 #include "event/Dispatch.h"
 
+#include "decoders/datapath/AWR8P_Event.h"
+#include "decoders/datapath/IOMGR8P_Event.h"
+#include "decoders/datapath/MIP8P_Event.h"
+#include "decoders/datapath/VPI8P_Event.h"
 #include "decoders/generic/Derived_Events.h"
 #include "decoders/generic/Unhandled_Events.h"
 #include "decoders/management/NETWORK_CONFIGMP_Event.h"
@@ -33,12 +37,12 @@ constexpr DecoderFactory kDecoders[] = {
     /*  2 SCSI        */ kPlain,
     /*  3 Cache 1     */ kPlain,
     /*  4 Cache 2     */ make<CACHE28P_Event>,
-    /*  5 I/O Mgr     */ kPlain,
+    /*  5 I/O Mgr     */ make<IOMGR8P_Event>,
     /*  6 Dev Mgr     */ make<SATA8P_Event>,
-    /*  7 MIP         */ kPlain,
+    /*  7 MIP         */ make<MIP8P_Event>,
     /*  8 PieMan      */ kPlain,
-    /*  9 AWR         */ kPlain,
-    /* 10 VPI         */ kPlain,
+    /*  9 AWR         */ make<AWR8P_Event>,
+    /* 10 VPI         */ make<VPI8P_Event>,
     /* 11 MIP Local   */ kPlain,
     /* 12 iChar       */ make<ICHAR_Event>,
     /* 13 OB0         */ make<OB0_Event>,

@@ -249,17 +249,29 @@ TEST(Pegasus, CopiesShareUntilOneChanges) {
         [](String& s) { s.remove(0, 1); },    [](String& s) { s.toLower(); },
         [](String& s) { s.assign("other"); }, [](String& s) { s = "other"; },
         [](String& s) { s.clear(); },         [](String& s) { s.appendPrintf("%d", 7); }};
-    for (const auto& change : changes) {
-        const String original("Some text");
-        String copy(original);
-        EXPECT_EQ(copy.getChar16Data(), original.getChar16Data());
-        change(copy);
-        EXPECT_EQ(original, "Some text");
-        String alone("Some text");
-        change(alone);
-        EXPECT_EQ(alone, copy);
-        EXPECT_NE(alone, original);
-    }
+    // Short texts may lie in the String itself; long ones are shared. 21 and 22 units are at the
+    // edge.
+    for (const char* text : {"Some text", "Some text of 21 units", "Some text of 22 units.",
+                             "Some text that no String can hold without a buffer of its own"})
+        for (const auto& change : changes) {
+            const String original(text);
+            String copy(original);
+            if (original.size() > 30) {
+                EXPECT_EQ(copy.getChar16Data(), original.getChar16Data());
+            }
+            change(copy);
+            EXPECT_EQ(original, text);
+            String alone(text);
+            change(alone);
+            EXPECT_EQ(alone, copy);
+            EXPECT_NE(alone, original);
+            copy = original;
+            EXPECT_EQ(copy, text);
+            copy = *&copy;
+            EXPECT_EQ(copy, text);
+            alone = String(copy);
+            EXPECT_EQ(alone, text);
+        }
     String text("abc");
     const String moved(std::move(text));
     const Char16 fixed[] = {'a', 'b'};

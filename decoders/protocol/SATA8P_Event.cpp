@@ -40,8 +40,9 @@ void putPciCause(Draft& out, RecordView frame) {
 
 void version1(Draft& out, RecordView frame) {
     const std::uint32_t number = frame.u32(4);
-    const auto* event = std::find_if(std::begin(v1::kEvents), std::end(v1::kEvents),
-                                     [&](const v1::Event& row) { return number <= row.last; });
+    const auto* event =
+        std::partition_point(std::begin(v1::kEvents), std::end(v1::kEvents),
+                             [&](const v1::Event& row) { return row.last < number; });
     if (number < v1::kFirstNumber || event == std::end(v1::kEvents)) {
         constexpr std::size_t kDumped = 64;
         out.title.put("Device Manager Event");

@@ -358,6 +358,8 @@ inline constexpr Event kEvents[] = {
     {305, kAsync, kDriveFailure, "Drive Error"},
     {309, kParameter, kName, "Invalid Parameter"},
 };
+static_assert(std::is_sorted(std::begin(kEvents), std::end(kEvents),
+                             [](const Event& a, const Event& b) { return a.last < b.last; }));
 
 } // namespace v1
 

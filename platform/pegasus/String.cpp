@@ -347,9 +347,23 @@ constexpr String emptyText;
 constinit const String& String::EMPTY = emptyText;
 
 String::Block* String::allocate(Uint64 capacity) {
+    if (capacity <= ownCapacity) {
+        Block* const block = ::new (own_) Block{ownReferences, 0, ownCapacity, {}};
+        return block;
+    }
     const Uint32 checked = checkedSize(capacity);
     void* const memory = ::operator new(sizeof(Block) + checked * sizeof(Uint16));
     return ::new (memory) Block{1, 0, checked, {}};
+}
+
+String::Block* String::shareBlock(const String& other) {
+    if (other.isOwn()) {
+        std::memcpy(own_, other.own_, blockHeader + (other.size() + 1) * sizeof(Uint16));
+        return own();
+    }
+    if (other.block_ != &emptyBlock)
+        other.block_->references.fetch_add(1, std::memory_order_relaxed);
+    return other.block_;
 }
 
 void String::deallocate(Block* block) {
@@ -395,8 +409,10 @@ String::String(const Char16* text, Uint32 n) : String() {
 }
 
 String& String::assign(const String& other) {
-    retain(other.block_); // first: other may be *this
-    replaceBlock(other.block_);
+    if (this != &other) {
+        release(block_);
+        block_ = shareBlock(other);
+    }
     return *this;
 }
 

@@ -1,5 +1,9 @@
 #include "tools/catalogue/Modules.h"
 
+#include "decoders/datapath/AWR8P_Layouts.h"
+#include "decoders/datapath/IOMGR8P_Layouts.h"
+#include "decoders/datapath/MIP8P_Layouts.h"
+#include "decoders/datapath/VPI8P_Layouts.h"
 #include "decoders/generic/Unhandled_Layouts.h"
 #include "decoders/management/NETWORK_CONFIGMP_Layouts.h"
 #include "decoders/management/SMIS_Layouts.h"
@@ -15,6 +19,10 @@ namespace Pegasus::mpu {
 namespace {
 
 constexpr Module kModules[] = {
+    iomgr::kModule,
+    mip::kModule,
+    awr::kModule,
+    vpi::kModule,
     sata::kModule,
     unhandled::module(12, "ICHAR_Event"),
     unhandled::module(13, "OB0_Event"),

@@ -2,9 +2,9 @@
 // String. Same names, same calls, same results; a call that compiles here compiles there.
 //
 // A String is UTF-16 in the machine's byte order. Sizes and indexes count 16-bit code units, so a
-// character above U+FFFF counts as two. Copies share one buffer with an atomic reference count:
-// different String objects may be used by different threads without care, one object may not be
-// changed while another thread uses it.
+// character above U+FFFF counts as two. A short text lies in the String itself; copies of a longer
+// one share one buffer with an atomic reference count. Different String objects may be used by
+// different threads without care, one object may not be changed while another thread uses it.
 //
 // Errors: what takes a char pointer throws Exception when the bytes are not UTF-8; whatever takes a
 // pointer throws an Exception ("null pointer") when it is null; an index out of range throws
@@ -79,8 +79,12 @@ public:
     /// Constant-initialised, so static initialisers of any source file may use it.
     static const String& EMPTY;
 
-    constexpr String() : block_(const_cast<Block*>(&emptyBlock)) {}
-    String(const String& other) : block_(other.block_) { retain(block_); }
+    constexpr String() : block_(const_cast<Block*>(&emptyBlock)) {
+        if (std::is_constant_evaluated())
+            for (unsigned char& byte : own_)
+                byte = 0;
+    }
+    String(const String& other) : block_(shareBlock(other)) {}
     /// The first n units; n above size(): IndexOutOfBoundsException.
     String(const String& other, Uint32 n);
     /// UTF-8, up to the first NUL or exactly n bytes. Encoded surrogates, U+FFFE and U+FFFF become
@@ -171,8 +175,9 @@ public:
     friend Boolean operator>=(const String& a, const String& b) { return compare(a, b) >= 0; }
 
 private:
-    // Header of a heap block; the units follow, `capacity` of them and the terminator. A block
-    // with 0 references is the constant empty one: it is neither counted, written nor freed.
+    // The units, `capacity` of them and the terminator, follow. `references` counts the owners of a
+    // block on the heap. A block with 0 references is the constant empty one: it is neither
+    // counted, written nor freed.
     struct Block {
         std::atomic<Uint32> references;
         Uint32 size;
@@ -184,26 +189,37 @@ private:
             units[newSize] = 0;
         }
         Boolean isWritable(Uint32 neededCapacity) const {
-            return references.load(std::memory_order_acquire) == 1 && capacity >= neededCapacity;
+            const Uint32 owners = references.load(std::memory_order_acquire);
+            return (owners == 1 || owners == ownReferences) && capacity >= neededCapacity;
         }
     };
+    // The block inside a String: it makes a String 64 bytes long on a 64-bit machine.
+    static constexpr Uint32 ownReferences = 0xFFFFFFFF;
+    static constexpr Uint32 ownCapacity = 21;
+    static constexpr Uint32 blockHeader = 3 * sizeof(Uint32);
 
     static const Block emptyBlock;
 
-    static Block* allocate(Uint64 capacity);
+    // A block for a text that block_ can't take: our own where that is large enough.
+    Block* allocate(Uint64 capacity);
     static void deallocate(Block* block);
+
+    Block* own() { return reinterpret_cast<Block*>(own_); }
+    Boolean isOwn() const {
+        return block_->references.load(std::memory_order_relaxed) == ownReferences;
+    }
+
+    // The block of `other`, or a copy of it in our own, which must be free.
+    Block* shareBlock(const String& other);
 
     static Char16* asChar16(Uint16* units) { return reinterpret_cast<Char16*>(units); }
 
-    static void retain(Block* block) {
-        if (block->references.load(std::memory_order_relaxed) != 0)
-            block->references.fetch_add(1, std::memory_order_relaxed);
-    }
     static void release(Block* block) {
         const Uint32 references = block->references.load(std::memory_order_acquire);
+        if (references == 0 || references == ownReferences)
+            return;
         // The only owner needs no read-modify-write: nobody else can reach the block.
-        if (references == 1 ||
-            (references != 0 && block->references.fetch_sub(1, std::memory_order_acq_rel) == 1))
+        if (references == 1 || block->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
             deallocate(block);
     }
     void replaceBlock(Block* block) {
@@ -215,6 +231,7 @@ private:
     [[noreturn]] static void throwIndexOutOfBounds();
 
     Block* block_;
+    alignas(Block) unsigned char own_[blockHeader + (ownCapacity + 1) * sizeof(Uint16)];
 };
 
 PEGASUS_COMMON_LINKAGE String operator+(const String& a, const String& b);

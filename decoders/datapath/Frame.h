@@ -1,0 +1,96 @@
+// What the records of the I/O manager and the message/interrupt processor share: a frame of five
+// big-endian words at the start of the payload (offset 152), a data area behind it, and sub-records
+// in that.
+#pragma once
+
+#include "event/Label.h"
+#include "event/RecordView.h"
+
+#include <array>
+#include <iterator>
+
+namespace Pegasus::mpu::datapath {
+
+struct Frame {
+    Big<std::uint32_t> eventClass;
+    Big<std::uint32_t> code; // meaning depends on the class
+    Big<std::uint32_t> unused;
+    Big<std::uint32_t> line;       // firmware source line that raised the event
+    Big<std::uint32_t> dataLength; // bytes of the data area, which begins behind this
+};
+inline constexpr unsigned kClassAt = 0;
+inline constexpr unsigned kCodeAt = 4;
+inline constexpr unsigned kLineAt = 12;
+inline constexpr unsigned kLengthAt = 16;
+inline constexpr unsigned kDataAt = 20;
+static_assert(sizeof(Frame) == kDataAt);
+
+// Sub-records that both write.
+struct LwsemRecord {
+    unsigned char bytes[8];
+};
+struct MmsgRecord {
+    unsigned char bytes[20];
+};
+struct MsaRecord {
+    unsigned char bytes[32];
+};
+
+// No record has a longer payload, whatever a length in it says.
+inline constexpr std::size_t kMaxData = 0xFFFF;
+
+// The file name in the data area of an assert: a text of at most 127 characters.
+std::string_view assertFile(RecordView payload);
+
+// Traces `what` and the length of the data area in hexadecimal.
+void traceLength(const char* source, int line, const char* what, RecordView payload);
+
+// What an event means: one row for each code of a class, in the order of the classes. `Dump` says
+// what the data area holds.
+template <class Dump, std::size_t Longest>
+struct EventCode {
+    std::uint16_t eventClass;
+    std::uint16_t code;
+    Label<Longest> text;
+    Dump dump;
+};
+
+// Stands for all codes of its class that no other row has; the last row of the class.
+inline constexpr std::uint16_t kAnyCode = 0xFFFF;
+
+// Where the rows of each class begin, and one more for the end.
+template <const auto& Codes, std::size_t Classes>
+inline constexpr auto kClassStarts = [] {
+    constexpr bool wellFormed = [] {
+        for (std::size_t i = 0; i < std::size(Codes); ++i) {
+            if (i > 0 && Codes[i].eventClass < Codes[i - 1].eventClass)
+                return false;
+            for (std::size_t j = i + 1; j < std::size(Codes); ++j)
+                if (Codes[i].eventClass == Codes[j].eventClass &&
+                    (Codes[i].code == Codes[j].code || Codes[i].code == kAnyCode))
+                    return false;
+        }
+        return Codes[std::size(Codes) - 1].eventClass < Classes;
+    }();
+    static_assert(wellFormed, "rows by class, each code once, the catch-all last");
+    std::array<std::uint8_t, Classes + 1> starts{};
+    for (std::size_t i = 0, at = 0; i <= Classes; ++i) {
+        while (at < std::size(Codes) && Codes[at].eventClass < i)
+            ++at;
+        starts[i] = static_cast<std::uint8_t>(at);
+    }
+    static_assert(std::size(Codes) <= 0xFF);
+    return starts;
+}();
+
+// Null when the class doesn't list the code. `eventClass` is below `Classes`.
+template <const auto& Codes, std::size_t Classes>
+const auto* findCode(std::size_t eventClass, std::uint32_t code) {
+    const auto* row = Codes + kClassStarts<Codes, Classes>[eventClass];
+    const auto* end = Codes + kClassStarts<Codes, Classes>[eventClass + 1];
+    while (row != end && row->code != code && row->code != kAnyCode)
+        ++row;
+    return row != end ? row : nullptr;
+}
+
+} // namespace Pegasus::mpu::datapath

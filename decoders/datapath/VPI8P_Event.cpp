@@ -1,0 +1,107 @@
+#include "decoders/datapath/VPI8P_Event.h"
+
+#include "decoders/common/Unknown.h"
+#include "event/Ascii.h"
+#include "event/RecordView.h"
+#include "event/TextWriter.h"
+
+namespace Pegasus {
+
+using namespace mpu;
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kValueEnds = ", \t";
+constexpr std::string_view kGroup = "Values";
+constexpr std::size_t kLongestKey = 1000; // surely a tag
+
+std::string_view textOf(const EmpEvLogMsg_s* record) {
+    return RecordView(record + 1, record->evStructLength).text(0);
+}
+
+// `text` without the characters of `set` at its start.
+std::string_view skip(std::string_view text, std::string_view set) {
+    return text.substr(std::min(text.find_first_not_of(set), text.size()));
+}
+
+void putKey(TextWriter& out, std::string_view key) {
+    char* next = out.reserve(key.size());
+    for (std::size_t i = 0; i < key.size(); ++i)
+        *next++ = tagCharacter(key[i], i == 0);
+    out.commit(next);
+}
+
+void putPair(TextWriter& out, std::string_view key, std::string_view value) {
+    // The closing tag of such a key would pass for that of the group; without a name or with a very
+    // long one it is no tag at all. Only a look at the whole body can tell what becomes of it.
+    if (key.starts_with(kGroup) || key.empty() || key.size() > kLongestKey)
+        out.expectMarkup();
+    out.put("<");
+    putKey(out, key);
+    out.put(">").text(value).put("</");
+    putKey(out, key);
+    out.put("> ");
+}
+
+// Writes the pairs of a line; false when it has none.
+bool putPairs(TextWriter& out, std::string_view line) {
+    std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos)
+        return false;
+    out.open(kGroup);
+    do {
+        std::string_view key = skip(line.substr(0, equals), kBlanks);
+        key = key.substr(0, key.find_last_not_of(kBlanks) + 1);
+        line = skip(line.substr(equals + 1), kBlanks);
+        const std::string_view value = line.substr(0, line.find_first_of(kValueEnds));
+        putPair(out, key, value);
+        line = skip(line.substr(value.size()), kValueEnds);
+        equals = line.find('=');
+    } while (equals != std::string_view::npos);
+    out.close(kGroup);
+    return true;
+}
+
+void assignBody(String& to, std::string_view text) {
+    BodyWriter body(Texts::Safe);
+    unsigned int counter = 1;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        if (putPairs(body, line))
+            continue;
+        body.put("<Text").decimal(counter).put(">").text(line);
+        body.put("</Text").decimal(counter).put("> ");
+        ++counter;
+    }
+    body.assignTo(to);
+}
+
+} // namespace
+
+VPI8P_Event::VPI8P_Event(const EmpEvLogMsg_s* record, int length)
+    : Avrel_Event(record, static_cast<unsigned int>(length)) {
+    if (!record)
+        return;
+    if (record->eventId != 1) {
+        traceUnknown("VPI8P_Event", 115, "Unknown EventID: 0x", record);
+        assignAscii(summary_, "Unhandled Event by VPI8P");
+        assignHexBody(body_, record);
+        return;
+    }
+    assignAscii(eventID_, "General message");
+    const std::string_view text = textOf(record);
+    assignText(summary_, text.substr(0, text.find('\n')));
+    assignBody(body_, text);
+}
+
+VPI8P_Event::~VPI8P_Event() = default;
+
+String get_VPI8P_MSG_STRING(const EmpEvLogMsg_s* record) {
+    String body;
+    assignBody(body, textOf(record));
+    return body;
+}
+
+} // namespace Pegasus

@@ -155,6 +155,8 @@ bool widenIfAscii(const unsigned char* in, Uint32 n, Uint16* out) {
         return widenBlocks<VectorBlock>(in, n, out);
     if (n >= HalfVectorBlock::size)
         return widenBlocks<HalfVectorBlock>(in, n, out);
+    if (n >= sizeof(std::uint32_t))
+        return widenBlocks<WordBlock<std::uint32_t>>(in, n, out);
     unsigned seen = 0;
     for (Uint32 i = 0; i < n; ++i) {
         out[i] = in[i];

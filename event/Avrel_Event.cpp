@@ -269,7 +269,7 @@ void Avrel_Event::makeSafeKeyname(char* text, int count) {
 String Avrel_Event::makeSafeString(const char* text, int count) {
     if (!text || count < 0)
         return String();
-    BodyWriter out;
+    StackWriter<1024> out; // may be beside that of a decoder
     putSafe(out, count == 0 ? std::string_view(text)
                             : std::string_view(text, static_cast<std::size_t>(count)));
     return toString(out.view());

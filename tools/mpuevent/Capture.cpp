@@ -15,8 +15,8 @@ constexpr std::size_t kRecordHeader = sizeof(EmpEvLogMsg_s);
 // The 16-bit length of a message counts its header.
 constexpr std::size_t kMaxMessage = 0xFFFF;
 constexpr std::size_t kMaxRecord = kMaxMessage - mpu::message_header::kSize;
-// Furthest look ahead: over a message to the headers of the one behind it.
-constexpr std::size_t kLookAhead = kMaxMessage + mpu::message_header::kSize + kRecordHeader + 1;
+// Furthest look ahead: over a message, one that begins at its end and the headers behind that.
+constexpr std::size_t kLookAhead = 2 * kMaxMessage + mpu::message_header::kSize + kRecordHeader + 1;
 static_assert(kBuffer >= 2 * kLookAhead);
 
 bool isEventType(std::uint8_t v) {
@@ -52,6 +52,14 @@ bool Capture::next(Message& message) {
         std::size_t length = 0;
         if (const std::string what = fault(); what.empty()) {
             length = announcedLength(0);
+            if (const std::size_t next = messageWithin(length); next != 0) {
+                report_(
+                    fmt::format("offset {}: {} length {} ({} wanted: there the next one begins)",
+                                offset_, headerSize_ == 0 ? "record" : "message", length, next));
+                // Its header is handed out in any case: who knows on which side bytes are missing.
+                length = std::max(next, minimum_);
+                taken_ = next;
+            }
         } else {
             if (source_->failure() != 0)
                 return false; // the message is short because the reading was
@@ -73,7 +81,8 @@ bool Capture::next(Message& message) {
         message.offset = offset_;
         message.header = {at(0), headerSize_};
         message.record = {at(headerSize_), length - headerSize_};
-        taken_ = length;
+        if (taken_ == 0)
+            taken_ = length;
         return true;
     }
     return false;
@@ -125,6 +134,17 @@ bool Capture::search() {
     }
     skip(end_ - begin_);
     return false;
+}
+
+// Where the next message begins if not at `end` but before it; 0 if it doesn't.
+std::size_t Capture::messageWithin(std::size_t end) {
+    if (isBoundary(end))
+        return 0;
+    // A bare record has only its looks: inside the header of another one they are not enough.
+    for (std::size_t ahead = headerSize_ != 0 ? 1 : minimum_; ahead < end; ++ahead)
+        if (isMessage(ahead) && isBoundary(ahead + announcedLength(ahead)))
+            return ahead;
+    return 0;
 }
 
 // Strict: nothing but its looks says that a message begins here.

@@ -29,11 +29,12 @@ struct Message {
 //     differs from what its record says is odd, but is decoded as it stands.
 //   - Only when its own length leads to nothing (neither to another message nor to the end of the
 //     input) and the record's does, the record is believed.
+//   - A message that leads to nothing while another one begins inside it ends there,
+//     but not before its record header does.
 //   - Otherwise the next message is searched for byte by byte. Its length and its evStructLength
-//   must
-//     agree; source below 34; event type 1, 2, 3, 101, 102 or 103; category 1 to 14; both serial
-//     numbers end inside their 64 bytes. Behind it the input must end, or a message must begin
-//     whose lengths agree or whose record header is as plausible.
+//     must agree; source below 34; event type 1, 2, 3, 101, 102 or 103; category 1 to 14; both
+//     serial numbers end inside their 64 bytes. Behind it the input must end, or a message must
+//     begin whose lengths agree or whose record header is as plausible.
 //   - A message whose two lengths disagree, whose record header is not plausible and that has
 //     neither the end nor another message behind it is not believed. A bare record has no second
 //     length: its header or what is behind it must speak for it.
@@ -58,6 +59,7 @@ private:
     bool lengthsAgree(std::size_t ahead) const;
     bool isMessage(std::size_t ahead);
     bool isBoundary(std::size_t ahead);
+    std::size_t messageWithin(std::size_t end);
     std::string fault();
     bool search();
 

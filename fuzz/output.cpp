@@ -1,0 +1,150 @@
+// What the command writes of any event must be what its format says, to a parser that isn't ours.
+#include "fuzz/Invariants.h"
+#include "tools/mpuevent/Body.h"
+#include "tools/mpuevent/Printer.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Pegasus::fuzz {
+namespace {
+
+using namespace tool;
+
+std::string printed(const Format& format, Avrel_Event& event) {
+    const std::unique_ptr<Printer> printer = format.make();
+    mpu::BodyWriter once;
+    printer->begin(once);
+    printer->print(event, once);
+    printer->end(once);
+    // A printer keeps nothing of an event but the memory.
+    mpu::BodyWriter twice;
+    printer->begin(twice);
+    printer->print(event, twice);
+    printer->end(twice);
+    requireSame(twice.view(), once.view(), format.name);
+    return std::string(once.view());
+}
+
+void requireJson(const std::string& line, const Said& event) {
+    static constexpr const char* kTexts[] = {"enclosureSerialNumber",
+                                             "controllerSerialNumber",
+                                             "source",
+                                             "category",
+                                             "eventTypeText",
+                                             "eventID",
+                                             "summary",
+                                             "body"};
+    static constexpr const char* kNumbers[] = {"controllerSlotID", "eventLogInstanceNumber",
+                                               "sequenceID", "timestamp", "eventType"};
+    require(line.find('\n') == line.size() - 1, "a JSON object is one line");
+    const nlohmann::json object = nlohmann::json::parse(line); // throws
+    for (std::size_t i = 0; i < std::size(kTexts); ++i)
+        requireSame(object.at(kTexts[i]).get_ref<const std::string&>(), event.texts[i], kTexts[i]);
+    for (std::size_t i = 0; i < std::size(kNumbers); ++i)
+        require(object.at(kNumbers[i]).get<std::uint32_t>() == event.numbers[i], kNumbers[i]);
+    require(object.size() == std::size(kTexts) + std::size(kNumbers), "nothing else");
+}
+
+void printAll(Avrel_Event& event, bool isText) {
+    for (const Format& format : kFormats) {
+        const std::string_view name = format.name;
+        const std::string text = printed(format, event);
+        require(isUtf8(text), "output is valid UTF-8");
+        require(text.ends_with('\n'), "output is whole lines");
+        require(std::none_of(text.begin(), text.end(),
+                             [](char c) { return c >= 0 && c < ' ' && c != '\n' && c != '\t'; }),
+                std::string(name) + " output holds no control characters");
+        if (name == "line")
+            require(text.find('\n') == text.size() - 1, "a line is one line");
+        if (name == "json" && isText)
+            requireJson(text, said(event));
+        else if (name == "json")
+            require(nlohmann::json::accept(text), "JSON is valid");
+    }
+}
+
+// Every name and every text of the pieces lies in the body, in order; groups match.
+void requirePieces(const std::string& body) {
+    BodyParser parser;
+    const char* at = body.data();
+    std::vector<std::string_view> open;
+    for (const Piece& piece : parser.parse(body)) {
+        for (std::string_view part : {piece.name, piece.text}) {
+            if (part.empty())
+                continue;
+            require(part.data() >= at && part.data() + part.size() <= body.data() + body.size(),
+                    "pieces lie in the body in order");
+            at = part.data();
+        }
+        if (piece.kind == Piece::Group)
+            open.push_back(piece.name);
+        if (piece.kind == Piece::End) {
+            require(!open.empty() && open.back() == piece.name, "groups match");
+            open.pop_back();
+        }
+    }
+    require(open.empty(), "groups end");
+}
+
+// Input: a record. It is decoded; then the same bytes, as UTF-16 of any kind, are all texts of an
+// event, which no decoder would make but a caller may.
+void output(Bytes bytes) {
+    const test::SuppressTrace quiet;
+    bytes = bytes.first(std::min(bytes.size(), kMaxRecord));
+    CMAPMessageHeader header;
+    header.setMessageLength(static_cast<Uint16>(mpu::message_header::kSize + bytes.size()));
+    // Without long runs of zeros, which would only cost time.
+    std::string record(characters(bytes));
+    if (record.size() >= sizeof(EmpEvLogMsg_s))
+        mpu::storeBig(&record[offsetof(EmpEvLogMsg_s, evStructLength)],
+                      static_cast<std::uint16_t>(record.size() - sizeof(EmpEvLogMsg_s)));
+    Avrel_memory_istream in(record.data(), record.size());
+    const std::unique_ptr<Avrel_Event> event(MPUEvent(header, in).create_Avrel_Event());
+    printAll(*event, true);
+    requirePieces(utf8(event->getBody()));
+    requirePieces(std::string(characters(bytes)));
+
+    std::vector<Char16> units;
+    for (Input input(bytes); !input.rest().empty();) {
+        const unsigned low = input.byte();
+        units.push_back(static_cast<Uint16>(low < 0xC0 ? low : low << 8 | input.byte()));
+    }
+    const String wild =
+        units.empty() ? String() : String(units.data(), static_cast<Uint32>(units.size()));
+    event->setEnclosureSerialNumber(wild);
+    event->setControllerSerialNumber(wild);
+    event->setSource(wild);
+    event->setCategory(wild);
+    event->setEventID(wild);
+    event->setSummary(wild);
+    event->setBody(wild);
+    printAll(*event, false);
+}
+
+} // namespace
+} // namespace Pegasus::fuzz
+
+using Pegasus::fuzz::output;
+MPUEVENT_FUZZ_TARGET(output)
+
+#ifdef MPUEVENT_LIBFUZZER
+#include "fuzz/RecordMutator.h"
+
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t maxSize, unsigned int seed) {
+    if (seed % 2 == 0)
+        return LLVMFuzzerMutate(data, size, maxSize);
+    using namespace Pegasus::fuzz;
+    RecordMutator mutator(seed);
+    std::string record(characters({data, size}));
+    if (seed % 8 == 1)
+        record = mutator.record();
+    else
+        mutator.twist(record);
+    size = std::min(record.size(), maxSize);
+    std::memcpy(data, record.data(), size);
+    return size;
+}
+#endif

@@ -1,0 +1,216 @@
+// Memory runs out: at each single allocation of a decode, and at it and all that follow.
+#include "fuzz/Invariants.h"
+#include "fuzz/RecordMutator.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+// Every allocation of the library passes here: operator new by replacement, which reaches the C++
+// library too, the C functions through the linker (--wrap).
+namespace {
+
+thread_local long live = 0; // blocks
+
+struct Limit {
+    long left; // allocations that succeed
+    bool once; // then one fails, else all do
+    unsigned failed = 0;
+};
+thread_local Limit* limit = nullptr; // none
+
+bool allowed() {
+    if (!limit || limit->left-- > 0)
+        return true;
+    ++limit->failed;
+    if (limit->once)
+        limit = nullptr;
+    return false;
+}
+
+void* counted(void* memory) {
+    if (memory)
+        ++live;
+    return memory;
+}
+
+} // namespace
+
+extern "C" {
+void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __real_realloc(void* memory, std::size_t size);
+void __real_free(void* memory);
+
+void* __wrap_malloc(std::size_t size) {
+    return allowed() ? counted(__real_malloc(size)) : nullptr;
+}
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    return allowed() ? counted(__real_calloc(count, size)) : nullptr;
+}
+void* __wrap_realloc(void* memory, std::size_t size) {
+    if (!allowed())
+        return nullptr;
+    return memory ? __real_realloc(memory, size) : counted(__real_malloc(size));
+}
+void __wrap_free(void* memory) {
+    if (memory)
+        --live;
+    __real_free(memory);
+}
+}
+
+void* operator new(std::size_t size) {
+    if (void* memory = std::malloc(size ? size : 1))
+        return memory;
+    throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size ? size : 1);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size ? size : 1);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace Pegasus::test {
+namespace {
+
+// No limit while this lives: for what looks at a result.
+class Plenty {
+public:
+    Plenty() : before_(std::exchange(limit, nullptr)) {}
+    ~Plenty() { limit = before_; }
+    Plenty(const Plenty&) = delete;
+    Plenty& operator=(const Plenty&) = delete;
+
+private:
+    Limit* before_;
+};
+
+MPUEvent messageOf(const std::string& record) {
+    CMAPMessageHeader header;
+    header.setMessageLength(static_cast<Uint16>(mpu::message_header::kSize + record.size()));
+    Avrel_memory_istream in(record.data(), record.size());
+    return MPUEvent(header, in);
+}
+
+// Calls `act` with 0, 1, 2 ... allocations until one call sees no failure. What throws must be
+// bad_alloc, and all it took must be given back. Returns how many calls failed.
+template <class Act>
+unsigned exhaust(bool once, Act act) {
+    for (long allowed = 0;; ++allowed) {
+        Limit now{allowed, once};
+        bool threw = false;
+        const long before = live;
+        limit = &now;
+        try {
+            act();
+        } catch (const std::bad_alloc&) {
+            threw = true;
+        }
+        limit = nullptr;
+        EXPECT_EQ(live, before) << "left behind after " << allowed << " allocations";
+        if (now.failed == 0) {
+            EXPECT_FALSE(threw);
+            return static_cast<unsigned>(allowed);
+        }
+        EXPECT_TRUE(threw || once) << "nothing said after " << allowed << " allocations";
+        if (::testing::Test::HasFailure())
+            return 0;
+    }
+}
+
+// An event, the fallback of one, or bad_alloc; and the next decode is as if nothing had happened.
+unsigned decodeScarcely(const std::string& record) {
+    const MPUEvent message = messageOf(record);
+    const fuzz::Said whole =
+        fuzz::said(*std::unique_ptr<Avrel_Event>(message.create_Avrel_Event()));
+    constexpr std::size_t summary = 6;
+    unsigned steps = 0;
+    for (bool once : {false, true}) {
+        steps = exhaust(once, [&] {
+            const std::unique_ptr<Avrel_Event> event(message.create_Avrel_Event());
+            const Plenty plenty;
+            const fuzz::Said said = fuzz::said(*event);
+            if (said != whole) {
+                EXPECT_TRUE(once);
+                EXPECT_EQ(said.texts[summary], "XMLizer Failure");
+                EXPECT_TRUE(said.texts[summary + 1].starts_with("Exception in XMLizer"));
+                EXPECT_EQ(said.numbers, whole.numbers);
+                for (std::size_t i = 0; i < summary - 1; ++i)
+                    EXPECT_EQ(said.texts[i], whole.texts[i]);
+            }
+        });
+        EXPECT_TRUE(fuzz::said(*std::unique_ptr<Avrel_Event>(message.create_Avrel_Event())) ==
+                    whole);
+    }
+    return steps;
+}
+
+TEST(Allocation, AnyOfADecodeMayFail) {
+    const SuppressTrace quiet;
+    mpu::SampleWriter samples(5);
+    for (const mpu::Module& module : mpu::modules())
+        for (const mpu::Section& section : module.sections) {
+            const std::string record = samples.record(module, section);
+            EXPECT_GT(decodeScarcely(record), 0u) << module.decoder << ", " << section.title;
+            decodeScarcely(record.substr(0, 160)); // padded
+            decodeScarcely(record + "<a>\xFF=</a>" + std::string(6000, '='));
+            ASSERT_FALSE(HasFailure()) << module.decoder << ", " << section.title;
+        }
+    fuzz::RecordMutator mutator(6);
+    for (int i = 0; i < 300; ++i) {
+        decodeScarcely(mutator.record());
+        ASSERT_FALSE(HasFailure()) << i;
+    }
+}
+
+TEST(Allocation, AnyOfATracedDecodeMayFail) {
+    const CaptureTrace trace;
+    const MPUEvent message =
+        messageOf(mpu::SampleWriter(5).record(mpu::modules()[0], mpu::modules()[0].sections[0]) +
+                  "more than announced");
+    for (bool once : {false, true})
+        EXPECT_GT(
+            exhaust(once, [&] { std::unique_ptr<Avrel_Event>(message.create_Avrel_Event()); }), 0u);
+}
+
+// A message that cannot be copied or read stays what it was.
+TEST(Allocation, AnyOfAMessageMayFail) {
+    const SuppressTrace quiet;
+    const MPUEvent message = messageOf(std::string(200, 'm'));
+    const MPUEvent other = messageOf(std::string(300, 'o'));
+    EXPECT_GT(exhaust(false, [&] { MPUEvent(message).str(); }), 1u);
+    EXPECT_GT(exhaust(false,
+                      [&] {
+                          MPUEvent target(other);
+                          try {
+                              target = message;
+                          } catch (const std::bad_alloc&) {
+                              const Plenty plenty;
+                              EXPECT_EQ(utf8(target.str()), utf8(other.str()));
+                              throw;
+                          }
+                      }),
+              1u);
+}
+
+} // namespace
+} // namespace Pegasus::test

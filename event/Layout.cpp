@@ -47,7 +47,7 @@ void write(TextWriter& out, const Layout& layout, RecordView view) {
     // Checked once: behind this every number lies inside.
     std::uint8_t padded[kMaxExtent];
     const std::uint8_t* bytes = view.data();
-    if (view.size() < layout.extent) {
+    if (view.size() < layout.extent || !bytes) {
         std::memset(padded, 0, layout.extent);
         if (view.size() != 0)
             std::memcpy(padded, bytes, view.size());

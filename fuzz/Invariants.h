@@ -20,7 +20,7 @@ inline constexpr std::size_t kMaxRecord = 0xFFFF - mpu::message_header::kSize;
 // (bytes of UTF-8), the extent being max(record length, 152 + evStructLength). The fixed part is
 // the widest layout: its tags, names and numbers. docs/reliability.md shows what costs most.
 inline constexpr std::size_t kFixedOutput = 16 * 1024;
-inline constexpr std::size_t kOutputPerByte = 16;
+inline constexpr std::size_t kOutputPerByte = 32;
 
 // Plain on purpose: code points one by one, by the definition of UTF-8.
 inline bool isUtf8(std::string_view text) {

@@ -1,4 +1,4 @@
-# cmake --install in three parts: library, development, command.
+# cmake --install and the Debian packages, in three parts: library, development, command.
 
 include(CMakePackageConfigHelpers)
 
@@ -81,3 +81,30 @@ if(TARGET mpuevent)
     install(FILES ${PROJECT_BINARY_DIR}/_mpuevent
         DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT command)
 endif()
+
+# ---- Debian packages: cpack in a build folder configured for the prefix /usr -------------------
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "MPUEvent maintainers <maintainers@localhost>")
+set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL library development)
+if(TARGET mpuevent)
+    list(APPEND CPACK_COMPONENTS_ALL command)
+endif()
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libmpuevent1)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "Decoder of a storage controller's event log: library")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmpuevent-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmpuevent1 (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Decoder of a storage controller's event log: headers")
+set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME mpuevent)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION admin)
+set(CPACK_COMPONENT_COMMAND_DESCRIPTION "Decoder of a storage controller's event log: command")
+include(CPack)

@@ -8,7 +8,6 @@ add_library(mpuevent_pegasus INTERFACE)
 if(MPUEVENT_PEGASUS STREQUAL "embedded")
     target_include_directories(mpuevent_pegasus INTERFACE
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/platform/pegasus>)
-    install(DIRECTORY platform/pegasus/Pegasus DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/MPUEvent)
     return()
 elseif(NOT MPUEVENT_PEGASUS STREQUAL "system")
     message(FATAL_ERROR "MPUEVENT_PEGASUS is '${MPUEVENT_PEGASUS}'; it must be embedded or system")

@@ -2,6 +2,7 @@
 // text and structure behind it, and the elements that both end with.
 #pragma once
 
+#include "decoders/management/LocationBlock.h"
 #include "event/RecordView.h"
 #include "event/TextWriter.h"
 
@@ -9,13 +10,6 @@ namespace Pegasus::mpu {
 
 // Copies the text and a NUL to a caller's buffer.
 void copyText(char* out, std::string_view text);
-
-// 32 bytes: where in the firmware's sources the event was raised.
-struct LocationBlock {
-    Big<std::uint16_t> line;
-    char text[30]; // file name and its NUL, then the function name, up to the end of the block
-};
-static_assert(sizeof(LocationBlock) == 32);
 
 struct Location {
     std::uint16_t line = 0;

@@ -1,6 +1,7 @@
 #include "decoders/management/SMIS_Event.h"
 
 #include "decoders/common/Unknown.h"
+#include "decoders/management/Location.h"
 #include "decoders/management/SMIS_Layouts.h"
 #include "decoders/management/Titles.h"
 

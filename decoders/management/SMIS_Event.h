@@ -2,7 +2,7 @@
 // objects, key=value data.
 #pragma once
 
-#include "decoders/management/Location.h"
+#include "decoders/management/LocationBlock.h"
 #include "event/Avrel_Event.h"
 
 namespace Pegasus {

@@ -1,6 +1,7 @@
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
 
 #include "decoders/common/Unknown.h"
+#include "decoders/management/Location.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
 #include "decoders/management/Titles.h"
 

@@ -2,7 +2,7 @@
 // manager, shared memory, timers, requests and responses, management messages.
 #pragma once
 
-#include "decoders/management/Location.h"
+#include "decoders/management/LocationBlock.h"
 #include "event/Avrel_Event.h"
 
 namespace Pegasus {

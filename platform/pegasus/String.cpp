@@ -15,6 +15,9 @@
 
 #ifdef __SSE2__
 #include <immintrin.h>
+#if __has_include(<sys/platform/x86.h>) && !defined(__clang__) // which lacks its _Bool
+#include <sys/platform/x86.h>
+#endif
 #endif
 
 namespace Pegasus {
@@ -106,8 +109,9 @@ struct VectorBlock {
         return _mm_movemask_epi8(_mm_or_si128(a, b)) == 0;
     }
 };
-// What the vector units of most machines can do; asked for when used. (A board without it has none
-// of this.)
+#ifdef CPU_FEATURE_ACTIVE
+// What the vector units of most machines can do. The C library knows whether this one has it;
+// asking the compiler's library instead would make it run code when ours is loaded.
 struct WideBlock {
     static constexpr Uint32 size = 64;
     __attribute__((target("avx2"))) static bool widen(const unsigned char* in, Uint16* out) {
@@ -131,6 +135,7 @@ __attribute__((target("avx2"))) bool widenWide(const unsigned char* in, Uint32 n
             return false;
     return WideBlock::widen(in + n - WideBlock::size, out + n - WideBlock::size);
 }
+#endif
 struct HalfVectorBlock {
     static constexpr Uint32 size = 8;
     static bool widen(const unsigned char* in, Uint16* out) {
@@ -147,14 +152,16 @@ using HalfVectorBlock = WordBlock<std::uint64_t>;
 
 // Nearly all text is ASCII throughout.
 bool widenIfAscii(const unsigned char* in, Uint32 n, Uint16* out) {
-#ifdef __SSE2__
-    if (n >= WideBlock::size && __builtin_cpu_supports("avx2"))
+#ifdef CPU_FEATURE_ACTIVE
+    if (n >= WideBlock::size && CPU_FEATURE_ACTIVE(AVX2))
         return widenWide(in, n, out);
 #endif
     if (n >= VectorBlock::size)
         return widenBlocks<VectorBlock>(in, n, out);
     if (n >= HalfVectorBlock::size)
         return widenBlocks<HalfVectorBlock>(in, n, out);
+    if (n >= sizeof(std::uint32_t))
+        return widenBlocks<WordBlock<std::uint32_t>>(in, n, out);
     unsigned seen = 0;
     for (Uint32 i = 0; i < n; ++i) {
         out[i] = in[i];

@@ -1,6 +1,7 @@
 // mpuevent: reads captures of the controller's event log.
 #include "platform/trace/ProviderTraceServices.h"
 #include "tools/mpuevent/Command.h"
+#include "tools/mpuevent/Describe.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -37,6 +38,8 @@ Status run(int argc, char** argv) {
     app.set_version_flag("--version", "mpuevent " MPUEVENT_VERSION);
     app.footer(kExamples);
     app.require_subcommand(0, 1);
+    std::string described;
+    addDescribe(app, described);
     Runner runner;
     for (const Command& command : kCommands) {
         CLI::App* sub = app.add_subcommand(command.name, command.description);
@@ -52,6 +55,8 @@ Status run(int argc, char** argv) {
         complain("{}; \"mpuevent --help\" tells more", error.what());
         return kUsage;
     }
+    if (!described.empty())
+        return show(describe(app, described));
     if (!runner) {
         complain("which command? \"mpuevent --help\" lists them");
         return kUsage;

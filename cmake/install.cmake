@@ -1,0 +1,110 @@
+# cmake --install and the Debian packages, in three parts: library, development, command.
+
+include(CMakePackageConfigHelpers)
+
+set(include_dir ${CMAKE_INSTALL_INCLUDEDIR}/MPUEvent)
+set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MPUEvent)
+
+# ---- library -----------------------------------------------------------------------------------
+
+# Public is what a caller or a decoder outside of the library needs. None of it may include what is
+# not installed: scripts/test-install compiles each header by itself.
+file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
+    decoders/*/*_Event.h decoders/*/*_Events.h platform/cmap/*.h)
+list(FILTER headers EXCLUDE REGEX "_Layouts\\.h$")
+list(APPEND headers
+    decoders/management/LocationBlock.h
+    event/AvrelEvent.h
+    event/Avrel_Event.h
+    event/BigEndian.h
+    event/EmpEvLogMsg_s.h
+    event/Export.h
+    event/MPUEvent.h
+    event/RecordView.h
+    event/StringFormat.h
+    event/XmlString.h
+    platform/trace/ProviderTraceServices.h)
+foreach(header IN LISTS headers)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES ${header} DESTINATION ${include_dir}/${folder} COMPONENT development)
+endforeach()
+if(MPUEVENT_PEGASUS STREQUAL "embedded")
+    install(DIRECTORY platform/pegasus/Pegasus DESTINATION ${include_dir} COMPONENT development)
+endif()
+
+install(TARGETS MPUEvent mpuevent_pegasus EXPORT MPUEventTargets
+    LIBRARY COMPONENT library NAMELINK_COMPONENT development
+    INCLUDES DESTINATION ${include_dir})
+install(EXPORT MPUEventTargets NAMESPACE MPUEvent:: DESTINATION ${config_dir}
+    COMPONENT development)
+configure_package_config_file(cmake/MPUEventConfig.cmake.in MPUEventConfig.cmake
+    INSTALL_DESTINATION ${config_dir})
+write_basic_package_version_file(MPUEventConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/MPUEventConfig.cmake
+    ${PROJECT_BINARY_DIR}/MPUEventConfigVersion.cmake
+    DESTINATION ${config_dir} COMPONENT development)
+
+set(pc_pegasus_libs "")
+set(pc_pegasus_cflags "")
+if(MPUEVENT_PEGASUS STREQUAL "system")
+    set(pc_pegasus_libs " -L${PEGASUS_HOME}/lib -lpegprovider -lpegcommon")
+    get_target_property(definitions mpuevent_pegasus INTERFACE_COMPILE_DEFINITIONS)
+    list(TRANSFORM definitions PREPEND " -D")
+    list(JOIN definitions "" definitions)
+    set(pc_pegasus_cflags " -isystem ${PEGASUS_ROOT}/src${definitions}")
+endif()
+# Relative, so that an installed tree can be moved.
+cmake_path(SET pc_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${pc_dir} OUTPUT_VARIABLE pc_prefix)
+configure_file(cmake/mpuevent.pc.in mpuevent.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/mpuevent.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT development)
+install(FILES docs/libMPUEvent.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
+
+# ---- command -----------------------------------------------------------------------------------
+
+if(TARGET mpuevent)
+    install(TARGETS mpuevent RUNTIME COMPONENT command)
+
+    # Manual page and completions come from the option table of the program just built.
+    set(describe ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:mpuevent> --describe)
+    add_custom_command(OUTPUT mpuevent.1 mpuevent.bash _mpuevent
+        COMMAND ${describe} man > mpuevent.1
+        COMMAND ${describe} bash > mpuevent.bash
+        COMMAND ${describe} zsh > _mpuevent
+        DEPENDS mpuevent VERBATIM)
+    add_custom_target(mpuevent_describe ALL DEPENDS mpuevent.1 mpuevent.bash _mpuevent)
+    install(FILES ${PROJECT_BINARY_DIR}/mpuevent.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+        COMPONENT command)
+    install(FILES ${PROJECT_BINARY_DIR}/mpuevent.bash RENAME mpuevent
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command)
+    install(FILES ${PROJECT_BINARY_DIR}/_mpuevent
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT command)
+endif()
+
+# ---- Debian packages: cpack in a build folder configured for the prefix /usr -------------------
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "MPUEvent maintainers <maintainers@localhost>")
+set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL library development)
+if(TARGET mpuevent)
+    list(APPEND CPACK_COMPONENTS_ALL command)
+endif()
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libmpuevent1)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "Decoder of a storage controller's event log: library")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmpuevent-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmpuevent1 (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Decoder of a storage controller's event log: headers")
+set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME mpuevent)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION admin)
+set(CPACK_COMPONENT_COMMAND_DESCRIPTION "Decoder of a storage controller's event log: command")
+include(CPack)

@@ -8,7 +8,7 @@ namespace Pegasus::mpu {
 void assignHexBody(String& to, const EmpEvLogMsg_s* record) {
     const std::string_view payload(reinterpret_cast<const char*>(record + 1),
                                    record->evStructLength);
-    StackWriter<1024> body; // beside that of the decoder
+    StackWriter<1024> body;                                  // beside that of the decoder
     body.reserve(2 * payload.size() + sizeof "<Hex></Hex>"); // grows at most once
     body.put("<Hex>").hexBytes(payload).put("</Hex>");
     body.assignTo(to);

@@ -52,7 +52,10 @@ void printAll(Avrel_Event& event, bool isText) {
         require(isUtf8(text), "output is valid UTF-8");
         require(text.ends_with('\n'), "output is whole lines");
         require(std::none_of(text.begin(), text.end(),
-                             [](char c) { return c >= 0 && c < ' ' && c != '\n' && c != '\t'; }),
+                             [](char c) {
+                                 return static_cast<unsigned char>(c) < ' ' && c != '\n' &&
+                                        c != '\t';
+                             }),
                 std::string(name) + " output holds no control characters");
         if (name == "line")
             require(text.find('\n') == text.size() - 1, "a line is one line");

@@ -38,45 +38,61 @@ Capture::Capture(Framing framing, Report report)
       headerSize_(framing == Framing::Message ? mpu::message_header::kSize : 0),
       minimum_(headerSize_ + kRecordHeader), buffer_(new std::uint8_t[kBuffer]) {}
 
-void Capture::open(ByteSource& source) {
+void Capture::open(ByteSource& source, Place place) {
     source_ = &source;
     begin_ = end_ = taken_ = 0;
-    offset_ = 0;
+    offset_ = place.offset;
+    fault_ = std::move(place.fault);
     ended_ = false;
 }
 
 bool Capture::next(Message& message) {
     skip(taken_);
     taken_ = 0;
-    while (have(1)) {
-        std::size_t length = 0;
-        if (const std::string what = fault(); what.empty()) {
-            length = announcedLength(0);
-        } else {
+    waiting_ = false;
+    std::size_t length = 0;
+    while (length == 0) {
+        if (fault_.empty()) {
+            if (!have(1))
+                return false;
+            const std::string what = fault();
+            if (waiting_)
+                return false;
+            if (what.empty()) {
+                length = announcedLength(0);
+                break;
+            }
             if (source_->failure() != 0)
                 return false; // the message is short because the reading was
-            const std::uint64_t from = offset_;
-            std::string then;
-            if (have(minimum_) && looksLikeRecord(0) &&
-                claimedLength(0) <= headerSize_ + kMaxRecord && isBoundary(claimedLength(0))) {
+            const std::string fault = fmt::format("offset {}: {}", offset_, what);
+            if (believeRecord()) {
                 length = claimedLength(0);
-                then = fmt::format("taken as {} bytes, as its record says", length);
-            } else if (search()) {
-                then = fmt::format("going on at offset {}", offset_);
-            } else {
-                then = "nothing found behind it";
+                report_(fmt::format("{}; taken as {} bytes, as its record says", fault, length));
+                break;
             }
-            report_(fmt::format("offset {}: {}; {}", from, what, then));
-            if (length == 0)
-                continue;
+            if (waiting_)
+                return false;
+            fault_ = fault;
+            skip(1);
         }
-        message.offset = offset_;
-        message.header = {at(0), headerSize_};
-        message.record = {at(headerSize_), length - headerSize_};
-        taken_ = length;
-        return true;
+        const bool found = search();
+        if (waiting_)
+            return false;
+        report_(found ? fmt::format("{}; going on at offset {}", fault_, offset_)
+                      : fault_ + "; nothing found behind it");
+        fault_.clear();
     }
-    return false;
+    message.offset = offset_;
+    message.header = {at(0), headerSize_};
+    message.record = {at(headerSize_), length - headerSize_};
+    taken_ = length;
+    return true;
+}
+
+// Whether the record's own length leads on where the message's does not.
+bool Capture::believeRecord() {
+    return have(minimum_) && looksLikeRecord(0) && claimedLength(0) <= headerSize_ + kMaxRecord &&
+           isBoundary(claimedLength(0));
 }
 
 // What is wrong with the message at the current position, as "found (wanted)"; empty if nothing is.
@@ -116,14 +132,17 @@ std::string Capture::fault() {
                        record[146], record[147], record[148]);
 }
 
-// Goes to the next plausible message. False, and to the end of the input, if there is none.
+// Goes to the next plausible message, which may be the current one. False, and to the end of the
+// input, if there is none.
 bool Capture::search() {
-    while (have(minimum_ + 1)) {
-        skip(1);
+    for (; have(minimum_); skip(1)) {
         if (isMessage(0) && isBoundary(announcedLength(0)))
             return true;
+        if (waiting_)
+            return false;
     }
-    skip(end_ - begin_);
+    if (!waiting_)
+        skip(end_ - begin_);
     return false;
 }
 
@@ -138,7 +157,10 @@ bool Capture::isMessage(std::size_t ahead) {
 bool Capture::isBoundary(std::size_t ahead) {
     if (have(ahead + minimum_))
         return lengthsAgree(ahead) || looksLikeRecord(ahead);
-    return have(ahead) && !have(ahead + 1);
+    const bool end = have(ahead) && !have(ahead + 1);
+    if (end)
+        waiting_ = false; // answered: messages are written whole
+    return end;
 }
 
 bool Capture::lengthsAgree(std::size_t ahead) const {
@@ -178,7 +200,11 @@ bool Capture::have(std::size_t count) {
             begin_ = 0;
         }
         const std::size_t got = source_->read(buffer_.get() + end_, kBuffer - end_);
-        ended_ = got == 0;
+        if (got == 0) {
+            waiting_ = source_->growing();
+            ended_ = !waiting_;
+            return false;
+        }
         end_ += got;
     }
     return true;

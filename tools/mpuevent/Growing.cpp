@@ -19,19 +19,20 @@ int GrowingFile::poll(Capture& capture, const Each& each, bool last) {
     struct stat now;
     if (::fstat(descriptor_, &now) != 0)
         return errno;
-    const bool same = now.st_size == status_.st_size;
-    if (same && failure_ == 0 && !last)
+    if (now.st_size == status_.st_size && failure_ == 0 && !last)
         return 0;
     if (static_cast<std::uint64_t>(now.st_size) < place_.offset)
         place_ = {};
-    status_ = now;
     failure_ = 0;
     growing_ = !last;
     next_ = place_.offset;
-    capture.open(*this, std::move(place_));
-    for (Message message; capture.next(message);)
+    capture.open(*this, place_);
+    for (Message message; capture.next(message);) {
+        place_ = {message.offset, {}}; // to begin with again when it can't be taken now
         each(message);
+    }
     place_ = capture.place();
+    status_ = now; // more may have come meanwhile: the next call looks again
     return failure_;
 }
 

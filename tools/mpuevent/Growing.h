@@ -24,7 +24,8 @@ public:
     // Hands over the messages that came since the last call; one that is not whole yet waits for
     // its rest, unless this is the `last` call. A file that has become shorter than what was read
     // of it is a new one under the old inode, and read from its start. Returns the errno of a
-    // failure or 0; the next call goes on where this one stopped.
+    // failure or 0. The next call goes on where this one stopped; when `each` throws, with the same
+    // message.
     int poll(Capture& capture, const Each& each, bool last = false);
 
 private:

@@ -6,7 +6,10 @@
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <set>
 #include <sstream>
+#include <thread>
+#include <unistd.h>
 
 namespace Pegasus::test {
 
@@ -425,7 +428,7 @@ TEST_F(Provider, NewEventsOfTheSeverityAreHandedOn) {
     write(spool_ / "a", message(9, 3));
     log.poll();
     EXPECT_EQ(taken.size(), 4u);
-    write(spool_ / "a", std::string(20, '\1') + message(10) + message(11));
+    write(spool_ / "a", std::string(20, '\1') + message(10) + message(11) + message(12));
     log.poll();
     EXPECT_EQ(log.state().faults, 1u);
     EXPECT_EQ(log.state().lastFault, reports_.at(0));

@@ -75,27 +75,41 @@ TEST_F(Growing, WaitsForTheRest) {
     EXPECT_TRUE(reports_.empty());
 }
 
-// In whatever pieces damage arrives, the same is found and reported as in the whole file.
+// In whatever pieces damage arrives, the same is found as in the whole file.
 TEST_F(Growing, DamageWaitsForWhatFollows) {
     std::string wrong = message(2);
     mpu::storeBig(&wrong[10], std::uint16_t(250)); // leads to nothing, the record does
     const std::string all = message(1) + std::string(300, '\1') + message(5) + wrong + message(3) +
                             std::string(100, '\xff') + message(4) + message(6);
-    std::string got;
-    for (std::size_t at = 0; at < all.size(); at += 13) {
-        append(all.substr(at, 13));
-        got += poll();
+    for (const std::size_t step : {1u, 13u, 216u, 500u}) {
+        reports_.clear();
+        empty();
+        EXPECT_EQ(poll(), "");
+        std::string got;
+        for (std::size_t at = 0; at < all.size(); at += step) {
+            append(all.substr(at, step));
+            got += poll();
+        }
+        EXPECT_EQ(got, "1@0 5@516 2@732 3@948 4@1264 6@1480 ") << step;
+        EXPECT_EQ(reports_.size(), 3u) << step;
     }
-    got += poll(true);
-    EXPECT_EQ(got, "1@0 5@516 2@732 3@948 4@1264 6@1480 ");
-    const std::vector<std::string> found = reports_;
-    reports_.clear();
-    MemorySource memory(all.data(), all.size());
-    capture_.open(memory);
-    for (Message m; capture_.next(m);) {
-    }
-    EXPECT_EQ(found, reports_);
-    EXPECT_EQ(found.size(), 3u);
+}
+
+// A length that is wrong must not hide what follows until that much has come.
+TEST_F(Growing, OneWholeMessageBehindDamageIsEnough) {
+    append(message(1) + std::string(100, '\xff') + message(2).substr(0, 215));
+    EXPECT_EQ(poll(), "1@0 ");
+    append(message(2).substr(215));
+    EXPECT_EQ(poll(), "2@316 ");
+    EXPECT_THAT(reports_,
+                testing::ElementsAre("offset 216: message length 65535 is not confirmed by "
+                                     "the record's; going on at offset 316"));
+    const auto stopped = RecordBuilder(23, 101).u32(36, 1).message(); // while it was written
+    append(std::string(stopped.begin(), stopped.begin() + 100) + message(4));
+    EXPECT_EQ(poll(), "4@632 ");
+    append(message(5));
+    EXPECT_EQ(poll(), "5@848 ");
+    EXPECT_EQ(reports_.size(), 2u);
 }
 
 TEST_F(Growing, ReportsAnUnfinishedMessageAtTheLast) {

@@ -55,9 +55,13 @@ bool Capture::next(Message& message) {
         if (fault_.empty()) {
             if (!have(1))
                 return false;
-            const std::string what = fault();
-            if (waiting_)
-                return false;
+            std::string what = fault();
+            if (waiting_) {
+                if (isConfirmed() || !messageAhead())
+                    return false;
+                what = fmt::format("message length {} is not confirmed by the record's",
+                                   announcedLength(0));
+            }
             if (what.empty()) {
                 length = announcedLength(0);
                 break;
@@ -70,7 +74,7 @@ bool Capture::next(Message& message) {
                 report_(fmt::format("{}; taken as {} bytes, as its record says", fault, length));
                 break;
             }
-            if (waiting_)
+            if (waiting_ && !messageAhead())
                 return false;
             fault_ = fault;
             skip(1);
@@ -87,6 +91,21 @@ bool Capture::next(Message& message) {
     message.record = {at(headerSize_), length - headerSize_};
     taken_ = length;
     return true;
+}
+
+// Whether what is there speaks for an unfinished message.
+bool Capture::isConfirmed() const {
+    return end_ - begin_ < minimum_ || (headerSize_ == 0 ? looksLikeRecord(0) : lengthsAgree(0));
+}
+
+// Whether a whole message is there behind the beginning of the current one: no sense in waiting for
+// the rest of this one then.
+bool Capture::messageAhead() {
+    bool found = false;
+    for (std::size_t ahead = 1; !found && ahead + minimum_ <= end_ - begin_; ++ahead)
+        found = standsAlone(ahead);
+    waiting_ = !found;
+    return found;
 }
 
 // Whether the record's own length leads on where the message's does not.
@@ -136,7 +155,7 @@ std::string Capture::fault() {
 // input, if there is none.
 bool Capture::search() {
     for (; have(minimum_); skip(1)) {
-        if (isMessage(0) && isBoundary(announcedLength(0)))
+        if (standsAlone(0))
             return true;
         if (waiting_)
             return false;
@@ -153,14 +172,24 @@ bool Capture::isMessage(std::size_t ahead) {
            claimedLength(ahead) <= headerSize_ + kMaxRecord;
 }
 
+// Whether a message is here for sure: by its looks and by what is behind it, be it nothing for now.
+bool Capture::standsAlone(std::size_t ahead) {
+    if (!isMessage(ahead))
+        return false;
+    const std::size_t end = ahead + announcedLength(ahead);
+    if (isBoundary(end))
+        return true;
+    if (end != end_ - begin_)
+        return false;
+    waiting_ = false;
+    return true;
+}
+
 // Whether a message may end here.
 bool Capture::isBoundary(std::size_t ahead) {
     if (have(ahead + minimum_))
         return lengthsAgree(ahead) || looksLikeRecord(ahead);
-    const bool end = have(ahead) && !have(ahead + 1);
-    if (end)
-        waiting_ = false; // answered: messages are written whole
-    return end;
+    return have(ahead) && !have(ahead + 1) && !waiting_;
 }
 
 bool Capture::lengthsAgree(std::size_t ahead) const {

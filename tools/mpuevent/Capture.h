@@ -32,7 +32,7 @@ struct Place {
 //
 // A source that may yet grow does not end the capture where its bytes end: what can't be judged
 // without what follows is left for later. Only a message whose two lengths disagree has to wait so,
-// and damage.
+// and damage, until a whole message stands behind it.
 //
 // Damage is reported and reading goes on:
 //   - A message must have room for a record header and end inside the input. One whose length
@@ -70,10 +70,13 @@ private:
     bool looksLikeRecord(std::size_t ahead) const;
     bool lengthsAgree(std::size_t ahead) const;
     bool isMessage(std::size_t ahead);
+    bool standsAlone(std::size_t ahead);
     bool isBoundary(std::size_t ahead);
     std::string fault();
     bool search();
     bool believeRecord();
+    bool isConfirmed() const;
+    bool messageAhead();
 
     Report report_;
     std::size_t headerSize_; // of the message in front of the record

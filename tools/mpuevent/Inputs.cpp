@@ -54,23 +54,16 @@ void Inputs::addOptions(CLI::App& app) {
         ->capture_default_str();
 }
 
-Status Inputs::read(const std::function<bool(const Message&)>& each,
-                    const std::function<void()>& before) const {
+void Inputs::read(Sink& sink) const {
     const Input& input = rowOf(kInputs, input_);
-    Status status = kFine;
     std::string name;
     unsigned reports = 0;
     const Report report = [&](const std::string& what) {
-        status = std::max(status, kDamaged);
-        if (++reports > kMaxReports)
-            return;
-        before();
-        complain("{}: {}", name, what);
+        if (++reports <= kMaxReports)
+            sink.complaint(kDamaged, fmt::format("{}: {}", name, what));
     };
     const auto fail = [&](int error) {
-        status = kFailed;
-        before();
-        complain("{}: {}", name, std::strerror(error));
+        sink.complaint(kFailed, fmt::format("{}: {}", name, std::strerror(error)));
     };
 
     Capture capture(input.framing, report);
@@ -90,15 +83,13 @@ Status Inputs::read(const std::function<bool(const Message&)>& each,
         capture.open(hex ? static_cast<ByteSource&>(*hex) : bytes);
         Message message;
         while (more && capture.next(message))
-            more = each(message);
-        if (reports > kMaxReports) {
-            before();
-            complain("{}: {} more faults", name, reports - kMaxReports);
-        }
+            more = sink.take(message);
+        if (reports > kMaxReports)
+            sink.complaint(kDamaged,
+                           fmt::format("{}: {} more faults", name, reports - kMaxReports));
         if (bytes.failure() != 0)
             fail(bytes.failure());
     }
-    return status;
 }
 
 const std::string* Inputs::find(const std::string& path) const {

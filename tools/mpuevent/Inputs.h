@@ -10,14 +10,22 @@
 
 namespace Pegasus::tool {
 
+// Takes what the captures hold, in order.
+class Sink {
+public:
+    virtual ~Sink() = default;
+    // Returns false when it wants no more.
+    virtual bool take(const Message& message) = 0;
+    // What is wrong with an input at this place, and what it makes of the exit status.
+    virtual void complaint(Status status, const std::string& text) = 0;
+};
+
 class Inputs {
 public:
     void addOptions(CLI::App& app);
 
-    // Hands over every message of every file in order, until `each` returns false. Faults are
-    // reported and passed over; `before` is called ahead of each report.
-    Status read(const std::function<bool(const Message&)>& each,
-                const std::function<void()>& before) const;
+    // Hands over every message of every file in order. Faults are passed over.
+    void read(Sink& sink) const;
 
     // The one of the files that `path` names too, or null.
     const std::string* find(const std::string& path) const;

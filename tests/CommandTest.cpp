@@ -38,8 +38,9 @@ TEST_F(CommandTest, Usage) {
         {"", "mpuevent: which command? \"mpuevent --help\" lists them\n"},
         {"encode", "mpuevent: The following argument was not expected: encode; \"mpuevent --help\" "
                    "tells more\n"},
-        {"decode --format yaml", "mpuevent: --format: yaml not in {text,line,json}; \"mpuevent "
-                                 "--help\" tells more\n"},
+        {"decode --format yaml",
+         "mpuevent: --format: yaml not in {text,brief,line,json,xml,csv}; \"mpuevent "
+         "--help\" tells more\n"},
         {"decode --input pcap", "mpuevent: --input: pcap not in {cmap,record,hex,hex-record}; "
                                 "\"mpuevent --help\" tells more\n"},
         {"decode --formt json",
@@ -161,7 +162,7 @@ TEST_F(CommandTest, TraceGoesToStandardError) {
     const auto all = RecordBuilder(77, 1).message();
     write("input", {all.begin(), all.end()});
     EXPECT_EQ(run("decode").err, "");
-    const Result traced = run("decode --format line --trace");
+    const Result traced = run("decode --format line --trace --source 77");
     EXPECT_THAT(traced.err, HasSubstr(" Avrel_Event:176               :----: "
                                       "Avrel_Event::sourceFromEmpValue() has no case for source # "
                                       "77\n"));

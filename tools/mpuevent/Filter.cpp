@@ -165,12 +165,10 @@ void FilterOptions::addOptions(CLI::App& app) {
             const std::string name = std::string(negated ? "--not-" : "--") + row.name;
             const auto take = [this, &row, negated, name](const std::vector<std::string>& values) {
                 try {
-                    for (const std::string& value : values)
-                        row.header ? (void)row.header(value) : (void)row.event(value);
+                    this->take(row, negated, values);
                 } catch (const Wrong& wrong) {
                     throw CLI::ValidationError(name, wrong.what);
                 }
-                given_.push_back({&row, negated, values});
             };
             app.add_option_function<std::vector<std::string>>(
                    name, take,
@@ -181,27 +179,36 @@ void FilterOptions::addOptions(CLI::App& app) {
         }
     app.add_option("--limit", limit, "Stop after so many events")
         ->type_name("N")
-        ->check(CLI::Range(std::uint64_t(1), UINT64_MAX))
+        ->check(CLI::Range(std::uint64_t(1), UINT64_MAX).description(""))
         ->group("Filters");
 }
 
-Filter::Filter(const FilterOptions& options) {
-    for (const FilterOptions::Given& given : options.given_) {
-        if (given.row->header) {
-            headerRules_.push_back({given.negated, {}});
-            for (const std::string& value : given.values)
-                headerRules_.back().any.push_back(given.row->header(value));
-        } else {
-            eventRules_.push_back({given.negated, {}});
-            for (const std::string& value : given.values)
-                eventRules_.back().any.push_back(given.row->event(value));
-        }
+void FilterOptions::take(const FilterRow& row, bool negated,
+                         const std::vector<std::string>& values) {
+    if (row.header) {
+        headerRules_.push_back({negated, {}});
+        for (const std::string& value : values)
+            headerRules_.back().any.push_back(row.header(value));
+        return;
+    }
+    eventRules_.push_back({negated, {}});
+    for (const std::string& value : values) {
+        (void)row.event(value); // is it right?
+        eventRules_.back().any.push_back([&row, value] { return row.event(value); });
+    }
+}
+
+Filter::Filter(const FilterOptions& options) : headerRules_(options.headerRules_) {
+    for (const auto& [negated, any] : options.eventRules_) {
+        eventRules_.push_back({negated, {}});
+        for (const auto& make : any)
+            eventRules_.back().any.push_back(make());
     }
 }
 
 template <class Test, class Subject>
-bool Filter::all(const std::vector<Rule<Test>>& rules, const Subject& subject) {
-    return std::all_of(rules.begin(), rules.end(), [&](const Rule<Test>& rule) {
+bool Filter::all(const std::vector<FilterRule<Test>>& rules, const Subject& subject) {
+    return std::all_of(rules.begin(), rules.end(), [&](const FilterRule<Test>& rule) {
         return rule.negated != std::any_of(rule.any.begin(), rule.any.end(),
                                            [&](const Test& test) { return test(subject); });
     });

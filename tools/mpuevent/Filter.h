@@ -21,6 +21,16 @@ constexpr unsigned severityOf(unsigned eventType) {
 
 struct FilterRow;
 
+using HeaderTest = std::function<bool(const EmpEvLogMsg_s&)>;
+using EventTest = std::function<bool(const Avrel_Event&)>;
+
+// What is wanted by one option: what passes any of the tests, or none when negated.
+template <class Test>
+struct FilterRule {
+    bool negated;
+    std::vector<Test> any;
+};
+
 // What the filter options say. Each has a twin that begins with "--not-" and leaves out what the
 // option keeps. An option that is given more than once keeps what any of its values does; an event
 // must pass all options.
@@ -32,18 +42,13 @@ public:
 
 private:
     friend class Filter;
-    struct Given {
-        const FilterRow* row;
-        bool negated;
-        std::vector<std::string> values;
-    };
-    std::vector<Given> given_;
-};
+    void take(const FilterRow& row, bool negated, const std::vector<std::string>& values);
 
-// Says whether a record's header can't be wanted, or an event is; nothing when it depends on what
-// the test is not for.
-using HeaderTest = std::function<bool(const EmpEvLogMsg_s&)>;
-using EventTest = std::function<bool(const Avrel_Event&)>;
+    std::vector<FilterRule<HeaderTest>> headerRules_;
+    // What makes the tests of an event: these hold scratch memory.
+    using MakeTest = std::function<EventTest()>;
+    std::vector<FilterRule<MakeTest>> eventRules_;
+};
 
 // Applies the options. Holds scratch memory: one for each thread.
 class Filter {
@@ -57,16 +62,11 @@ public:
     std::unique_ptr<Avrel_Event> decode(const Message& message) const;
 
 private:
-    template <class Test>
-    struct Rule {
-        bool negated;
-        std::vector<Test> any;
-    };
     template <class Test, class Subject>
-    static bool all(const std::vector<Rule<Test>>& rules, const Subject& subject);
+    static bool all(const std::vector<FilterRule<Test>>& rules, const Subject& subject);
 
-    std::vector<Rule<HeaderTest>> headerRules_;
-    std::vector<Rule<EventTest>> eventRules_;
+    const std::vector<FilterRule<HeaderTest>> headerRules_;
+    std::vector<FilterRule<EventTest>> eventRules_;
 };
 
 } // namespace Pegasus::tool

@@ -14,7 +14,7 @@ namespace {
 
 constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
-    {"formats", "Print the record reference, from the layout tables", addFormats},
+    {"formats", "Print the record reference or the JSON Schema", addFormats},
     {"sample", "Write a demonstration capture", addSample},
 };
 
@@ -71,6 +71,8 @@ int main(int argc, char** argv) {
         return tool::run(argc, argv);
     } catch (const std::bad_alloc&) {
         tool::complain("out of memory");
-        return tool::kFailed;
+    } catch (const std::exception& error) {
+        tool::complain(error.what());
     }
+    return tool::kFailed;
 }

@@ -23,5 +23,6 @@ struct Command {
 Runner addDecode(CLI::App& app);
 Runner addFormats(CLI::App& app);
 Runner addSample(CLI::App& app);
+Runner addSummary(CLI::App& app);
 
 } // namespace Pegasus::tool

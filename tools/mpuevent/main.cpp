@@ -14,6 +14,7 @@ namespace {
 
 constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
+    {"summary", "Count what captures hold", addSummary},
     {"formats", "Print the record reference or the JSON Schema", addFormats},
     {"sample", "Write a demonstration capture", addSample},
 };

@@ -1,15 +1,21 @@
 // mpuevent decode: the events of captures, one by one.
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Events.h"
+#include "tools/mpuevent/Jobs.h"
+
+#include <thread>
 
 namespace Pegasus::tool {
 
 namespace {
 
+constexpr unsigned kMaxJobs = 256;
+
 struct Options {
     Inputs inputs;
     EventOptions events;
     std::string output = "-";
+    unsigned jobs = 1;
 };
 
 Status decode(const Options& options) {
@@ -18,9 +24,14 @@ Status decode(const Options& options) {
     Output output;
     if (!output.open(options.output))
         return kFailed;
-    EventWriter writer(options.events, output);
-    options.inputs.read(writer);
-    return writer.finish();
+    const auto by = [&](auto&& writer) {
+        options.inputs.read(writer);
+        return writer.finish();
+    };
+    const unsigned jobs = options.jobs ? options.jobs : std::thread::hardware_concurrency();
+    if (jobs <= 1)
+        return by(EventWriter(options.events, output));
+    return by(ParallelWriter(options.events, std::min(jobs, kMaxJobs), output));
 }
 
 } // namespace
@@ -30,6 +41,10 @@ Runner addDecode(CLI::App& app) {
     options->inputs.addOptions(app);
     options->events.addOptions(app);
     addOutput(app, options->output);
+    app.add_option("--jobs,-j", options->jobs, "Decode on so many threads; 0: one a processor")
+        ->type_name("N")
+        ->check(CLI::Range(0u, kMaxJobs))
+        ->capture_default_str();
     return [options] { return decode(*options); };
 }
 

@@ -15,6 +15,7 @@ namespace {
 constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
     {"summary", "Count what captures hold", addSummary},
+    {"report", "Make a page of captures, for a browser", addReport},
     {"formats", "Print the record reference or the JSON Schema", addFormats},
     {"sample", "Write a demonstration capture", addSample},
 };

@@ -16,6 +16,7 @@ constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
     {"summary", "Count what captures hold", addSummary},
     {"report", "Make a page of captures, for a browser", addReport},
+    {"follow", "Decode a capture as it grows", addFollow},
     {"formats", "Print the record reference or the JSON Schema", addFormats},
     {"sample", "Write a demonstration capture", addSample},
 };

@@ -61,6 +61,24 @@ TEST_F(CommandTest, Usage) {
     EXPECT_EQ(run("--help").status, 0);
 }
 
+// The examples that --help shows do work.
+TEST_F(CommandTest, Examples) {
+    ASSERT_EQ(run("sample --output eventlog.cap").status, 0);
+    write("mail.txt", hexOf(message(1)));
+    const std::string help = run("--help").out;
+    EXPECT_THAT(help, HasSubstr("Which drive failed, and when?\n    mpuevent decode "));
+    std::size_t examples = 0;
+    std::stringstream lines(help);
+    for (std::string line; std::getline(lines, line);)
+        if (line.starts_with("    mpuevent ")) {
+            line.resize(std::min(line.find(" |"), line.size()));
+            const std::string limit = line.find(" follow ") == line.npos ? "" : " --limit 1";
+            EXPECT_EQ(run(line.substr(13) + limit).status, 0) << line << read("err");
+            ++examples;
+        }
+    EXPECT_GE(examples, 8u);
+}
+
 TEST_F(CommandTest, ReadsStandardInputAndFiles) {
     write("input", message(1));
     write("two", message(2) + message(3));

@@ -10,9 +10,10 @@ set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MPUEvent)
 # Public is what a caller or a decoder outside of the library needs. None of it may include what is
 # not installed: scripts/test-install compiles each header by itself.
 file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
-    decoders/*/*_Event.h decoders/*/*_Events.h platform/cmap/*.h)
+    decoders/*/*_Event.h platform/cmap/*.h)
 list(FILTER headers EXCLUDE REGEX "_Layouts\\.h$")
 list(APPEND headers
+    decoders/generic/Unhandled.h
     decoders/management/LocationBlock.h
     event/AvrelEvent.h
     event/Avrel_Event.h

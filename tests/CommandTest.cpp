@@ -1,12 +1,8 @@
 // The command as its users see it: arguments and bytes in, texts and exit status out.
-#include "tests/RecordBuilder.h"
+#include "tests/CommandFixture.h"
 
-#include <fstream>
 #include <gmock/gmock.h>
-#include <iterator>
 #include <nlohmann/json.hpp>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace Pegasus::test {
 
@@ -14,58 +10,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::StartsWith;
-
-struct Result {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-// Runs the command in a folder of its own.
-class CommandTest : public testing::Test {
-protected:
-    void SetUp() override {
-        if (std::string_view(MPUEVENT_COMMAND).empty())
-            GTEST_SKIP() << "built without the command";
-        folder_ = testing::TempDir() + "mpueventXXXXXX";
-        ASSERT_NE(mkdtemp(folder_.data()), nullptr);
-        write("input", "");
-    }
-    void TearDown() override {
-        if (!folder_.empty()) {
-            EXPECT_EQ(std::system(("rm -r '" + folder_ + "'").c_str()), 0);
-        }
-    }
-
-    void write(const std::string& name, const std::string& bytes) {
-        std::ofstream(folder_ + "/" + name, std::ios::binary) << bytes;
-    }
-    std::string read(const std::string& name) const {
-        std::ifstream in(folder_ + "/" + name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    // The exit status of a shell script, -1 when it did not end by itself. $mpuevent is the
-    // command.
-    int shell(const std::string& script) {
-        const int status =
-            std::system(("cd '" + folder_ +
-                         "' && mpuevent='" MPUEVENT_EMULATOR " " MPUEVENT_COMMAND "' && " + script)
-                            .c_str());
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    // `arguments` are the shell's; the file "input" is the standard input.
-    Result run(const std::string& arguments) {
-        const int status = shell("$mpuevent <input >out 2>err " + arguments);
-        return {status, read("out"), read("err")};
-    }
-
-    std::string folder_;
-};
-
-std::string message(std::uint32_t sequence) {
-    const auto all = RecordBuilder(23, 101).sequence(sequence).message();
-    return {all.begin(), all.end()};
-}
 
 std::string line(std::uint32_t sequence) {
     return "Enclosure Ser#: 'ENC-1', Card Ser#: 'CTL-1', Slot: 0, Log Instance # 0, Sequence ID=" +
@@ -94,8 +38,9 @@ TEST_F(CommandTest, Usage) {
         {"", "mpuevent: which command? \"mpuevent --help\" lists them\n"},
         {"encode", "mpuevent: The following argument was not expected: encode; \"mpuevent --help\" "
                    "tells more\n"},
-        {"decode --format yaml", "mpuevent: --format: yaml not in {text,line,json}; \"mpuevent "
-                                 "--help\" tells more\n"},
+        {"decode --format yaml",
+         "mpuevent: --format: yaml not in {text,brief,line,json,xml,csv}; \"mpuevent "
+         "--help\" tells more\n"},
         {"decode --input pcap", "mpuevent: --input: pcap not in {cmap,record,hex,hex-record}; "
                                 "\"mpuevent --help\" tells more\n"},
         {"decode --formt json",
@@ -114,6 +59,24 @@ TEST_F(CommandTest, Usage) {
     EXPECT_THAT(run("decode --help").out, HasSubstr("--output"));
     EXPECT_THAT(run("--version").out, testing::MatchesRegex("mpuevent [0-9]+\\.[0-9]+\\.[0-9]+\n"));
     EXPECT_EQ(run("--help").status, 0);
+}
+
+// The examples that --help shows do work.
+TEST_F(CommandTest, Examples) {
+    ASSERT_EQ(run("sample --output eventlog.cap").status, 0);
+    write("mail.txt", hexOf(message(1)));
+    const std::string help = run("--help").out;
+    EXPECT_THAT(help, HasSubstr("Which drive failed, and when?\n    mpuevent decode "));
+    std::size_t examples = 0;
+    std::stringstream lines(help);
+    for (std::string line; std::getline(lines, line);)
+        if (line.starts_with("    mpuevent ")) {
+            line.resize(std::min(line.find(" |"), line.size()));
+            const std::string limit = line.find(" follow ") == line.npos ? "" : " --limit 1";
+            EXPECT_EQ(run(line.substr(13) + limit).status, 0) << line << read("err");
+            ++examples;
+        }
+    EXPECT_GE(examples, 8u);
 }
 
 TEST_F(CommandTest, ReadsStandardInputAndFiles) {
@@ -217,7 +180,7 @@ TEST_F(CommandTest, TraceGoesToStandardError) {
     const auto all = RecordBuilder(77, 1).message();
     write("input", {all.begin(), all.end()});
     EXPECT_EQ(run("decode").err, "");
-    const Result traced = run("decode --format line --trace");
+    const Result traced = run("decode --format line --trace --source 77");
     EXPECT_THAT(traced.err, HasSubstr(" Avrel_Event:176               :----: "
                                       "Avrel_Event::sourceFromEmpValue() has no case for source # "
                                       "77\n"));

@@ -28,7 +28,7 @@ std::string print(std::unique_ptr<Printer> printer, Avrel_Event& event) {
 std::string body(const std::string& text) {
     Avrel_Event event(nullptr, 0);
     event.setBody(String(text.c_str()));
-    const std::string all = print(makeTextPrinter(), event);
+    const std::string all = print(makeTextPrinter({}), event);
     const std::size_t at = all.find("  Body:\n");
     return at == std::string::npos ? "" : all.substr(at + 8);
 }
@@ -48,16 +48,17 @@ TEST(TextPrinter, Event) {
     event.setEventLogInstanceNumber(5);
     event.setTimestamp(6);
     event.setBody("<A>1</A> ");
-    EXPECT_EQ(print(makeTextPrinter(), event), "Event 4000000000: Eng Warning, I/O Mgr, Hardware\n"
-                                               "  Title: Lock Event\n"
-                                               "  Summary: one\\ntwo\n"
-                                               "  Controller: \\x1B[31mred\\x7F\\u009B\xc3\xa9\t.\n"
-                                               "  Slot: 4294967295\n"
-                                               "  Log: 5\n"
-                                               "  Time: 6\n"
-                                               "  Body:\n"
-                                               "    A: 1\n"
-                                               "\n");
+    EXPECT_EQ(print(makeTextPrinter({}), event),
+              "Event 4000000000: Eng Warning, I/O Mgr, Hardware\n"
+              "  Title: Lock Event\n"
+              "  Summary: one\\ntwo\n"
+              "  Controller: \\x1B[31mred\\x7F\\u009B\xc3\xa9\t.\n"
+              "  Slot: 4294967295\n"
+              "  Log: 5\n"
+              "  Time: 6\n"
+              "  Body:\n"
+              "    A: 1\n"
+              "\n");
 }
 
 TEST(TextPrinter, Body) {
@@ -121,7 +122,7 @@ TEST(LinePrinter, EscapesLineBreaks) {
     Avrel_Event event(nullptr, 0);
     event.setSummary("a\r\nb\\n");
     event.setBody("\x01");
-    EXPECT_EQ(print(makeLinePrinter(), event),
+    EXPECT_EQ(print(makeLinePrinter({}), event),
               "Enclosure Ser#: '', Card Ser#: '', Slot: 0, Log Instance # 0, Sequence ID=0, "
               "Timestamp=0, Source: '', Category: '', EventType=0, EventID: '', Summary: "
               "'a\\r\\nb\\n', Body: '\\x01'\n");
@@ -141,7 +142,7 @@ TEST(JsonPrinter, Event) {
     event.setEventID("Title");
     event.setSummary("<&>");
     event.setBody("<A>1</A>");
-    EXPECT_EQ(print(makeJsonPrinter(), event),
+    EXPECT_EQ(print(makeJsonPrinter({}), event),
               "{\"enclosureSerialNumber\":\"E\\\"\\\\/\",\"controllerSerialNumber\":\"C\\n\x7f\","
               "\"controllerSlotID\":4294967295,\"eventLogInstanceNumber\":2,\"sequenceID\":3,"
               "\"timestamp\":4,\"source\":\"SCC\",\"category\":\"System\",\"eventType\":103,"
@@ -170,7 +171,7 @@ TEST(JsonPrinter, Characters) {
         {units({0x1F}), "\x1f"},
     };
     Avrel_Event event(nullptr, 0);
-    const auto printer = makeJsonPrinter();
+    const auto printer = makeJsonPrinter({});
     for (const auto& c : characters)
         for (std::size_t before = 0; before < 40; ++before)
             for (const std::size_t after : {0u, 1u, 20u}) {
@@ -183,7 +184,7 @@ TEST(JsonPrinter, Characters) {
                 ASSERT_EQ(nlohmann::json::parse(out.view()).at("body"), left + c.utf8 + right);
             }
     event.setBody(units({'a', 0, 'b'}));
-    EXPECT_EQ(nlohmann::json::parse(print(makeJsonPrinter(), event)).at("body"),
+    EXPECT_EQ(nlohmann::json::parse(print(makeJsonPrinter({}), event)).at("body"),
               std::string("a\0b", 3));
 }
 

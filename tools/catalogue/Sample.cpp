@@ -88,7 +88,7 @@ std::string SampleWriter::record(const Module& module, const Section& section) {
     header.sequenceId = ++made_;
     header.timestamp = 0x4AF00000u + 60 * made_;
     header.source = module.source;
-    header.eventType = static_cast<std::uint8_t>((below(4) == 0 ? 101 : 1) + 2);
+    header.eventType = static_cast<std::uint8_t>((below(4) == 0 ? 101 : 1) + made_ % 3);
     header.category = static_cast<std::uint8_t>(1 + module.source % 14);
     record.replace(0, kHeader, reinterpret_cast<const char*>(&header), kHeader);
     for (const Key& key : section.keys)

@@ -21,6 +21,8 @@ public:
     virtual std::size_t read(std::uint8_t* to, std::size_t room) = 0;
     // The errno of the failure that ended the reading, or 0.
     virtual int failure() const { return 0; }
+    // Whether there may be more than was read so far, although nothing is there now.
+    virtual bool growing() const { return false; }
 };
 
 // A file descriptor that the caller owns.

@@ -38,54 +38,90 @@ Capture::Capture(Framing framing, Report report)
       headerSize_(framing == Framing::Message ? mpu::message_header::kSize : 0),
       minimum_(headerSize_ + kRecordHeader), buffer_(new std::uint8_t[kBuffer]) {}
 
-void Capture::open(ByteSource& source) {
+void Capture::open(ByteSource& source, Place place) {
     source_ = &source;
     begin_ = end_ = taken_ = 0;
-    offset_ = 0;
+    offset_ = place.offset;
+    fault_ = std::move(place.fault);
     ended_ = false;
 }
 
 bool Capture::next(Message& message) {
     skip(taken_);
     taken_ = 0;
-    while (have(1)) {
-        std::size_t length = 0;
-        if (const std::string what = fault(); what.empty()) {
-            length = announcedLength(0);
-            if (const std::size_t next = messageWithin(length); next != 0) {
-                report_(
-                    fmt::format("offset {}: {} length {} ({} wanted: there the next one begins)",
-                                offset_, headerSize_ == 0 ? "record" : "message", length, next));
-                // Its header is handed out in any case: who knows on which side bytes are missing.
-                length = std::max(next, minimum_);
-                taken_ = next;
+    waiting_ = false;
+    std::size_t length = 0;
+    while (length == 0) {
+        if (fault_.empty()) {
+            if (!have(1))
+                return false;
+            std::string what = fault();
+            if (waiting_) {
+                if (isConfirmed() || !messageAhead())
+                    return false;
+                what = fmt::format("message length {} is not confirmed by the record's",
+                                   announcedLength(0));
             }
-        } else {
+            if (what.empty()) {
+                length = announcedLength(0);
+                if (const std::size_t next = messageWithin(length); next != 0) {
+                    report_(fmt::format(
+                        "offset {}: {} length {} ({} wanted: there the next one begins)", offset_,
+                        headerSize_ == 0 ? "record" : "message", length, next));
+                    // Its header is handed out in any case: who knows on which side bytes are
+                    // missing.
+                    length = std::max(next, minimum_);
+                    taken_ = next;
+                }
+                break;
+            }
             if (source_->failure() != 0)
                 return false; // the message is short because the reading was
-            const std::uint64_t from = offset_;
-            std::string then;
-            if (have(minimum_) && looksLikeRecord(0) &&
-                claimedLength(0) <= headerSize_ + kMaxRecord && isBoundary(claimedLength(0))) {
+            const std::string fault = fmt::format("offset {}: {}", offset_, what);
+            if (believeRecord()) {
                 length = claimedLength(0);
-                then = fmt::format("taken as {} bytes, as its record says", length);
-            } else if (search()) {
-                then = fmt::format("going on at offset {}", offset_);
-            } else {
-                then = "nothing found behind it";
+                report_(fmt::format("{}; taken as {} bytes, as its record says", fault, length));
+                break;
             }
-            report_(fmt::format("offset {}: {}; {}", from, what, then));
-            if (length == 0)
-                continue;
+            if (waiting_ && !messageAhead())
+                return false;
+            fault_ = fault;
+            skip(1);
         }
-        message.offset = offset_;
-        message.header = {at(0), headerSize_};
-        message.record = {at(headerSize_), length - headerSize_};
-        if (taken_ == 0)
-            taken_ = length;
-        return true;
+        const bool found = search();
+        if (waiting_)
+            return false;
+        report_(found ? fmt::format("{}; going on at offset {}", fault_, offset_)
+                      : fault_ + "; nothing found behind it");
+        fault_.clear();
     }
-    return false;
+    message.offset = offset_;
+    message.header = {at(0), headerSize_};
+    message.record = {at(headerSize_), length - headerSize_};
+    if (taken_ == 0)
+        taken_ = length;
+    return true;
+}
+
+// Whether what is there speaks for an unfinished message.
+bool Capture::isConfirmed() const {
+    return end_ - begin_ < minimum_ || (headerSize_ == 0 ? looksLikeRecord(0) : lengthsAgree(0));
+}
+
+// Whether a whole message is there behind the beginning of the current one: no sense in waiting for
+// the rest of this one then.
+bool Capture::messageAhead() {
+    bool found = false;
+    for (std::size_t ahead = 1; !found && ahead + minimum_ <= end_ - begin_; ++ahead)
+        found = standsAlone(ahead);
+    waiting_ = !found;
+    return found;
+}
+
+// Whether the record's own length leads on where the message's does not.
+bool Capture::believeRecord() {
+    return have(minimum_) && looksLikeRecord(0) && claimedLength(0) <= headerSize_ + kMaxRecord &&
+           isBoundary(claimedLength(0));
 }
 
 // What is wrong with the message at the current position, as "found (wanted)"; empty if nothing is.
@@ -125,14 +161,17 @@ std::string Capture::fault() {
                        record[146], record[147], record[148]);
 }
 
-// Goes to the next plausible message. False, and to the end of the input, if there is none.
+// Goes to the next plausible message, which may be the current one. False, and to the end of the
+// input, if there is none.
 bool Capture::search() {
-    while (have(minimum_ + 1)) {
-        skip(1);
-        if (isMessage(0) && isBoundary(announcedLength(0)))
+    for (; have(minimum_); skip(1)) {
+        if (standsAlone(0))
             return true;
+        if (waiting_)
+            return false;
     }
-    skip(end_ - begin_);
+    if (!waiting_)
+        skip(end_ - begin_);
     return false;
 }
 
@@ -154,11 +193,24 @@ bool Capture::isMessage(std::size_t ahead) {
            claimedLength(ahead) <= headerSize_ + kMaxRecord;
 }
 
+// Whether a message is here for sure: by its looks and by what is behind it, be it nothing for now.
+bool Capture::standsAlone(std::size_t ahead) {
+    if (!isMessage(ahead))
+        return false;
+    const std::size_t end = ahead + announcedLength(ahead);
+    if (isBoundary(end))
+        return true;
+    if (end != end_ - begin_)
+        return false;
+    waiting_ = false;
+    return true;
+}
+
 // Whether a message may end here.
 bool Capture::isBoundary(std::size_t ahead) {
     if (have(ahead + minimum_))
         return lengthsAgree(ahead) || looksLikeRecord(ahead);
-    return have(ahead) && !have(ahead + 1);
+    return have(ahead) && !have(ahead + 1) && !waiting_;
 }
 
 bool Capture::lengthsAgree(std::size_t ahead) const {
@@ -198,7 +250,11 @@ bool Capture::have(std::size_t count) {
             begin_ = 0;
         }
         const std::size_t got = source_->read(buffer_.get() + end_, kBuffer - end_);
-        ended_ = got == 0;
+        if (got == 0) {
+            waiting_ = source_->growing();
+            ended_ = !waiting_;
+            return false;
+        }
         end_ += got;
     }
     return true;

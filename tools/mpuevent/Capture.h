@@ -22,7 +22,17 @@ struct Message {
     std::unique_ptr<Avrel_Event> decode() const;
 };
 
+// Where the reading of a capture stands.
+struct Place {
+    std::uint64_t offset = 0; // of what is not dealt with
+    std::string fault;        // found before it: the next message is searched for; or empty
+};
+
 // Hands out one message at a time. Holds a fixed piece of the capture, however long that is.
+//
+// A source that may yet grow does not end the capture where its bytes end: what can't be judged
+// without what follows is left for later. Only a message whose two lengths disagree has to wait so,
+// and damage, until a whole message stands behind it.
 //
 // Damage is reported and reading goes on:
 //   - A message must have room for a record header and end inside the input. One whose length
@@ -42,10 +52,13 @@ class Capture {
 public:
     Capture(Framing framing, Report report);
 
-    // Reads from `source` from now on; the source stays the caller's.
-    void open(ByteSource& source);
-    // False at the end and after a failure of the source. The message lives until the next call.
+    // Reads from `source` from now on; the source stays the caller's, and stands at place.offset.
+    void open(ByteSource& source, Place place = {});
+    // False at the end, after a failure of the source, and when there is nothing more for now. The
+    // message lives until the next call.
     bool next(Message& message);
+    // Behind the message handed out: to go on from later.
+    Place place() const { return {offset_ + taken_, fault_}; }
     // Bytes of the capture dealt with so far.
     std::uint64_t position() const { return offset_; }
 
@@ -58,10 +71,14 @@ private:
     bool looksLikeRecord(std::size_t ahead) const;
     bool lengthsAgree(std::size_t ahead) const;
     bool isMessage(std::size_t ahead);
+    bool standsAlone(std::size_t ahead);
     bool isBoundary(std::size_t ahead);
     std::size_t messageWithin(std::size_t end);
     std::string fault();
     bool search();
+    bool believeRecord();
+    bool isConfirmed() const;
+    bool messageAhead();
 
     Report report_;
     std::size_t headerSize_; // of the message in front of the record
@@ -72,6 +89,8 @@ private:
     std::size_t end_ = 0;
     std::uint64_t offset_ = 0; // of begin_ in the capture
     bool ended_ = true;        // the source has no more
+    bool waiting_ = false;     // an answer needs bytes that are not there yet
+    std::string fault_;        // of the message behind which the next is searched for
     std::size_t taken_ = 0;    // length of the message handed out
 };
 

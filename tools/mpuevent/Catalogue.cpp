@@ -5,6 +5,7 @@
 #include "tools/catalogue/Sample.h"
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Inputs.h"
+#include "tools/mpuevent/Schema.h"
 #include "tools/mpuevent/Utf8.h"
 
 #include <memory>
@@ -48,9 +49,13 @@ void addModule(CLI::App& app, const char* option, std::string& module) {
 
 struct Page {
     const char* name;
-    mpu::Page page;
+    std::string (*make)(std::span<const mpu::Module>);
 };
-constexpr Page kPages[] = {{"text", mpu::Page::Text}, {"markdown", mpu::Page::Markdown}};
+constexpr Page kPages[] = {
+    {"text", [](auto modules) { return mpu::reference(modules, mpu::Page::Text); }},
+    {"markdown", [](auto modules) { return mpu::reference(modules, mpu::Page::Markdown); }},
+    {"json-schema", jsonSchema},
+};
 
 struct FormatsOptions {
     std::string module;
@@ -59,7 +64,7 @@ struct FormatsOptions {
 
 Status formats(const FormatsOptions& options) {
     Output output;
-    output.text().put(mpu::reference(select(options.module), rowOf(kPages, options.format).page));
+    output.text().put(rowOf(kPages, options.format).make(select(options.module)));
     return output.finish();
 }
 
@@ -93,7 +98,9 @@ Status sample(const SampleOptions& options) {
 Runner addFormats(CLI::App& app) {
     const auto options = std::make_shared<FormatsOptions>();
     addModule(app, "module", options->module);
-    app.add_option("--format", options->format, "text or markdown")
+    app.add_option("--format", options->format,
+                   "The record reference (text, markdown), or the schema of decode --format json "
+                   "(json-schema)")
         ->check(CLI::IsMember(namesOf(kPages)))
         ->capture_default_str();
     return [options] { return formats(*options); };
@@ -106,9 +113,7 @@ Runner addSample(CLI::App& app) {
                    "Messages to write, all kinds in turn; 0: one of each kind")
         ->capture_default_str();
     app.add_option("--seed", options->seed, "Other values in the records")->capture_default_str();
-    app.add_option("--output", options->output, "Where to write; \"-\": standard output")
-        ->type_name("FILE")
-        ->capture_default_str();
+    addOutput(app, options->output);
     return [options] { return sample(*options); };
 }
 

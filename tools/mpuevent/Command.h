@@ -21,7 +21,10 @@ struct Command {
 };
 
 Runner addDecode(CLI::App& app);
+Runner addFollow(CLI::App& app);
 Runner addFormats(CLI::App& app);
+Runner addReport(CLI::App& app);
 Runner addSample(CLI::App& app);
+Runner addSummary(CLI::App& app);
 
 } // namespace Pegasus::tool

@@ -1,45 +1,37 @@
 // mpuevent decode: the events of captures, one by one.
-#include "platform/trace/ProviderTraceServices.h"
 #include "tools/mpuevent/Command.h"
-#include "tools/mpuevent/Inputs.h"
-#include "tools/mpuevent/Printer.h"
+#include "tools/mpuevent/Events.h"
+#include "tools/mpuevent/Jobs.h"
 
-#include <algorithm>
+#include <thread>
 
 namespace Pegasus::tool {
 
 namespace {
 
+constexpr unsigned kMaxJobs = 256;
+
 struct Options {
     Inputs inputs;
-    std::string format = "text";
+    EventOptions events;
     std::string output = "-";
-    bool trace = false;
+    unsigned jobs = 1;
 };
 
 Status decode(const Options& options) {
-    if (options.trace) {
-        ProviderTraceServices::ptsSetTraceStream(stderr);
-        ProviderTraceServices::ptsSetTraceSuppressForPid(0);
-    }
-    if (options.output != "-")
-        if (const std::string* input = options.inputs.find(options.output)) {
-            complain("--output: {} is an input too ({})", options.output, *input);
-            return kUsage;
-        }
+    if (!options.inputs.spares(options.output) || !options.events.prepare())
+        return kUsage;
     Output output;
     if (!output.open(options.output))
         return kFailed;
-    const std::unique_ptr<Printer> printer = rowOf(kFormats, options.format).make();
-    printer->begin(output.text());
-    const Status read = options.inputs.read(
-        [&](const Message& message) {
-            printer->print(*message.decode(), output.text());
-            return output.proceed();
-        },
-        [&] { output.flush(); });
-    printer->end(output.text());
-    return std::max(read, output.finish());
+    const auto by = [&](auto&& writer) {
+        options.inputs.read(writer);
+        return writer.finish();
+    };
+    const unsigned jobs = options.jobs ? options.jobs : std::thread::hardware_concurrency();
+    if (jobs <= 1)
+        return by(EventWriter(options.events, output));
+    return by(ParallelWriter(options.events, std::min(jobs, kMaxJobs), output));
 }
 
 } // namespace
@@ -47,15 +39,12 @@ Status decode(const Options& options) {
 Runner addDecode(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     options->inputs.addOptions(app);
-    app.add_option("--format", options->format,
-                   "Indented blocks (text), one line an event (line) or one JSON object a line "
-                   "(json)")
-        ->check(CLI::IsMember(namesOf(kFormats)))
+    options->events.addOptions(app);
+    addOutput(app, options->output);
+    app.add_option("--jobs,-j", options->jobs, "Decode on so many threads; 0: one a processor")
+        ->type_name("N")
+        ->check(CLI::Range(0u, kMaxJobs))
         ->capture_default_str();
-    app.add_option("--output", options->output, "Where to write; \"-\": standard output")
-        ->type_name("FILE")
-        ->capture_default_str();
-    app.add_flag("--trace", options->trace, "Show the library's trace lines on standard error");
     return [options] { return decode(*options); };
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <optional>
@@ -38,80 +39,140 @@ public:
     File& operator=(const File&) = delete;
 
     int descriptor() const { return descriptor_; }
+    // 0 for what has none.
+    std::uint64_t size() const {
+        struct stat found;
+        return ::fstat(descriptor_, &found) == 0 && S_ISREG(found.st_mode)
+                   ? static_cast<std::uint64_t>(found.st_size)
+                   : 0;
+    }
 
 private:
     int descriptor_;
 };
 
+// How far the reading is, on standard error when that is a terminal and it takes its time.
+class Progress {
+public:
+    ~Progress() { hideProgress(); }
+    void open(const std::string& name, std::uint64_t size) {
+        name_ = name;
+        size_ = size;
+    }
+    void at(std::uint64_t position) {
+        if (!shown_)
+            return;
+        const Clock::time_point now = Clock::now();
+        if (now < next_)
+            return;
+        next_ = now + std::chrono::milliseconds(200);
+        const double mega = static_cast<double>(position) / 1e6;
+        showProgress(size_ == 0
+                         ? fmt::format("{}: {:.1f} MB", name_, mega)
+                         : fmt::format("{}: {:.1f} of {:.1f} MB, {} %", name_, mega,
+                                       static_cast<double>(size_) / 1e6,
+                                       std::min<std::uint64_t>(100 * position / size_, 100)));
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    const bool shown_ = ::isatty(STDERR_FILENO) != 0;
+    Clock::time_point next_ = Clock::now() + std::chrono::seconds(1);
+    std::string name_;
+    std::uint64_t size_ = 0;
+};
+
+// Bytes whose reading is shown.
+class ShownSource : public FileSource {
+public:
+    ShownSource(int descriptor, Progress& progress) : FileSource(descriptor), progress_(progress) {}
+    std::size_t read(std::uint8_t* to, std::size_t room) override {
+        const std::size_t got = FileSource::read(to, room);
+        position_ += got;
+        if (got != 0)
+            progress_.at(position_);
+        return got;
+    }
+
+private:
+    Progress& progress_;
+    std::uint64_t position_ = 0;
+};
+
 } // namespace
 
-void Inputs::addOptions(CLI::App& app) {
-    app.add_option("files", files_, "Captures; \"-\" or none: standard input")->type_name("FILE");
-    app.add_option("--input", input_,
+void InputKind::addOption(CLI::App& app) {
+    app.add_option("--input", name_,
                    "What a file holds: messages (cmap), bare records (record), or either as hex "
                    "text (hex, hex-record)")
         ->check(CLI::IsMember(namesOf(kInputs)))
         ->capture_default_str();
 }
 
-Status Inputs::read(const std::function<bool(const Message&)>& each,
-                    const std::function<void()>& before) const {
-    const Input& input = rowOf(kInputs, input_);
-    Status status = kFine;
-    std::string name;
-    unsigned reports = 0;
+InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Sink& sink) const {
+    const Input& input = rowOf(kInputs, name_);
+    std::uint64_t faults = 0;
     const Report report = [&](const std::string& what) {
-        status = std::max(status, kDamaged);
-        if (++reports > kMaxReports)
-            return;
-        before();
-        complain("{}: {}", name, what);
+        if (++faults <= kMaxReports)
+            sink.complaint(kDamaged, fmt::format("{}: {}", name, what));
     };
-    const auto fail = [&](int error) {
-        status = kFailed;
-        before();
-        complain("{}: {}", name, std::strerror(error));
-    };
-
+    std::optional<HexSource> hex;
+    if (input.hex)
+        hex.emplace(bytes, report);
     Capture capture(input.framing, report);
+    capture.open(hex ? static_cast<ByteSource&>(*hex) : bytes);
+    bool more = true;
+    for (Message message; more && capture.next(message);)
+        more = sink.take(message);
+    if (faults > kMaxReports)
+        sink.complaint(kDamaged, fmt::format("{}: {} more faults", name, faults - kMaxReports));
+    return {more, faults};
+}
+
+void Inputs::addOptions(CLI::App& app) {
+    app.add_option("files", files_, "Captures; \"-\" or none: standard input")->type_name("FILE");
+    kind_.addOption(app);
+}
+
+std::uint64_t Inputs::read(Sink& sink) const {
+    Progress progress;
+    std::uint64_t faults = 0;
     bool more = true;
     for (auto path = files_.begin(); more && path != files_.end(); ++path) {
-        name = *path == "-" ? "standard input" : *path;
-        reports = 0;
+        const std::string name = *path == "-" ? "standard input" : *path;
+        const auto fail = [&](int error) {
+            sink.complaint(kFailed, fmt::format("{}: {}", name, std::strerror(error)));
+        };
         const File file(*path);
         if (file.descriptor() < 0) {
             fail(errno);
             continue;
         }
-        FileSource bytes(file.descriptor());
-        std::optional<HexSource> hex;
-        if (input.hex)
-            hex.emplace(bytes, report);
-        capture.open(hex ? static_cast<ByteSource&>(*hex) : bytes);
-        Message message;
-        while (more && capture.next(message))
-            more = each(message);
-        if (reports > kMaxReports) {
-            before();
-            complain("{}: {} more faults", name, reports - kMaxReports);
-        }
+        progress.open(name, file.size());
+        ShownSource bytes(file.descriptor(), progress);
+        const InputKind::Result result = kind_.read(name, bytes, sink);
+        more = result.more;
+        faults += result.faults;
         if (bytes.failure() != 0)
             fail(bytes.failure());
     }
-    return status;
+    return faults;
 }
 
-const std::string* Inputs::find(const std::string& path) const {
+bool Inputs::spares(const std::string& output) const {
     struct stat wanted;
-    if (::stat(path.c_str(), &wanted) != 0 || !S_ISREG(wanted.st_mode))
-        return nullptr;
+    if (output == "-" || ::stat(output.c_str(), &wanted) != 0 || !S_ISREG(wanted.st_mode))
+        return true;
     for (const std::string& file : files_) {
         struct stat found;
         if ((file == "-" ? ::fstat(STDIN_FILENO, &found) : ::stat(file.c_str(), &found)) == 0 &&
-            found.st_dev == wanted.st_dev && found.st_ino == wanted.st_ino)
-            return &file;
+            found.st_dev == wanted.st_dev && found.st_ino == wanted.st_ino) {
+            complain("--output: {} is an input too ({})", output, file);
+            return false;
+        }
     }
-    return nullptr;
+    return true;
 }
 
 } // namespace Pegasus::tool

@@ -4,28 +4,81 @@
 #include "tools/mpuevent/Capture.h"
 #include "tools/mpuevent/Output.h"
 
+#include <algorithm>
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
 namespace Pegasus::tool {
 
+// Takes what the captures hold, in order.
+class Sink {
+public:
+    virtual ~Sink() = default;
+    // Returns false when it wants no more.
+    virtual bool take(const Message& message) = 0;
+    // What is wrong with an input at this place, and what it makes of the exit status.
+    virtual void complaint(Status status, const std::string& text) = 0;
+};
+
+// Complains at once.
+class SerialSink : public Sink {
+public:
+    explicit SerialSink(Output& output) : output_(output) {}
+    void complaint(Status status, const std::string& text) override {
+        status_ = std::max(status_, status);
+        output_.flush();
+        complain(text);
+    }
+    // Of the inputs and of the output, which ends here.
+    Status finish() { return std::max(status_, output_.finish()); }
+
+protected:
+    Output& output_;
+
+private:
+    Status status_ = kFine;
+};
+
+// What an input holds, and how it is read.
+class InputKind {
+public:
+    void addOption(CLI::App& app);
+
+    struct Result {
+        bool more; // is wanted by the sink
+        std::uint64_t faults;
+    };
+    // Hands over every message of one input. Faults are passed over; many are counted instead of
+    // being told.
+    Result read(const std::string& name, ByteSource& bytes, Sink& sink) const;
+
+private:
+    std::string name_ = "cmap";
+};
+
 class Inputs {
 public:
     void addOptions(CLI::App& app);
 
-    // Hands over every message of every file in order, until `each` returns false. Faults are
-    // reported and passed over; `before` is called ahead of each report.
-    Status read(const std::function<bool(const Message&)>& each,
-                const std::function<void()>& before) const;
+    // Hands over every message of every file in order. Faults are passed over; returns their
+    // number. Shows progress.
+    std::uint64_t read(Sink& sink) const;
 
-    // The one of the files that `path` names too, or null.
-    const std::string* find(const std::string& path) const;
+    // Reports a file to be written that is one of the inputs too.
+    bool spares(const std::string& output) const;
 
 private:
     std::vector<std::string> files_{"-"};
-    std::string input_ = "cmap";
+    InputKind kind_;
 };
+
+inline void addOutput(CLI::App& app, std::string& file) {
+    app.add_option("--output,-o", file, "Where to write; \"-\": standard output")
+        ->type_name("FILE")
+        ->capture_default_str();
+}
 
 // The names in a table of rows with a `name`.
 template <class Table>

@@ -1,8 +1,8 @@
-// One event a line, as a JSON object.
+// One event a line, as a JSON object; and the same as CSV.
+#include "tools/mpuevent/Body.h"
+#include "tools/mpuevent/Keys.h"
 #include "tools/mpuevent/Printer.h"
 #include "tools/mpuevent/Utf8.h"
-
-#include <utility>
 
 // Its empty stack adds to a null pointer before it looks for room: harmless, but sanitizers tell.
 #ifdef __clang__
@@ -52,53 +52,155 @@ namespace Pegasus::tool {
 
 namespace {
 
-class JsonPrinter : public Printer {
+class Json {
 public:
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+    // On each new value.
+    JsonWriter& start(mpu::TextWriter& out) {
         stream_.out = &out;
         writer_.Reset(stream_);
-        writer_.StartObject();
-        text("enclosureSerialNumber", event.getEnclosureSerialNumber());
-        text("controllerSerialNumber", event.getControllerSerialNumber());
-        number("controllerSlotID", event.getControllerSlotID());
-        number("eventLogInstanceNumber", event.getEventLogInstanceNumber());
-        number("sequenceID", event.getSequenceID());
-        number("timestamp", event.getTimestamp());
-        text("source", event.getSource());
-        text("category", event.getCategory());
-        number("eventType", std::as_const(event).getEventType());
-        text("eventTypeText", event.getEventType());
-        text("eventID", event.getEventID());
-        text("summary", event.getSummary());
-        text("body", event.getBody());
-        writer_.EndObject();
+        return writer_;
+    }
+    void text(std::string_view value) {
+        writer_.String(value.empty() ? "" : value.data(),
+                       static_cast<rapidjson::SizeType>(value.size()));
+    }
+    void key(std::string_view name) {
+        writer_.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+    }
+
+    // [{"name": .., "value": ..}, {"name": .., "fields": [..]}]; text outside elements has no name.
+    void fields(const std::vector<Piece>& pieces) {
+        writer_.StartArray();
+        for (const Piece& piece : pieces) {
+            if (piece.kind != Piece::End) {
+                writer_.StartObject();
+                key("name");
+                text(piece.name);
+            }
+            switch (piece.kind) {
+            case Piece::Text:
+            case Piece::Element:
+                key("value");
+                text(piece.text);
+                writer_.EndObject();
+                break;
+            case Piece::Group:
+                key("fields");
+                writer_.StartArray();
+                break;
+            case Piece::End:
+                writer_.EndArray();
+                writer_.EndObject();
+                break;
+            }
+        }
+        writer_.EndArray();
+    }
+
+private:
+    JsonStream stream_;
+    JsonWriter writer_;
+};
+
+class JsonPrinter : public Printer {
+public:
+    explicit JsonPrinter(const Style& style) : fields_(style.fields) {}
+
+    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+        JsonWriter& writer = json_.start(out);
+        writer.StartObject();
+        for (const Key& row : kKeys) {
+            json_.key(row.name);
+            if (row.number) {
+                writer.Uint(row.number(event));
+                continue;
+            }
+            utf8_.clear();
+            putUtf8(utf8_, row.text(event));
+            json_.text(utf8_.view());
+        }
+        if (fields_) { // the body was the last text
+            json_.key("fields");
+            json_.fields(parser_.parse(utf8_.view()));
+            json_.key("formatVersion");
+            writer.Uint(kFormatVersion);
+        }
+        writer.EndObject();
         out.put("\n");
     }
 
 private:
-    void key(std::string_view name) {
-        writer_.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
-    }
-    void number(std::string_view name, unsigned int value) {
-        key(name);
-        writer_.Uint(value);
-    }
-    void text(std::string_view name, const String& value) {
-        key(name);
-        utf8_.clear();
-        putUtf8(utf8_, value);
-        writer_.String(utf8_.view().data(), static_cast<rapidjson::SizeType>(utf8_.view().size()));
+    const bool fields_;
+    Json json_;
+    mpu::BodyWriter utf8_;
+    BodyParser parser_;
+};
+
+// RFC 4180, with the JSON keys for a header line; fields are the JSON list in one cell.
+class CsvPrinter : public Printer {
+public:
+    explicit CsvPrinter(const Style& style) : fields_(style.fields) {}
+
+    void begin(mpu::TextWriter& out) override {
+        for (const Key& row : kKeys)
+            out.put(&row == kKeys ? "" : ",").put(row.name);
+        out.put(fields_ ? ",fields\r\n" : "\r\n");
     }
 
-    JsonStream stream_;
-    JsonWriter writer_;
+    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+        for (const Key& row : kKeys) {
+            out.put(&row == kKeys ? "" : ",");
+            if (row.number) {
+                out.decimal(row.number(event));
+                continue;
+            }
+            utf8_.clear();
+            putUtf8(utf8_, row.text(event));
+            cell(out, utf8_.view());
+        }
+        if (fields_) {
+            list_.clear();
+            json_.start(list_);
+            json_.fields(parser_.parse(utf8_.view()));
+            cell(out.put(","), list_.view());
+        }
+        out.put("\r\n");
+    }
+
+private:
+    static void cell(mpu::TextWriter& out, std::string_view text) {
+        if (text.find_first_of(std::string_view("\",\r\n\0", 5)) == text.npos) {
+            out.put(text);
+            return;
+        }
+        out.put("\"");
+        while (!text.empty()) {
+            const std::size_t run = text.find_first_of(std::string_view("\"\0", 2));
+            out.put(text.substr(0, run));
+            if (run == text.npos)
+                break;
+            // Readers of CSV stop at a NUL.
+            out.put(text[run] == '"' ? "\"\"" : "\xEF\xBF\xBD");
+            text.remove_prefix(run + 1);
+        }
+        out.put("\"");
+    }
+
+    const bool fields_;
+    Json json_;
     mpu::BodyWriter utf8_;
+    mpu::BodyWriter list_;
+    BodyParser parser_;
 };
 
 } // namespace
 
-std::unique_ptr<Printer> makeJsonPrinter() {
-    return std::make_unique<JsonPrinter>();
+std::unique_ptr<Printer> makeJsonPrinter(const Style& style) {
+    return std::make_unique<JsonPrinter>(style);
+}
+
+std::unique_ptr<Printer> makeCsvPrinter(const Style& style) {
+    return std::make_unique<CsvPrinter>(style);
 }
 
 } // namespace Pegasus::tool

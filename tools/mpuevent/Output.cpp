@@ -1,6 +1,7 @@
 #include "tools/mpuevent/Output.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
@@ -29,9 +30,22 @@ int writeAll(int descriptor, std::string_view bytes) {
     return 0;
 }
 
+bool progressShown = false;
+
 } // namespace
 
+void showProgress(std::string_view message) {
+    (void)writeAll(2, fmt::format("\r\x1B[Kmpuevent: {}", message));
+    progressShown = true;
+}
+
+void hideProgress() {
+    if (std::exchange(progressShown, false))
+        (void)writeAll(2, "\r\x1B[K");
+}
+
 void complain(std::string_view message) {
+    hideProgress();
     (void)writeAll(2, fmt::format("mpuevent: {}\n", message));
 }
 
@@ -49,11 +63,28 @@ bool Output::open(const std::string& path) {
 }
 
 bool Output::flush() {
-    if (!ended_)
-        if (const int error = writeAll(descriptor_, text_.view()); error != 0)
-            fail(error);
+    const bool more = put(text_.view());
     text_.clear();
-    return !ended_;
+    return more;
+}
+
+bool Output::write(std::string_view bytes) {
+    return flush() && put(bytes);
+}
+
+bool Output::coloured() const {
+    const char* const never = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return (!never || !*never) && terminal && std::string_view(terminal) != "dumb" &&
+           ::isatty(descriptor_);
+}
+
+bool Output::put(std::string_view bytes) {
+    if (ended_ || bytes.empty())
+        return !ended_;
+    hideProgress();
+    const int error = writeAll(descriptor_, bytes);
+    return error == 0 || fail(error);
 }
 
 Status Output::finish() {

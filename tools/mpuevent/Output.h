@@ -23,6 +23,10 @@ void complain(fmt::format_string<Args...> format, Args&&... args) {
     complain(std::string_view(fmt::format(format, std::forward<Args>(args)...)));
 }
 
+// One line on standard error that stays until something else is written.
+void showProgress(std::string_view message);
+void hideProgress();
+
 // Standard output or a file, through one large buffer. The first failure ends the writing; it is
 // reported once, by finish() or where it happens. A reader who closed its end is no failure.
 class Output {
@@ -36,12 +40,19 @@ public:
     // Writes the buffer when it is well filled. False when writing has come to an end.
     bool proceed() { return text_.view().size() < kBlock || flush(); }
     bool flush();
+    // Writes the buffer, then these.
+    bool write(std::string_view bytes);
+    // Whether it is a terminal on which colours are welcome.
+    bool coloured() const;
+    // The file, for those who wait for its reader to go.
+    int descriptor() const { return descriptor_; }
     // Writes the rest and closes.
     Status finish();
 
 private:
     static constexpr std::size_t kBlock = 256 * 1024;
 
+    bool put(std::string_view bytes);
     bool fail(int error);
 
     int descriptor_ = 1;

@@ -18,19 +18,28 @@ public:
     virtual void end(mpu::TextWriter&) {} // behind all events
 };
 
-struct Format {
-    const char* name;
-    std::unique_ptr<Printer> (*make)();
+struct Style {
+    bool fields = false; // the elements of the body too, one by one
+    bool colour = false; // for a terminal
 };
 
-std::unique_ptr<Printer> makeTextPrinter();
-std::unique_ptr<Printer> makeLinePrinter();
-std::unique_ptr<Printer> makeJsonPrinter();
+struct Format {
+    const char* name;
+    std::unique_ptr<Printer> (*make)(const Style& style);
+    bool fields; // knows them
+};
+
+std::unique_ptr<Printer> makeTextPrinter(const Style& style);
+std::unique_ptr<Printer> makeBriefPrinter(const Style& style);
+std::unique_ptr<Printer> makeLinePrinter(const Style& style);
+std::unique_ptr<Printer> makeJsonPrinter(const Style& style);
+std::unique_ptr<Printer> makeXmlPrinter(const Style& style);
+std::unique_ptr<Printer> makeCsvPrinter(const Style& style);
 
 inline constexpr Format kFormats[] = {
-    {"text", makeTextPrinter},
-    {"line", makeLinePrinter},
-    {"json", makeJsonPrinter},
+    {"text", makeTextPrinter, false}, {"brief", makeBriefPrinter, false},
+    {"line", makeLinePrinter, false}, {"json", makeJsonPrinter, true},
+    {"xml", makeXmlPrinter, true},    {"csv", makeCsvPrinter, true},
 };
 
 } // namespace Pegasus::tool

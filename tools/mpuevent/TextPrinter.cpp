@@ -1,6 +1,8 @@
 // Events for people: an indented block, or one line.
 #include "event/Ascii.h"
 #include "tools/mpuevent/Body.h"
+#include "tools/mpuevent/Colour.h"
+#include "tools/mpuevent/Filter.h"
 #include "tools/mpuevent/Printer.h"
 #include "tools/mpuevent/Utf8.h"
 
@@ -55,10 +57,14 @@ std::size_t nextGroup(std::string_view text) {
 
 class TextPrinter : public Printer {
 public:
+    explicit TextPrinter(const Style& style) : colour_(style.colour) {}
+
     void print(Avrel_Event& event, mpu::TextWriter& out) override {
         out.put("Event ").decimal(event.getSequenceID()).put(": ");
+        const unsigned severity = severityOf(std::as_const(event).getEventType());
+        out.put(colour_ ? kColours[severity] : "");
         inLine(out, event.getEventType());
-        out.put(", ");
+        out.put(colour_ ? kPlain : "").put(", ");
         inLine(out, event.getSource());
         out.put(", ");
         inLine(out, event.getCategory());
@@ -178,8 +184,44 @@ private:
         }
     }
 
+    const bool colour_;
     mpu::BodyWriter utf8_;
     BodyParser parser_;
+};
+
+// What happened and when, on one line: time, severity, source, title, summary.
+class BriefPrinter : public Printer {
+public:
+    explicit BriefPrinter(const Style& style) : colour_(style.colour) {}
+
+    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+        mpu::StackWriter<16> time;
+        time.decimal(event.getTimestamp());
+        column(out, time.view(), 10);
+        out.put(colour_ ? kColours[severityOf(std::as_const(event).getEventType())] : "");
+        column(out, text(event.getEventType()), 17);
+        out.put(colour_ ? kPlain : "");
+        column(out, text(event.getSource()), 11);
+        putPrintable(out, text(event.getEventID()));
+        if (const std::string_view summary = text(event.getSummary()); !summary.empty())
+            putPrintable(out.put(": "), summary);
+        out.put("\n");
+    }
+
+private:
+    std::string_view text(const String& from) {
+        utf8_.clear();
+        putUtf8(utf8_, from);
+        return utf8_.view();
+    }
+    static void column(mpu::TextWriter& out, std::string_view text, std::size_t width) {
+        putPrintable(out, text);
+        for (std::size_t i = text.size(); i < width + 2; ++i)
+            out.put(" ");
+    }
+
+    const bool colour_;
+    mpu::BodyWriter utf8_;
 };
 
 // The event's own rendering. Line breaks in it are escaped so that an event is one line.
@@ -198,11 +240,15 @@ private:
 
 } // namespace
 
-std::unique_ptr<Printer> makeTextPrinter() {
-    return std::make_unique<TextPrinter>();
+std::unique_ptr<Printer> makeTextPrinter(const Style& style) {
+    return std::make_unique<TextPrinter>(style);
 }
 
-std::unique_ptr<Printer> makeLinePrinter() {
+std::unique_ptr<Printer> makeBriefPrinter(const Style& style) {
+    return std::make_unique<BriefPrinter>(style);
+}
+
+std::unique_ptr<Printer> makeLinePrinter(const Style&) {
     return std::make_unique<LinePrinter>();
 }
 

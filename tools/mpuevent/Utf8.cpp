@@ -13,6 +13,7 @@ namespace Pegasus::tool {
 namespace {
 
 constexpr std::uint32_t kReplacement = 0xFFFD;
+constexpr std::string_view kReplacementText = "\xEF\xBF\xBD";
 
 // Writes the ASCII units at the start and returns their number.
 Uint32 putAscii(char* out, const Char16* units, Uint32 count) {
@@ -61,6 +62,31 @@ char* putCharacter(char* out, std::uint32_t c) {
         *out++ = tail(0);
     }
     return out;
+}
+
+constexpr std::string_view kNoCharacters[] = {"\xEF\xBF\xBE", "\xEF\xBF\xBF"};
+
+// What stands for a character in XML; empty for itself.
+std::string_view inXml(unsigned char c) {
+    switch (c) {
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '&':
+        return "&amp;";
+    case '"':
+        return "&quot;";
+    case '\'':
+        return "&#39;";
+    case '\r': // readers take it for a line feed
+        return "&#13;";
+    case '\t':
+    case '\n':
+        return {};
+    default:
+        return c < 0x20 ? kReplacementText : std::string_view();
+    }
 }
 
 } // namespace
@@ -123,6 +149,25 @@ void putPrintable(mpu::TextWriter& out, std::string_view utf8) {
             out.put("\\x").hexUpper(c, 2);
         i += c1;
         done = i + 1;
+    }
+    out.put(utf8.substr(done));
+}
+
+void putXml(mpu::TextWriter& out, std::string_view utf8) {
+    std::size_t done = 0;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        std::string_view by = inXml(static_cast<unsigned char>(utf8[i]));
+        std::size_t count = 1;
+        if (utf8[i] == kNoCharacters[0][0])
+            for (const std::string_view none : kNoCharacters)
+                if (utf8.substr(i).starts_with(none)) {
+                    by = kReplacementText;
+                    count = none.size();
+                }
+        if (by.empty())
+            continue;
+        out.put(utf8.substr(done, i - done)).put(by);
+        done = i + count;
     }
     out.put(utf8.substr(done));
 }

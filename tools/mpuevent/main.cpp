@@ -15,14 +15,29 @@ namespace {
 
 constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
-    {"formats", "Print the record reference, from the layout tables", addFormats},
+    {"summary", "Count what captures hold", addSummary},
+    {"report", "Make a page of captures, for a browser", addReport},
+    {"follow", "Decode a capture as it grows", addFollow},
+    {"formats", "Print the record reference or the JSON Schema", addFormats},
     {"sample", "Write a demonstration capture", addSample},
 };
 
 constexpr char kExamples[] = R"(Examples:
-  mpuevent decode eventlog.cap
-  mpuevent decode --format json eventlog.cap | jq .summary
-  mpuevent decode --input hex mail.txt
+  Which drive failed, and when?
+    mpuevent decode --format brief --severity error --grep 'Drive.*(Fa|Err|Exc)' eventlog.cap
+  What is in there?
+    mpuevent summary eventlog.cap
+  All about some events:
+    mpuevent decode --source 'I/O Mgr' --since seq:4000 --not-event-id Statistics eventlog.cap
+  For other programs:
+    mpuevent decode --format json --jobs 0 eventlog.cap | jq .summary
+    mpuevent decode --format csv --fields --output events.csv eventlog.cap
+  A page for a ticket:
+    mpuevent report eventlog.cap --output report.html
+  As it happens:
+    mpuevent follow --severity warning --format brief eventlog.cap
+  A record that came by mail:
+    mpuevent decode --input hex mail.txt
 
 Exit status: 0 all well, 1 some of the input was damaged, 2 wrong usage,
 3 could not read or write.)";
@@ -76,6 +91,8 @@ int main(int argc, char** argv) {
         return tool::run(argc, argv);
     } catch (const std::bad_alloc&) {
         tool::complain("out of memory");
-        return tool::kFailed;
+    } catch (const std::exception& error) {
+        tool::complain(error.what());
     }
+    return tool::kFailed;
 }

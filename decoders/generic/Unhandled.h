@@ -3,10 +3,8 @@
 
 #include "event/Avrel_Event.h"
 
-namespace Pegasus {
-
 // Summary "Unhandled Event by <module>", body "<Hex>payload</Hex>"; every record is traced. The
-// functions give a fixed sample text; nothing in the library calls them.
+// function gives a fixed sample text; nothing in the library calls it.
 #define MPUEVENT_UNHANDLED(MODULE)                                                                 \
     class MPUEVENT_EXPORT MODULE##_Event : public Avrel_Event {                                    \
     public:                                                                                        \
@@ -14,15 +12,3 @@ namespace Pegasus {
         ~MODULE##_Event() override;                                                                \
     };                                                                                             \
     MPUEVENT_EXPORT String get_##MODULE##_such_and_such_event_body(const EmpEvLogMsg_s* record);
-
-MPUEVENT_UNHANDLED(ICHAR)
-MPUEVENT_UNHANDLED(OB0)
-MPUEVENT_UNHANDLED(OB1)
-MPUEVENT_UNHANDLED(HACCMP)
-MPUEVENT_UNHANDLED(MSMMP)
-MPUEVENT_UNHANDLED(DRIVEADMP)
-MPUEVENT_UNHANDLED(SNMPMP)
-
-#undef MPUEVENT_UNHANDLED
-
-} // namespace Pegasus

@@ -1,4 +1,8 @@
-#include "decoders/generic/Derived_Events.h"
+#include "decoders/generic/AIMMP_Event.h"
+#include "decoders/generic/CACHE28P_Event.h"
+#include "decoders/generic/DDLMMP_Event.h"
+#include "decoders/generic/ISCSI28P_Event.h"
+#include "decoders/generic/SMI_IND_Event.h"
 
 namespace Pegasus {
 

@@ -1,12 +1,18 @@
-#include "decoders/generic/Unhandled_Events.h"
-
 #include "decoders/common/Unknown.h"
+#include "decoders/generic/DRIVEADMP_Event.h"
+#include "decoders/generic/HACCMP_Event.h"
+#include "decoders/generic/ICHAR_Event.h"
+#include "decoders/generic/MSMMP_Event.h"
+#include "decoders/generic/OB0_Event.h"
+#include "decoders/generic/OB1_Event.h"
+#include "decoders/generic/SNMPMP_Event.h"
 #include "event/TextWriter.h"
 
 namespace Pegasus {
 
 using namespace mpu;
 
+#undef MPUEVENT_UNHANDLED
 // The line number is that of the trace line, which shows the event id in decimal behind its "0x".
 #define MPUEVENT_UNHANDLED(MODULE, LINE)                                                           \
     MODULE##_Event::MODULE##_Event(const EmpEvLogMsg_s* record, int length)                        \

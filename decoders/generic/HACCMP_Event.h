@@ -1,0 +1,9 @@
+#pragma once
+
+#include "decoders/generic/Unhandled.h"
+
+namespace Pegasus {
+
+MPUEVENT_UNHANDLED(HACCMP)
+
+} // namespace Pegasus

@@ -1,0 +1,236 @@
+// The formats that programs read, and their schemas.
+#include "tests/CommandFixture.h"
+
+#include "tools/catalogue/Modules.h"
+#include "tools/mpuevent/Printer.h"
+#include "tools/mpuevent/Schema.h"
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <valijson/adapters/nlohmann_json_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validator.hpp>
+
+namespace Pegasus::test {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+class FormatsCommandTest : public CommandTest {
+protected:
+    // Whether xmllint accepts the file; "" or what it says.
+    std::string xmllint(const std::string& file) {
+        return shell("xmllint --noout --schema '" MPUEVENT_DOCS_DIR "events.xsd' " + file +
+                     " 2>said") == 0
+                   ? ""
+                   : read("said");
+    }
+};
+
+std::string printed(const char* format, bool fields, const std::string& body) {
+    Avrel_Event event(nullptr, 0);
+    event.setBody(mpu::toString(body));
+    mpu::BodyWriter out;
+    tool::Style style;
+    style.fields = fields;
+    for (const tool::Format& row : tool::kFormats)
+        if (row.name == std::string_view(format))
+            row.make(style)->print(event, out);
+    return std::string(out.view());
+}
+
+ordered_json fieldsOf(const std::string& body) {
+    return ordered_json::parse(printed("json", true, body)).at("fields");
+}
+
+std::string committedSchema() {
+    std::ifstream file(MPUEVENT_DOCS_DIR "events.schema.json");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Judges by the committed schema.
+class Judge {
+public:
+    Judge() {
+        const nlohmann::json text = nlohmann::json::parse(committedSchema());
+        valijson::SchemaParser().populateSchema(valijson::adapters::NlohmannJsonAdapter(text),
+                                                schema_);
+    }
+    bool accepts(const nlohmann::json& event) {
+        return valijson::Validator().validate(
+            schema_, valijson::adapters::NlohmannJsonAdapter(event), nullptr);
+    }
+
+private:
+    valijson::Schema schema_;
+};
+
+} // namespace
+
+TEST_F(FormatsCommandTest, Fields) {
+    EXPECT_EQ(fieldsOf(""), ordered_json::array());
+    EXPECT_EQ(fieldsOf("<A>1</A> <A>x &\"</A>"),
+              (ordered_json{{{"name", "A"}, {"value", "1"}}, {{"name", "A"}, {"value", "x &\""}}}));
+    EXPECT_EQ(fieldsOf("a <G><B></B><H><C>2</C></H></G>"),
+              ordered_json::parse(R"([{"name":"","value":"a"},
+                  {"name":"G","fields":[{"name":"B","value":""},
+                      {"name":"H","fields":[{"name":"C","value":"2"}]}]}])"));
+    EXPECT_EQ(fieldsOf("<A>1").dump(), R"([{"name":"","value":"<A>1"}])");
+    const Result wrong = run("decode --fields --format line");
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.err, "mpuevent: --fields: not with --format line, but with json, xml or csv\n");
+}
+
+TEST_F(FormatsCommandTest, Xml) {
+    write("input", messageOf(RecordBuilder(23, 101)
+                                 .enclosure("<&>\"'\x1b\r\t\xef\xbf\xbf")
+                                 .sequence(7)
+                                 .u32(0, 0x41424344)));
+    const Result result = run("decode --format xml --fields --output out.xml");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(read("out.xml"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<events formatVersion=\"1\">\n"
+              "<event>\n"
+              "  <enclosureSerialNumber>&lt;&amp;&gt;&quot;&#39;\xef\xbf\xbd&#13;\t\xef\xbf\xbd"
+              "</enclosureSerialNumber>\n"
+              "  <controllerSerialNumber>CTL-1</controllerSerialNumber>\n"
+              "  <controllerSlotID>0</controllerSlotID>\n"
+              "  <eventLogInstanceNumber>0</eventLogInstanceNumber>\n"
+              "  <sequenceID>7</sequenceID>\n"
+              "  <timestamp>0</timestamp>\n"
+              "  <source>SCC</source>\n"
+              "  <category>System</category>\n"
+              "  <eventType>1</eventType>\n"
+              "  <eventTypeText>Informational</eventTypeText>\n"
+              "  <eventID>101</eventID>\n"
+              "  <summary>***UNKNOWN EventID***</summary>\n"
+              "  <body>&lt;Hex&gt;41424344&lt;/Hex&gt;</body>\n"
+              "  <fields>\n"
+              "    <field name=\"Hex\">41424344</field>\n"
+              "  </fields>\n"
+              "</event>\n"
+              "</events>\n");
+    EXPECT_EQ(xmllint("out.xml"), "");
+
+    write("input", "");
+    write("empty.xml", run("decode --format xml").out);
+    EXPECT_EQ(xmllint("empty.xml"), "");
+}
+
+TEST_F(FormatsCommandTest, XmlIsValid) {
+    ASSERT_EQ(run("sample --count 300 --output samples").status, 0);
+    ASSERT_EQ(run("decode --format xml samples --output plain.xml").status, 0);
+    ASSERT_EQ(run("decode --format xml --fields samples --output fields.xml").status, 0);
+    EXPECT_EQ(xmllint("plain.xml"), "");
+    EXPECT_EQ(xmllint("fields.xml"), "");
+    // The check does refuse.
+    std::string wrong = read("plain.xml");
+    const std::size_t slot = wrong.find("<controllerSlotID>");
+    write("wrong.xml", wrong.insert(slot + 18, "-"));
+    EXPECT_NE(xmllint("wrong.xml"), "");
+
+    // All bytes, in a text that passes as it stands.
+    std::string text;
+    for (int c = 1; c < 256; ++c)
+        text.push_back(static_cast<char>(c));
+    write("input", messageOf(RecordBuilder(23, 101)
+                                 .enclosure(text.substr(0, 60))
+                                 .controller("]]>" + text.substr(60, 60))) +
+                       messageOf(RecordBuilder(28, 7)
+                                     .enclosure("\xef\xbf\xbe\xf0\x9f\x98\x80")
+                                     .controller("<!--<![CDATA[<?a?>&lt;")));
+    ASSERT_EQ(run("decode --format xml --fields --output hostile.xml").status, 0);
+    EXPECT_EQ(xmllint("hostile.xml"), "");
+    EXPECT_EQ(printed("xml", true, "<G><A>1</A> \x01</G>")
+                  .substr(printed("xml", true, "<G><A>1</A> \x01</G>").find("  <fields>")),
+              "  <fields>\n"
+              "    <group name=\"G\">\n"
+              "      <field name=\"A\">1</field>\n"
+              "      <field name=\"\">\xef\xbf\xbd</field>\n"
+              "    </group>\n"
+              "  </fields>\n"
+              "</event>\n");
+}
+
+TEST_F(FormatsCommandTest, Csv) {
+    write("input", messageOf(RecordBuilder(23, 101)
+                                 .enclosure("a,b\"c")
+                                 .controller("x\r\ny")
+                                 .slot(0xFFFFFFFF)
+                                 .u32(0, 0x41424344)));
+    const std::string header =
+        "enclosureSerialNumber,controllerSerialNumber,controllerSlotID,eventLogInstanceNumber,"
+        "sequenceID,timestamp,source,category,eventType,eventTypeText,eventID,summary,body";
+    const std::string line = "\"a,b\"\"c\",\"x\r\ny\",4294967295,0,0,0,SCC,System,1,Informational,"
+                             "101,***UNKNOWN EventID***,<Hex>41424344</Hex>";
+    EXPECT_EQ(run("decode --format csv").out, header + "\r\n" + line + "\r\n");
+    EXPECT_EQ(run("decode --format csv --fields").out,
+              header + ",fields\r\n" + line +
+                  ",\"[{\"\"name\"\":\"\"Hex\"\",\"\"value\"\":\"\"41424344\"\"}]\"\r\n");
+    EXPECT_EQ(printed("csv", false, std::string("a\0b", 3)),
+              ",,0,0,0,0,,,0,Unknown,,,\"a\xef\xbf\xbd"
+              "b\"\r\n");
+}
+
+TEST_F(FormatsCommandTest, Brief) {
+    write("input", messageOf(RecordBuilder(23, 101).timestamp(1257177600).severity(103)) +
+                       messageOf(RecordBuilder(77, 5).timestamp(9)));
+    EXPECT_EQ(run("decode --format brief").out,
+              "1257177600  Eng Error          SCC          101: ***UNKNOWN EventID***\n"
+              "9           Informational      77           5\n");
+}
+
+TEST_F(FormatsCommandTest, JsonSchema) {
+    SuppressTrace quiet;
+    EXPECT_TRUE(committedSchema() == tool::jsonSchema(mpu::modules()))
+        << "renew it: mpuevent formats --format json-schema > docs/events.schema.json";
+    EXPECT_EQ(run("formats --format json-schema").out, committedSchema());
+
+    Judge judge;
+    const auto good = nlohmann::json::parse(printed("json", true, "<G><A>1</A></G> x"));
+    const auto without = [](nlohmann::json event, const char* path) {
+        const nlohmann::json::json_pointer pointer(path);
+        event.at(pointer.parent_pointer()).erase(pointer.back());
+        return event;
+    };
+    const auto with = [](nlohmann::json event, const char* path, const nlohmann::json& value) {
+        event[nlohmann::json::json_pointer(path)] = value;
+        return event;
+    };
+    nlohmann::json named = with(with(good, "/source", "SCC"), "/category", "System");
+    EXPECT_TRUE(judge.accepts(named));
+    EXPECT_TRUE(judge.accepts(with(named, "/source", "77")));
+    EXPECT_TRUE(judge.accepts(with(named, "/later", 1)));
+    const nlohmann::json wrong[] = {
+        without(named, "/summary"),
+        with(named, "/formatVersion", 2),
+        with(named, "/controllerSlotID", -1),
+        with(named, "/timestamp", 4294967296),
+        with(named, "/sequenceID", "1"),
+        with(named, "/source", "SCCP"),
+        with(named, "/category", ""),
+        with(named, "/eventType", 4),
+        with(named, "/eventTypeText", "Fatal"),
+        with(named, "/body", nullptr),
+        with(named, "/fields", "A"),
+        without(named, "/fields/0/name"),
+        without(named, "/fields/1/value"),
+        with(named, "/fields/0/fields/0/value", 1),
+        with(named, "/fields/0/value", ""),
+        nlohmann::json::array(),
+    };
+    for (const nlohmann::json& event : wrong)
+        EXPECT_FALSE(judge.accepts(event)) << event;
+
+    ASSERT_EQ(run("sample --count 300 --output samples").status, 0);
+    std::stringstream lines(run("decode --format json --fields samples").out);
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count)
+        EXPECT_TRUE(judge.accepts(nlohmann::json::parse(line))) << line;
+    EXPECT_EQ(count, 300);
+}
+
+} // namespace Pegasus::test

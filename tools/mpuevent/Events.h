@@ -1,0 +1,48 @@
+// From messages to written events: what `decode` and `follow` share.
+#pragma once
+
+#include "tools/mpuevent/Filter.h"
+#include "tools/mpuevent/Inputs.h"
+#include "tools/mpuevent/Printer.h"
+
+namespace Pegasus::tool {
+
+struct EventOptions {
+    FilterOptions filter;
+    std::string format = "text";
+    bool fields = false;
+    bool trace = false;
+
+    void addOptions(CLI::App& app);
+    // Reports options that don't go together, and starts the tracing.
+    bool prepare() const;
+    std::unique_ptr<Printer> printer(const Output& output) const;
+};
+
+// Decodes and writes one message after the other.
+class EventWriter : public SerialSink {
+public:
+    EventWriter(const EventOptions& options, Output& output)
+        : SerialSink(output), filter_(options.filter),
+          left_(options.filter.limit.value_or(UINT64_MAX)), printer_(options.printer(output)) {
+        printer_->begin(output.text());
+    }
+    bool take(const Message& message) override {
+        if (const std::unique_ptr<Avrel_Event> event = filter_.decode(message)) {
+            printer_->print(*event, output_.text());
+            --left_;
+        }
+        return output_.proceed() && left_ != 0;
+    }
+    Status finish() {
+        printer_->end(output_.text());
+        return SerialSink::finish();
+    }
+
+private:
+    const Filter filter_;
+    std::uint64_t left_; // of the events to write
+    const std::unique_ptr<Printer> printer_;
+};
+
+} // namespace Pegasus::tool

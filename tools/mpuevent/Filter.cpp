@@ -1,0 +1,233 @@
+#include "tools/mpuevent/Filter.h"
+
+#include "tools/mpuevent/Utf8.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fmt/format.h>
+#include <regex.h>
+
+namespace Pegasus::tool {
+
+// Makes the test of one value; throws Wrong with what is allowed. One of the two is null: what the
+// header tells is decided before anything is decoded.
+struct FilterRow {
+    const char* name;
+    const char* type;
+    const char* kept;
+    HeaderTest (*header)(const std::string& value);
+    EventTest (*event)(const std::string& value);
+};
+
+namespace {
+
+struct Wrong {
+    std::string what;
+};
+
+std::string ascii(const String& text) {
+    mpu::LineWriter out;
+    putUtf8(out, text);
+    return std::string(out.view());
+}
+
+std::optional<std::uint32_t> toNumber(std::string_view text) {
+    const bool hex = text.starts_with("0x") || text.starts_with("0X");
+    text.remove_prefix(hex ? 2 : 0);
+    std::uint32_t number = 0;
+    const auto [end, error] =
+        std::from_chars(text.data(), text.data() + text.size(), number, hex ? 16 : 10);
+    if (error != std::errc() || end != text.data() + text.size())
+        return std::nullopt;
+    return number;
+}
+
+// The codes of a header byte that `value` means: its number, or all of that name.
+std::vector<bool> codesOf(const char* what, const std::string& value,
+                          String (Avrel_Event::*nameOf)(unsigned) const) {
+    const Avrel_Event names(nullptr, 0);
+    std::vector<bool> codes(256);
+    std::string known;
+    bool found = false;
+    for (unsigned code = 0; code < 256; ++code) {
+        const std::string number = std::to_string(code);
+        const std::string name = ascii((names.*nameOf)(code));
+        codes[code] =
+            value == number || CLI::detail::to_lower(value) == CLI::detail::to_lower(name);
+        found |= codes[code];
+        if (name != number && known.find(", " + name + ",") == known.npos)
+            known.append(known.empty() ? ", " : " ").append(name).append(",");
+    }
+    if (!found) {
+        known.pop_back();
+        throw Wrong{fmt::format("no {} \"{}\"; there are: {}; or a number below 256", what, value,
+                                known.substr(2))};
+    }
+    return codes;
+}
+
+HeaderTest source(const std::string& value) {
+    return [codes = codesOf("source", value, &Avrel_Event::sourceFromEmpValue)](
+               const EmpEvLogMsg_s& record) { return codes[record.source]; };
+}
+
+HeaderTest category(const std::string& value) {
+    return [codes = codesOf("category", value, &Avrel_Event::categoryFromEmpValue)](
+               const EmpEvLogMsg_s& record) { return codes[record.category]; };
+}
+
+HeaderTest severity(const std::string& value) {
+    const auto* found =
+        std::find(std::begin(kSeverities) + 1, std::end(kSeverities), CLI::detail::to_lower(value));
+    if (found == std::end(kSeverities))
+        throw Wrong{fmt::format("\"{}\" is none of informational, warning, error", value)};
+    const auto least = static_cast<unsigned>(found - kSeverities);
+    return [least](const EmpEvLogMsg_s& record) { return severityOf(record.eventType) >= least; };
+}
+
+// Compares the sequence number or the time stamp with what `value` says.
+template <class Compare>
+HeaderTest compared(const std::string& value) {
+    const bool sequence = value.starts_with("seq:");
+    const std::optional<std::uint32_t> bound =
+        toNumber(std::string_view(value).substr(sequence ? 4 : 0));
+    if (!bound)
+        throw Wrong{fmt::format("\"{}\" is neither a time stamp (a number below 2^32) nor a "
+                                "sequence number (seq:N)",
+                                value)};
+    return [bound = *bound, sequence](const EmpEvLogMsg_s& record) {
+        return Compare()(sequence ? record.sequenceId : record.timestamp, bound);
+    };
+}
+
+EventTest eventId(const std::string& value) {
+    return [value](const Avrel_Event& event) { return ascii(event.getEventID()) == value; };
+}
+
+class Regex {
+public:
+    explicit Regex(const std::string& pattern) {
+        // REG_NEWLINE: "^" and "$" are those of each line.
+        const int error =
+            regcomp(&compiled_, pattern.c_str(), REG_EXTENDED | REG_NOSUB | REG_NEWLINE);
+        if (error != 0) {
+            char what[128];
+            regerror(error, &compiled_, what, sizeof what);
+            throw Wrong{fmt::format("\"{}\": {}", pattern, what)};
+        }
+    }
+    ~Regex() { regfree(&compiled_); }
+    Regex(const Regex&) = delete;
+    Regex& operator=(const Regex&) = delete;
+
+    bool matches(const String& text) {
+        utf8_.clear();
+        putUtf8(utf8_, text);
+        regmatch_t range{};
+        range.rm_eo = static_cast<regoff_t>(utf8_.view().size());
+        return regexec(&compiled_, utf8_.view().data(), 1, &range, REG_STARTEND) == 0;
+    }
+
+private:
+    regex_t compiled_;
+    mpu::BodyWriter utf8_;
+};
+
+EventTest grep(const std::string& value) {
+    return [regex = std::make_shared<Regex>(value)](const Avrel_Event& event) {
+        return regex->matches(event.getEventID()) || regex->matches(event.getSummary()) ||
+               regex->matches(event.getBody());
+    };
+}
+
+constexpr FilterRow kRows[] = {
+    {"source", "NAME|NUMBER", "from this source", source, nullptr},
+    {"category", "NAME|NUMBER", "of this category", category, nullptr},
+    {"severity", "LEVEL",
+     "at least this severe: informational, warning or error; engineering events count alike",
+     severity, nullptr},
+    {"since", "TIME|seq:N", "at or after this time stamp or sequence number",
+     compared<std::greater_equal<std::uint32_t>>, nullptr},
+    {"until", "TIME|seq:N", "at or before this time stamp or sequence number",
+     compared<std::less_equal<std::uint32_t>>, nullptr},
+    {"event-id", "TITLE", "with exactly this title", nullptr, eventId},
+    {"grep", "REGEX",
+     "with a match of this POSIX extended regular expression in title, summary "
+     "or body",
+     nullptr, grep},
+};
+
+} // namespace
+
+void FilterOptions::addOptions(CLI::App& app) {
+    for (const FilterRow& row : kRows)
+        for (const bool negated : {false, true}) {
+            const std::string name = std::string(negated ? "--not-" : "--") + row.name;
+            const auto take = [this, &row, negated, name](const std::vector<std::string>& values) {
+                try {
+                    this->take(row, negated, values);
+                } catch (const Wrong& wrong) {
+                    throw CLI::ValidationError(name, wrong.what);
+                }
+            };
+            app.add_option_function<std::vector<std::string>>(
+                   name, take,
+                   std::string(negated ? "Leave out events " : "Only events ") + row.kept)
+                ->type_name(row.type)
+                ->allow_extra_args(false)
+                ->group("Filters");
+        }
+    app.add_option("--limit", limit, "Stop after so many events")
+        ->type_name("N")
+        ->check(CLI::Range(std::uint64_t(1), UINT64_MAX).description(""))
+        ->group("Filters");
+}
+
+void FilterOptions::take(const FilterRow& row, bool negated,
+                         const std::vector<std::string>& values) {
+    if (row.header) {
+        headerRules_.push_back({negated, {}});
+        for (const std::string& value : values)
+            headerRules_.back().any.push_back(row.header(value));
+        return;
+    }
+    eventRules_.push_back({negated, {}});
+    for (const std::string& value : values) {
+        (void)row.event(value); // is it right?
+        eventRules_.back().any.push_back([&row, value] { return row.event(value); });
+    }
+}
+
+Filter::Filter(const FilterOptions& options) : headerRules_(options.headerRules_) {
+    for (const auto& [negated, any] : options.eventRules_) {
+        eventRules_.push_back({negated, {}});
+        for (const auto& make : any)
+            eventRules_.back().any.push_back(make());
+    }
+}
+
+template <class Test, class Subject>
+bool Filter::all(const std::vector<FilterRule<Test>>& rules, const Subject& subject) {
+    return std::all_of(rules.begin(), rules.end(), [&](const FilterRule<Test>& rule) {
+        return rule.negated != std::any_of(rule.any.begin(), rule.any.end(),
+                                           [&](const Test& test) { return test(subject); });
+    });
+}
+
+bool Filter::passes(const Message& message) const {
+    // A record in a capture has at least its header.
+    return all(headerRules_, *reinterpret_cast<const EmpEvLogMsg_s*>(message.record.data()));
+}
+
+bool Filter::passes(const Avrel_Event& event) const {
+    return all(eventRules_, event);
+}
+
+std::unique_ptr<Avrel_Event> Filter::decode(const Message& message) const {
+    if (!passes(message))
+        return nullptr;
+    std::unique_ptr<Avrel_Event> event = message.decode();
+    return passes(*event) ? std::move(event) : nullptr;
+}
+
+} // namespace Pegasus::tool

@@ -1,0 +1,72 @@
+// Which events are wanted.
+#pragma once
+
+#include "tools/mpuevent/Capture.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <optional>
+
+namespace Pegasus::tool {
+
+inline constexpr std::string_view kSeverities[] = {"unknown", "informational", "warning", "error"};
+
+// Index of the severity of an event type: customer events have the types 1 to 3, engineering events
+// 101 to 103.
+constexpr unsigned severityOf(unsigned eventType) {
+    const unsigned severity = eventType > 100 ? eventType - 100 : eventType;
+    return severity <= 3 ? severity : 0;
+}
+
+struct FilterRow;
+
+using HeaderTest = std::function<bool(const EmpEvLogMsg_s&)>;
+using EventTest = std::function<bool(const Avrel_Event&)>;
+
+// What is wanted by one option: what passes any of the tests, or none when negated.
+template <class Test>
+struct FilterRule {
+    bool negated;
+    std::vector<Test> any;
+};
+
+// What the filter options say. Each has a twin that begins with "--not-" and leaves out what the
+// option keeps. An option that is given more than once keeps what any of its values does; an event
+// must pass all options.
+class FilterOptions {
+public:
+    void addOptions(CLI::App& app);
+    // At most so many events are wanted.
+    std::optional<std::uint64_t> limit;
+
+private:
+    friend class Filter;
+    void take(const FilterRow& row, bool negated, const std::vector<std::string>& values);
+
+    std::vector<FilterRule<HeaderTest>> headerRules_;
+    // What makes the tests of an event: these hold scratch memory.
+    using MakeTest = std::function<EventTest()>;
+    std::vector<FilterRule<MakeTest>> eventRules_;
+};
+
+// Applies the options. Holds scratch memory: one for each thread.
+class Filter {
+public:
+    explicit Filter(const FilterOptions& options);
+    // Whether the record's header alone lets it pass: no need to decode it if not.
+    bool passes(const Message& message) const;
+    // Whether the event of such a record is wanted.
+    bool passes(const Avrel_Event& event) const;
+    // The event of the message, null if it is not wanted.
+    std::unique_ptr<Avrel_Event> decode(const Message& message) const;
+
+private:
+    template <class Test, class Subject>
+    static bool all(const std::vector<FilterRule<Test>>& rules, const Subject& subject);
+
+    const std::vector<FilterRule<HeaderTest>> headerRules_;
+    std::vector<FilterRule<EventTest>> eventRules_;
+};
+
+} // namespace Pegasus::tool

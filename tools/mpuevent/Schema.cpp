@@ -1,0 +1,278 @@
+#include "tools/mpuevent/Schema.h"
+
+#include "tools/catalogue/Sample.h"
+#include "tools/mpuevent/Body.h"
+#include "tools/mpuevent/Capture.h"
+#include "tools/mpuevent/Keys.h"
+#include "tools/mpuevent/Utf8.h"
+
+#include <algorithm>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+
+namespace Pegasus::tool {
+
+namespace {
+
+constexpr int kRounds = 4; // of sample records, which are different each time
+
+std::string utf8Of(const String& text) {
+    mpu::BodyWriter out;
+    putUtf8(out, text);
+    return std::string(out.view());
+}
+
+// What the events of a module show, in the order of first use.
+struct Shown {
+    std::vector<std::string> titles;
+    std::vector<std::string> elements;
+};
+
+void add(std::vector<std::string>& names, std::string_view name) {
+    if (std::find(names.begin(), names.end(), name) == names.end())
+        names.emplace_back(name);
+}
+
+Shown shownBy(const mpu::Module& module) {
+    Shown shown;
+    BodyParser parser;
+    mpu::SampleWriter samples(1);
+    for (int round = 0; round < kRounds; ++round)
+        for (const mpu::Section& section : module.sections) {
+            const std::string record = samples.record(module, section);
+            const auto* bytes = reinterpret_cast<const std::uint8_t*>(record.data());
+            const auto event = Message{0, {}, {bytes, record.size()}}.decode();
+            add(shown.titles, utf8Of(event->getEventID()));
+            const std::string body = utf8Of(event->getBody());
+            for (const Piece& piece : parser.parse(body))
+                if (piece.kind == Piece::Element || piece.kind == Piece::Group)
+                    add(shown.elements, piece.name);
+        }
+    return shown;
+}
+
+class Schema {
+public:
+    Schema() {
+        json_.SetIndent(' ', 2);
+        json_.SetFormatOptions(rapidjson::kFormatSingleLineArray);
+    }
+
+    std::string make(std::span<const mpu::Module> modules) {
+        json_.StartObject();
+        pair("$schema", "http://json-schema.org/draft-07/schema#");
+        pair("title", "An event as mpuevent writes it with --format json, version " +
+                          std::to_string(kFormatVersion));
+        pair("type", "object");
+        key("required");
+        json_.StartArray();
+        for (const Key& row : kKeys)
+            text(row.name);
+        json_.EndArray();
+        key("properties");
+        json_.StartObject();
+        for (const Key& row : kKeys)
+            property(row);
+        key("fields");
+        reference("fields");
+        key("formatVersion");
+        json_.StartObject();
+        pair("description", "With --fields");
+        key("const");
+        json_.Uint(kFormatVersion);
+        json_.EndObject();
+        json_.EndObject();
+
+        key("allOf");
+        json_.StartArray();
+        for (const mpu::Module& module : modules)
+            condition(module);
+        json_.EndArray();
+        key("definitions");
+        json_.StartObject();
+        fields();
+        for (const mpu::Module& module : modules)
+            definition(module);
+        json_.EndObject();
+        json_.EndObject();
+        return std::string(buffer_.GetString(), buffer_.GetSize()) + "\n";
+    }
+
+private:
+    static std::string sourceOf(unsigned code) {
+        return utf8Of(Avrel_Event(nullptr, 0).sourceFromEmpValue(code));
+    }
+
+    void text(std::string_view value) {
+        json_.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+    }
+    void key(std::string_view name) {
+        json_.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+    }
+    void pair(std::string_view name, std::string_view value) {
+        key(name);
+        text(value);
+    }
+    void texts(std::string_view name, const std::vector<std::string>& values) {
+        key(name);
+        json_.StartArray();
+        for (const std::string& value : values)
+            text(value);
+        json_.EndArray();
+    }
+    // A schema that is another one.
+    void reference(std::string_view name) {
+        json_.StartObject();
+        pair("$ref", std::string("#/definitions/").append(name));
+        json_.EndObject();
+    }
+
+    void property(const Key& row) {
+        const std::string_view name = row.name;
+        key(name);
+        json_.StartObject();
+        pair("description", row.meaning);
+        pair("type", row.number ? "integer" : "string");
+        if (name == "source") {
+            codes([](unsigned code) { return sourceOf(code); });
+        } else if (name == "category") {
+            codes([](unsigned code) {
+                return utf8Of(Avrel_Event(nullptr, 0).categoryFromEmpValue(code));
+            });
+        } else if (name == "eventType") {
+            key("enum");
+            json_.StartArray();
+            for (const auto& [code, meaning] : eventTypes())
+                json_.Uint(code);
+            json_.EndArray();
+        } else if (name == "eventTypeText") {
+            std::vector<std::string> names;
+            for (const auto& [code, meaning] : eventTypes())
+                names.push_back(meaning);
+            texts("enum", names);
+        } else if (row.number) {
+            key("minimum");
+            json_.Uint(0);
+            key("maximum");
+            json_.Uint(UINT32_MAX);
+        }
+        json_.EndObject();
+    }
+
+    // The names of a header byte's codes; what has none is written as its number.
+    template <class NameOf>
+    void codes(NameOf nameOf) {
+        std::vector<std::string> names;
+        for (unsigned code = 0; code < 256; ++code)
+            if (const std::string name = nameOf(code); name != std::to_string(code))
+                add(names, name);
+        key("anyOf");
+        json_.StartArray();
+        json_.StartObject();
+        texts("enum", names);
+        json_.EndObject();
+        json_.StartObject();
+        pair("pattern", "^[0-9]{1,3}$");
+        json_.EndObject();
+        json_.EndArray();
+    }
+
+    static std::vector<std::pair<unsigned, std::string>> eventTypes() {
+        std::vector<std::pair<unsigned, std::string>> types;
+        Avrel_Event event(nullptr, 0);
+        for (unsigned code = 0; code < 256; ++code) {
+            event.setEventType(event.eventTypeFromEmpValue(code));
+            if (code == 0 || std::as_const(event).getEventType() != 0)
+                types.emplace_back(code, utf8Of(event.getEventType()));
+        }
+        return types;
+    }
+
+    void condition(const mpu::Module& module) {
+        json_.StartObject();
+        key("if");
+        json_.StartObject();
+        key("properties");
+        json_.StartObject();
+        key("source");
+        json_.StartObject();
+        pair("const", sourceOf(module.source));
+        json_.EndObject();
+        json_.EndObject();
+        json_.EndObject();
+        key("then");
+        reference(module.decoder);
+        json_.EndObject();
+    }
+
+    void fields() {
+        key("fields");
+        json_.StartObject();
+        pair("description", "The body's elements in order, with --fields; names repeat, and text "
+                            "outside elements has an empty one");
+        pair("type", "array");
+        key("items");
+        json_.StartObject();
+        pair("type", "object");
+        key("properties");
+        json_.StartObject();
+        for (const char* const name : {"name", "value"}) {
+            key(name);
+            json_.StartObject();
+            pair("type", "string");
+            json_.EndObject();
+        }
+        key("fields");
+        reference("fields");
+        json_.EndObject();
+        key("oneOf");
+        json_.StartArray();
+        for (const char* const content : {"value", "fields"}) {
+            json_.StartObject();
+            texts("required", {"name", content});
+            json_.EndObject();
+        }
+        json_.EndArray();
+        json_.EndObject();
+        json_.EndObject();
+    }
+
+    void definition(const mpu::Module& module) {
+        const Shown shown = shownBy(module);
+        key(module.decoder);
+        json_.StartObject();
+        pair("description", "Titles and names of elements as sample records show them");
+        key("properties");
+        json_.StartObject();
+        key("eventID");
+        json_.StartObject();
+        texts("examples", shown.titles);
+        json_.EndObject();
+        key("fields");
+        json_.StartObject();
+        key("items");
+        json_.StartObject();
+        key("properties");
+        json_.StartObject();
+        key("name");
+        json_.StartObject();
+        texts("examples", shown.elements);
+        json_.EndObject();
+        json_.EndObject();
+        json_.EndObject();
+        json_.EndObject();
+        json_.EndObject();
+        json_.EndObject();
+    }
+
+    rapidjson::StringBuffer buffer_;
+    rapidjson::PrettyWriter<rapidjson::StringBuffer> json_{buffer_};
+};
+
+} // namespace
+
+std::string jsonSchema(std::span<const mpu::Module> modules) {
+    return Schema().make(modules);
+}
+
+} // namespace Pegasus::tool

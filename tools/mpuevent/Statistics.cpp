@@ -1,0 +1,89 @@
+#include "tools/mpuevent/Statistics.h"
+
+#include "tools/mpuevent/Filter.h"
+#include "tools/mpuevent/Utf8.h"
+
+#include <algorithm>
+
+namespace Pegasus::tool {
+
+namespace {
+
+constexpr std::size_t kMaxMoments = 4096;
+constexpr std::size_t kMaxTitles = 10000; // records may make up any
+
+std::string utf8Of(const String& text) {
+    mpu::LineWriter out;
+    putUtf8(out, text);
+    return std::string(out.view());
+}
+
+} // namespace
+
+void TimeLine::add(std::uint32_t time, unsigned severity) {
+    ++moments_[time >> shift_][severity];
+    while (moments_.size() > kMaxMoments) {
+        ++shift_;
+        std::map<std::uint32_t, SeverityCounts> coarse;
+        for (const auto& [moment, counts] : moments_)
+            for (std::size_t i = 0; i < counts.size(); ++i)
+                coarse[moment >> 1][i] += counts[i];
+        moments_ = std::move(coarse);
+    }
+}
+
+std::vector<SeverityCounts> TimeLine::pieces(std::size_t count, const Span& time) const {
+    std::vector<SeverityCounts> pieces(count);
+    const std::uint64_t length = std::uint64_t(time.last) - time.first + 1;
+    for (const auto& [moment, counts] : moments_) {
+        // A coarse moment may begin before the first event.
+        const std::uint32_t begin = std::max(moment << shift_, time.first);
+        SeverityCounts& piece = pieces[(begin - time.first) * count / length];
+        for (std::size_t i = 0; i < counts.size(); ++i)
+            piece[i] += counts[i];
+    }
+    return pieces;
+}
+
+void Statistics::add(Avrel_Event& event) {
+    const unsigned severity = severityOf(std::as_const(event).getEventType());
+    ++events;
+    time.add(event.getTimestamp());
+    sequence.add(event.getSequenceID());
+    ++severities[severity];
+    timeLine.add(event.getTimestamp(), severity);
+    const std::string source = utf8Of(event.getSource());
+    ++sources_[source];
+    auto key = std::make_pair(source, utf8Of(event.getEventID()));
+    auto found = titles_.find(key);
+    if (found == titles_.end()) {
+        if (titles_.size() == kMaxTitles) {
+            ++otherTitles;
+            return;
+        }
+        Title title{key.first, key.second, 0, 0, {}};
+        found = titles_.emplace(std::move(key), std::move(title)).first;
+    }
+    Title& title = found->second;
+    ++title.count;
+    title.severity = std::max(title.severity, severity);
+    title.time.add(event.getTimestamp());
+}
+
+std::vector<std::pair<std::string, std::uint64_t>> Statistics::bySource() const {
+    std::vector<std::pair<std::string, std::uint64_t>> all(sources_.begin(), sources_.end());
+    std::stable_sort(all.begin(), all.end(),
+                     [](const auto& a, const auto& b) { return a.second > b.second; });
+    return all;
+}
+
+std::vector<Statistics::Title> Statistics::byTitle() const {
+    std::vector<Title> all;
+    for (const auto& [key, title] : titles_)
+        all.push_back(title);
+    std::stable_sort(all.begin(), all.end(),
+                     [](const Title& a, const Title& b) { return a.count > b.count; });
+    return all;
+}
+
+} // namespace Pegasus::tool

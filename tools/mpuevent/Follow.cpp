@@ -51,7 +51,7 @@ public:
         if (descriptor_ < 0 || ::fstat(descriptor_, &opened_) != 0)
             return errno;
         position_ = 0;
-        gone_ = false;
+        replaced_ = false;
         return S_ISDIR(opened_.st_mode) ? EISDIR : S_ISREG(opened_.st_mode) ? 0 : EINVAL;
     }
 
@@ -66,10 +66,10 @@ public:
             }
             if (got < 0 && errno != EINTR)
                 return end(errno);
-            if (gone_)
+            if (replaced_ || isShorter())
                 return 0;
-            gone_ = isGone(); // then it may have grown since we looked, for the last time
-            if (!gone_ && (!output_.flush() || !wait(output_.descriptor(), kInterval)))
+            replaced_ = isReplaced(); // then it may have grown since we looked, for the last time
+            if (!replaced_ && (!output_.flush() || !wait(output_.descriptor(), kInterval)))
                 return end(ECANCELED);
         }
     }
@@ -80,12 +80,13 @@ private:
         failure_ = failure;
         return 0;
     }
-    // Whether another file is to be read from its start.
-    bool isGone() const {
+    bool isShorter() const {
         struct stat now;
-        if (::fstat(descriptor_, &now) == 0 && now.st_size < position_)
-            return true;
-        // While a rotation goes on there may be nothing at all.
+        return ::fstat(descriptor_, &now) == 0 && now.st_size < position_;
+    }
+    // While a rotation goes on there may be nothing at all.
+    bool isReplaced() const {
+        struct stat now;
         return ::stat(path_.c_str(), &now) == 0 && S_ISREG(now.st_mode) &&
                (now.st_dev != opened_.st_dev || now.st_ino != opened_.st_ino);
     }
@@ -100,7 +101,7 @@ private:
     struct stat opened_ {};
     off_t position_ = 0;
     int failure_ = 0; // ECANCELED: the following is over
-    bool gone_ = false;
+    bool replaced_ = false;
 };
 
 struct Options {
@@ -119,8 +120,15 @@ Status follow(const Options& options) {
     const auto fail = [&](const char* what) {
         writer.complaint(kFailed, fmt::format("{}: {}", options.file, what));
     };
+    bool started = false;
     for (bool more = true; more;) {
-        if (const int error = file.open(); error != 0) {
+        const int error = file.open();
+        if (error == ENOENT && started) { // replaced once more
+            more = wait(output.descriptor(), kInterval);
+            continue;
+        }
+        started = true;
+        if (error != 0) {
             fail(error == EINVAL ? "not a regular file; mpuevent decode reads it"
                                  : std::strerror(error));
             break;

@@ -20,10 +20,10 @@ namespace {
 
 constexpr Module kModules[] = {
     iomgr::kModule,
+    sata::kModule,
     mip::kModule,
     awr::kModule,
     vpi::kModule,
-    sata::kModule,
     unhandled::module(12, "ICHAR_Event"),
     unhandled::module(13, "OB0_Event"),
     unhandled::module(14, "OB1_Event"),

@@ -177,7 +177,8 @@ bool Capture::search() {
 
 // Where the next message begins if not at `end` but before it; 0 if it doesn't.
 std::size_t Capture::messageWithin(std::size_t end) {
-    if (isBoundary(end))
+    // With nothing behind it so far: who follows a growing capture must not wait for the next one.
+    if ((source_->waits() && end == end_ - begin_) || isBoundary(end))
         return 0;
     // A bare record has only its looks: inside the header of another one they are not enough.
     for (std::size_t ahead = headerSize_ != 0 ? 1 : minimum_; ahead < end; ++ahead)

@@ -74,6 +74,7 @@ public:
         }
     }
     int failure() const override { return failure_; }
+    bool waits() const override { return true; }
 
 private:
     std::size_t end(int failure) {

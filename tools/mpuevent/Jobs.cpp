@@ -94,7 +94,8 @@ void ParallelWriter::retire(Batch& batch) {
         const std::uint64_t events = std::min<std::uint64_t>(batch.ends.size(), left_);
         left_ -= events;
         if (events != 0)
-            more_ = output_.write(batch.text.view().substr(0, batch.ends[events - 1]));
+            more_ = output_.write(
+                batch.text.view().substr(0, batch.ends[static_cast<std::size_t>(events - 1)]));
         more_ = more_ && left_ != 0;
         if (more_ && batch.status != kFine) {
             status_ = std::max(status_, batch.status);

@@ -38,7 +38,8 @@ std::vector<SeverityCounts> TimeLine::pieces(std::size_t count, const Span& time
     for (const auto& [moment, counts] : moments_) {
         // A coarse moment may begin before the first event.
         const std::uint32_t begin = std::max(moment << shift_, time.first);
-        SeverityCounts& piece = pieces[(begin - time.first) * count / length];
+        SeverityCounts& piece =
+            pieces[static_cast<std::size_t>((begin - time.first) * count / length)];
         for (std::size_t i = 0; i < counts.size(); ++i)
             piece[i] += counts[i];
     }

@@ -13,6 +13,7 @@ file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
     decoders/*/*_Event.h platform/cmap/*.h)
 list(FILTER headers EXCLUDE REGEX "_Layouts\\.h$")
 list(APPEND headers
+    decoders/datapath/Records.h
     decoders/generic/Unhandled.h
     decoders/management/LocationBlock.h
     event/AvrelEvent.h

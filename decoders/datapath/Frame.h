@@ -1,8 +1,7 @@
-// What the records of the I/O manager and the message/interrupt processor share: a frame of five
-// big-endian words at the start of the payload (offset 152), a data area behind it, and sub-records
-// in that.
+// Where the frame's words lie (Records.h), and the tables of what an event of a class means.
 #pragma once
 
+#include "decoders/datapath/Records.h"
 #include "event/Label.h"
 #include "event/RecordView.h"
 
@@ -11,30 +10,12 @@
 
 namespace Pegasus::mpu::datapath {
 
-struct Frame {
-    Big<std::uint32_t> eventClass;
-    Big<std::uint32_t> code; // meaning depends on the class
-    Big<std::uint32_t> unused;
-    Big<std::uint32_t> line;       // firmware source line that raised the event
-    Big<std::uint32_t> dataLength; // bytes of the data area, which begins behind this
-};
 inline constexpr unsigned kClassAt = 0;
 inline constexpr unsigned kCodeAt = 4;
 inline constexpr unsigned kLineAt = 12;
 inline constexpr unsigned kLengthAt = 16;
 inline constexpr unsigned kDataAt = 20;
 static_assert(sizeof(Frame) == kDataAt);
-
-// Sub-records that both write.
-struct LwsemRecord {
-    unsigned char bytes[8];
-};
-struct MmsgRecord {
-    unsigned char bytes[20];
-};
-struct MsaRecord {
-    unsigned char bytes[32];
-};
 
 // No record has a longer payload, whatever a length in it says.
 inline constexpr std::size_t kMaxData = 0xFFFF;

@@ -3,7 +3,7 @@
 // drive requests, queues and messages.
 #pragma once
 
-#include "decoders/datapath/Frame.h"
+#include "decoders/datapath/Records.h"
 #include "event/AvrelEvent.h"
 
 namespace Pegasus {

@@ -2,7 +2,7 @@
 // cores, fields interrupts, runs the DMA and message queues and reports bug-checks.
 #pragma once
 
-#include "decoders/datapath/Frame.h"
+#include "decoders/datapath/Records.h"
 #include "event/Avrel_Event.h"
 
 namespace Pegasus {

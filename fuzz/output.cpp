@@ -1,6 +1,7 @@
 // What the command writes of any event must be what its format says, to a parser that isn't ours.
 #include "fuzz/Invariants.h"
 #include "tools/mpuevent/Body.h"
+#include "tools/mpuevent/Keys.h"
 #include "tools/mpuevent/Printer.h"
 
 #include <nlohmann/json.hpp>
@@ -10,8 +11,8 @@ namespace {
 
 using namespace tool;
 
-std::string printed(const Format& format, Avrel_Event& event) {
-    const std::unique_ptr<Printer> printer = format.make();
+std::string printed(const Format& format, bool fields, Avrel_Event& event) {
+    const std::unique_ptr<Printer> printer = format.make({fields, false});
     mpu::BodyWriter once;
     printer->begin(once);
     printer->print(event, once);
@@ -25,7 +26,7 @@ std::string printed(const Format& format, Avrel_Event& event) {
     return std::string(once.view());
 }
 
-void requireJson(const std::string& line, const Said& event) {
+void requireJson(const std::string& line, const Said& event, bool fields) {
     static constexpr const char* kTexts[] = {"enclosureSerialNumber",
                                              "controllerSerialNumber",
                                              "source",
@@ -36,34 +37,108 @@ void requireJson(const std::string& line, const Said& event) {
                                              "body"};
     static constexpr const char* kNumbers[] = {"controllerSlotID", "eventLogInstanceNumber",
                                                "sequenceID", "timestamp", "eventType"};
-    require(line.find('\n') == line.size() - 1, "a JSON object is one line");
     const nlohmann::json object = nlohmann::json::parse(line); // throws
     for (std::size_t i = 0; i < std::size(kTexts); ++i)
         requireSame(object.at(kTexts[i]).get_ref<const std::string&>(), event.texts[i], kTexts[i]);
     for (std::size_t i = 0; i < std::size(kNumbers); ++i)
         require(object.at(kNumbers[i]).get<std::uint32_t>() == event.numbers[i], kNumbers[i]);
-    require(object.size() == std::size(kTexts) + std::size(kNumbers), "nothing else");
+    require(object.size() == std::size(kTexts) + std::size(kNumbers) + (fields ? 2 : 0),
+            "nothing else");
+}
+
+// Tags match, and what stands between them has no character of markup but in the known entities.
+void requireXml(std::string_view text) {
+    std::vector<std::string_view> open;
+    for (std::size_t at = text.find("?>") + 2; at < text.size();) {
+        if (text[at] == '<') {
+            const std::size_t end = text.find('>', at);
+            require(end != text.npos, "a tag ends");
+            const std::string_view tag = text.substr(at + 1, end - at - 1);
+            const std::string_view name = tag.substr(0, tag.find(' '));
+            if (tag.starts_with('/')) {
+                require(!open.empty() && open.back() == tag.substr(1), "tags match");
+                open.pop_back();
+            } else {
+                require(!name.empty() && name.find_first_of("\"'<&=") == name.npos &&
+                            std::count(tag.begin(), tag.end(), '"') == (name != tag ? 2 : 0),
+                        "tags are names with one attribute at most");
+                open.push_back(name);
+            }
+            at = end;
+        } else if (text[at] == '&') {
+            const std::string_view entity = text.substr(at, text.find(';', at) - at);
+            require(entity.starts_with("&#") || entity == "&amp" || entity == "&lt" ||
+                        entity == "&gt" || entity == "&quot" || entity == "&apos",
+                    "entities are known");
+        }
+        ++at;
+    }
+    require(open.empty(), "all tags are closed");
+}
+
+// Cells by RFC 4180, all rows equally wide.
+std::vector<std::string> cellsOf(std::string_view text, std::size_t rows) {
+    std::vector<std::string> cells(1);
+    std::size_t lines = 0;
+    bool quoted = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char c = text[at];
+        const bool twice = quoted && text.substr(at).starts_with("\"\"");
+        if (c == '"' && !twice) {
+            require(quoted || cells.back().empty(), "quotes surround a cell");
+            quoted = !quoted;
+            require(quoted || at + 1 == text.size() || std::strchr(",\r\n", text[at + 1]),
+                    "quotes surround a cell");
+            continue;
+        }
+        at += twice;
+        if (!quoted && (c == ',' || c == '\n')) {
+            lines += c == '\n';
+            cells.emplace_back();
+        } else if (quoted || c != '\r') {
+            cells.back() += c;
+        }
+    }
+    require(!quoted && lines == rows && cells.back().empty(), "rows are whole");
+    cells.pop_back();
+    require(cells.size() == rows * std::size(kKeys), "a row has a cell for each key");
+    return cells;
 }
 
 void printAll(Avrel_Event& event, bool isText) {
-    for (const Format& format : kFormats) {
-        const std::string_view name = format.name;
-        const std::string text = printed(format, event);
-        require(isUtf8(text), "output is valid UTF-8");
-        require(text.ends_with('\n'), "output is whole lines");
-        require(std::none_of(text.begin(), text.end(),
-                             [](char c) {
-                                 return static_cast<unsigned char>(c) < ' ' && c != '\n' &&
-                                        c != '\t';
-                             }),
-                std::string(name) + " output holds no control characters");
-        if (name == "line")
-            require(text.find('\n') == text.size() - 1, "a line is one line");
-        if (name == "json" && isText)
-            requireJson(text, said(event));
-        else if (name == "json")
-            require(nlohmann::json::accept(text), "JSON is valid");
-    }
+    const Said all = said(event);
+    for (const Format& format : kFormats)
+        for (bool fields : {false, true}) {
+            if (fields && !format.fields)
+                continue;
+            const std::string_view name = format.name;
+            const std::string text = printed(format, fields, event);
+            require(isUtf8(text), "output is valid UTF-8");
+            require(text.ends_with('\n'), "output is whole lines");
+            require(name == "csv" || std::none_of(text.begin(), text.end(),
+                                                  [](char c) {
+                                                      return static_cast<unsigned char>(c) < ' ' &&
+                                                             c != '\n' && c != '\t';
+                                                  }),
+                    std::string(name) + " output holds no control characters");
+            if (name == "line" || name == "json")
+                require(text.find('\n') == text.size() - 1, "a line is one line");
+            if (name == "json" && isText)
+                requireJson(text, all, fields);
+            else if (name == "json")
+                require(nlohmann::json::accept(text), "JSON is valid");
+            if (name == "xml")
+                requireXml(text);
+            if (name == "csv" && !fields) {
+                const std::vector<std::string> cells = cellsOf(text, 2);
+                for (std::size_t i = 0; i < std::size(kKeys); ++i) {
+                    requireSame(cells[i], kKeys[i].name, "a column has its name");
+                    if (isText && kKeys[i].text)
+                        requireSame(cells[i + std::size(kKeys)], utf8(kKeys[i].text(event)),
+                                    kKeys[i].name);
+                }
+            }
+        }
 }
 
 // Every name and every text of the pieces lies in the body, in order; groups match.

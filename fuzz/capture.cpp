@@ -100,7 +100,7 @@ void capture(Bytes bytes) {
     std::uint64_t end = 0;
     std::size_t gaps = 0;
     for (const Found::Place& message : found.messages) {
-        gaps += message.offset > end; // short messages share bytes with the next
+        gaps += message.offset > end; // one may have swallowed the beginning of the next
         end = std::max(end, message.offset + message.size);
     }
     gaps += end != all.size();

@@ -1,6 +1,8 @@
 // What the command writes of any event must be what its format says, to a parser that isn't ours.
 #include "fuzz/Invariants.h"
+#include "fuzz/Parsers.h"
 #include "tools/mpuevent/Body.h"
+#include "tools/mpuevent/Keys.h"
 #include "tools/mpuevent/Printer.h"
 
 #include <nlohmann/json.hpp>
@@ -10,8 +12,8 @@ namespace {
 
 using namespace tool;
 
-std::string printed(const Format& format, Avrel_Event& event) {
-    const std::unique_ptr<Printer> printer = format.make(Style{});
+std::string printed(const Format& format, bool fields, Avrel_Event& event) {
+    const std::unique_ptr<Printer> printer = format.make({fields, false});
     mpu::BodyWriter once;
     printer->begin(once);
     printer->print(event, once);
@@ -25,7 +27,7 @@ std::string printed(const Format& format, Avrel_Event& event) {
     return std::string(once.view());
 }
 
-void requireJson(const std::string& line, const Said& event) {
+void requireJson(const std::string& line, const Said& event, bool fields) {
     static constexpr const char* kTexts[] = {"enclosureSerialNumber",
                                              "controllerSerialNumber",
                                              "source",
@@ -36,35 +38,57 @@ void requireJson(const std::string& line, const Said& event) {
                                              "body"};
     static constexpr const char* kNumbers[] = {"controllerSlotID", "eventLogInstanceNumber",
                                                "sequenceID", "timestamp", "eventType"};
-    require(line.find('\n') == line.size() - 1, "a JSON object is one line");
     const nlohmann::json object = nlohmann::json::parse(line); // throws
     for (std::size_t i = 0; i < std::size(kTexts); ++i)
         requireSame(object.at(kTexts[i]).get_ref<const std::string&>(), event.texts[i], kTexts[i]);
     for (std::size_t i = 0; i < std::size(kNumbers); ++i)
         require(object.at(kNumbers[i]).get<std::uint32_t>() == event.numbers[i], kNumbers[i]);
-    require(object.size() == std::size(kTexts) + std::size(kNumbers), "nothing else");
+    require(object.size() == std::size(kTexts) + std::size(kNumbers) + (fields ? 2 : 0),
+            "nothing else");
 }
 
-void printAll(Avrel_Event& event, bool isText) {
-    for (const Format& format : kFormats) {
-        const std::string_view name = format.name;
-        const std::string text = printed(format, event);
-        require(isUtf8(text), "output is valid UTF-8");
-        require(text.ends_with('\n'), "output is whole lines");
-        require(name == "csv" || // whose fields may hold anything
-                    std::none_of(text.begin(), text.end(),
-                                 [](char c) {
-                                     return static_cast<unsigned char>(c) < ' ' && c != '\n' &&
-                                            c != '\t';
-                                 }),
-                std::string(name) + " output holds no control characters");
-        if (name == "line")
-            require(text.find('\n') == text.size() - 1, "a line is one line");
-        if (name == "json" && isText)
-            requireJson(text, said(event));
-        else if (name == "json")
-            require(nlohmann::json::accept(text), "JSON is valid");
+#ifdef MPUEVENT_PARSERS
+void requireCsv(const std::vector<std::vector<std::string>>& rows, Avrel_Event& event,
+                bool isText) {
+    require(rows.size() == 2 && rows[0].size() == rows[1].size(), "a cell for each column");
+    require(rows[0].size() >= std::size(kKeys), "a column for each key");
+    for (std::size_t i = 0; i < std::size(kKeys); ++i) {
+        requireSame(rows[0][i], kKeys[i].name, "a column has its name");
+        if (isText && kKeys[i].text)
+            requireSame(rows[1][i], utf8(kKeys[i].text(event)), kKeys[i].name);
     }
+}
+#endif
+
+void printAll(Avrel_Event& event, bool isText) {
+    const Said all = said(event);
+    for (const Format& format : kFormats)
+        for (bool fields : {false, true}) {
+            if (fields && !format.fields)
+                continue;
+            const std::string_view name = format.name;
+            const std::string text = printed(format, fields, event);
+            require(isUtf8(text), "output is valid UTF-8");
+            require(text.ends_with('\n'), "output is whole lines");
+            require(name == "csv" || std::none_of(text.begin(), text.end(),
+                                                  [](char c) {
+                                                      return static_cast<unsigned char>(c) < ' ' &&
+                                                             c != '\n' && c != '\t';
+                                                  }),
+                    std::string(name) + " output holds no control characters");
+            if (name == "line" || name == "json")
+                require(text.find('\n') == text.size() - 1, "a line is one line");
+            if (name == "json" && isText)
+                requireJson(text, all, fields);
+            else if (name == "json")
+                require(nlohmann::json::accept(text), "JSON is valid");
+#ifdef MPUEVENT_PARSERS
+            if (name == "xml")
+                requireXml(text);
+            if (name == "csv")
+                requireCsv(parseCsv(text), event, isText);
+#endif
+        }
 }
 
 // Every name and every text of the pieces lies in the body, in order; groups match.

@@ -3,6 +3,7 @@
 
 #include "tools/mpuevent/Statistics.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -80,8 +81,8 @@ TEST_F(SummaryCommandTest, Json) {
            "firstTimestamp": 7, "lastTimestamp": 7}],
         "otherTitles": 0})");
     std::string hex;
-    for (const unsigned char c : read("input"))
-        hex += std::string{"0123456789abcdef"[c >> 4], "0123456789abcdef"[c & 15]};
+    for (const char c : read("input"))
+        hex += fmt::format("{:02x}", static_cast<unsigned char>(c));
     write("input", hex + "\n");
     for (int i = 0; i < 25; ++i)
         std::ofstream(folder_ + "/input", std::ios::app) << "zz\n";

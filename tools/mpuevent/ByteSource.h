@@ -23,8 +23,6 @@ public:
     virtual int failure() const { return 0; }
     // Whether there may be more than was read so far, although nothing is there now.
     virtual bool growing() const { return false; }
-    // Whether read() waits for bytes that are not there yet, however long that takes.
-    virtual bool waits() const { return false; }
 };
 
 // A file descriptor that the caller owns.

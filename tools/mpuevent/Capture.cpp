@@ -15,8 +15,8 @@ constexpr std::size_t kRecordHeader = sizeof(EmpEvLogMsg_s);
 // The 16-bit length of a message counts its header.
 constexpr std::size_t kMaxMessage = 0xFFFF;
 constexpr std::size_t kMaxRecord = kMaxMessage - mpu::message_header::kSize;
-// Furthest look ahead: over a message, one that begins at its end and the headers behind that.
-constexpr std::size_t kLookAhead = 2 * kMaxMessage + mpu::message_header::kSize + kRecordHeader + 1;
+// Furthest look ahead: over a message to the headers of the one behind it.
+constexpr std::size_t kLookAhead = kMaxMessage + mpu::message_header::kSize + kRecordHeader + 1;
 static_assert(kBuffer >= 2 * kLookAhead);
 
 bool isEventType(std::uint8_t v) {
@@ -40,15 +40,19 @@ Capture::Capture(Framing framing, Report report)
 
 void Capture::open(ByteSource& source, Place place) {
     source_ = &source;
-    begin_ = end_ = taken_ = 0;
+    begin_ = end_ = taken_ = kept_ = 0;
     offset_ = place.offset;
     fault_ = std::move(place.fault);
     ended_ = false;
 }
 
 bool Capture::next(Message& message) {
-    skip(taken_);
-    taken_ = 0;
+    if (taken_ != 0) {
+        skip(taken_);
+        kept_ = searched_ ? 0 : taken_;
+        taken_ = 0;
+        searched_ = false;
+    }
     waiting_ = false;
     std::size_t length = 0;
     while (length == 0) {
@@ -64,15 +68,6 @@ bool Capture::next(Message& message) {
             }
             if (what.empty()) {
                 length = announcedLength(0);
-                if (const std::size_t next = messageWithin(length); next != 0) {
-                    report_(fmt::format(
-                        "offset {}: {} length {} ({} wanted: there the next one begins)", offset_,
-                        headerSize_ == 0 ? "record" : "message", length, next));
-                    // Its header is handed out in any case: who knows on which side bytes are
-                    // missing.
-                    length = std::max(next, minimum_);
-                    taken_ = next;
-                }
                 break;
             }
             if (source_->failure() != 0)
@@ -86,11 +81,12 @@ bool Capture::next(Message& message) {
             if (waiting_ && !messageAhead())
                 return false;
             fault_ = fault;
-            skip(1);
+            beginSearch();
         }
         const bool found = search();
         if (waiting_)
             return false;
+        searched_ = true;
         report_(found ? fmt::format("{}; going on at offset {}", fault_, offset_)
                       : fault_ + "; nothing found behind it");
         fault_.clear();
@@ -98,8 +94,7 @@ bool Capture::next(Message& message) {
     message.offset = offset_;
     message.header = {at(0), headerSize_};
     message.record = {at(headerSize_), length - headerSize_};
-    if (taken_ == 0)
-        taken_ = length;
+    taken_ = length;
     return true;
 }
 
@@ -161,6 +156,19 @@ std::string Capture::fault() {
                        record[146], record[147], record[148]);
 }
 
+// The last message may have swallowed the beginning of the next one: the search begins inside it,
+// for a bare record, which has only its looks, behind its header. But not inside a message that was
+// searched for, lest a capture be read over and over.
+void Capture::beginSearch() {
+    const std::size_t first = headerSize_ != 0 ? 1 : minimum_;
+    const std::size_t back = kept_ > first ? kept_ - first : 0;
+    kept_ = 0;
+    if (back == 0)
+        return skip(1);
+    begin_ -= back;
+    offset_ -= back;
+}
+
 // Goes to the next plausible message, which may be the current one. False, and to the end of the
 // input, if there is none.
 bool Capture::search() {
@@ -173,18 +181,6 @@ bool Capture::search() {
     if (!waiting_)
         skip(end_ - begin_);
     return false;
-}
-
-// Where the next message begins if not at `end` but before it; 0 if it doesn't.
-std::size_t Capture::messageWithin(std::size_t end) {
-    // With nothing behind it so far: who follows a growing capture must not wait for the next one.
-    if ((source_->waits() && end == end_ - begin_) || isBoundary(end))
-        return 0;
-    // A bare record has only its looks: inside the header of another one they are not enough.
-    for (std::size_t ahead = headerSize_ != 0 ? 1 : minimum_; ahead < end; ++ahead)
-        if (isMessage(ahead) && isBoundary(ahead + announcedLength(ahead)))
-            return ahead;
-    return 0;
 }
 
 // Strict: nothing but its looks says that a message begins here.
@@ -246,9 +242,9 @@ bool Capture::have(std::size_t count) {
         if (ended_)
             return false;
         if (kBuffer - begin_ < kLookAhead) {
-            std::memmove(buffer_.get(), at(0), end_ - begin_);
-            end_ -= begin_;
-            begin_ = 0;
+            std::memmove(buffer_.get(), at(0) - kept_, end_ - begin_ + kept_);
+            end_ -= begin_ - kept_;
+            begin_ = kept_;
         }
         const std::size_t got = source_->read(buffer_.get() + end_, kBuffer - end_);
         if (got == 0) {

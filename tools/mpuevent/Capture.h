@@ -39,9 +39,8 @@ struct Place {
 //     differs from what its record says is odd, but is decoded as it stands.
 //   - Only when its own length leads to nothing (neither to another message nor to the end of the
 //     input) and the record's does, the record is believed.
-//   - A message that leads to nothing while another one begins inside it ends there,
-//     but not before its record header does.
-//   - Otherwise the next message is searched for byte by byte. Its length and its evStructLength
+//   - Otherwise the next message is searched for byte by byte, from inside the last one, which may
+//     have swallowed its beginning. Its length and its evStructLength
 //     must agree; source below 34; event type 1, 2, 3, 101, 102 or 103; category 1 to 14; both
 //     serial numbers end inside their 64 bytes. Behind it the input must end, or a message must
 //     begin whose lengths agree or whose record header is as plausible.
@@ -73,8 +72,8 @@ private:
     bool isMessage(std::size_t ahead);
     bool standsAlone(std::size_t ahead);
     bool isBoundary(std::size_t ahead);
-    std::size_t messageWithin(std::size_t end);
     std::string fault();
+    void beginSearch();
     bool search();
     bool believeRecord();
     bool isConfirmed() const;
@@ -92,6 +91,8 @@ private:
     bool waiting_ = false;     // an answer needs bytes that are not there yet
     std::string fault_;        // of the message behind which the next is searched for
     std::size_t taken_ = 0;    // length of the message handed out
+    std::size_t kept_ = 0;     // of the one before, still in the buffer in front of begin_
+    bool searched_ = false;    // the message handed out was searched for
 };
 
 } // namespace Pegasus::tool

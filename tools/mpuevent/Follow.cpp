@@ -74,7 +74,6 @@ public:
         }
     }
     int failure() const override { return failure_; }
-    bool waits() const override { return true; }
 
 private:
     std::size_t end(int failure) {

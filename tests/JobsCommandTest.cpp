@@ -1,18 +1,10 @@
 // Several threads write what one does.
+#include "tests/Build.h"
 #include "tests/CommandFixture.h"
 
 namespace Pegasus::test {
 
 namespace {
-
-// Sanitizers reserve addresses without end.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-constexpr bool kSanitized = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool kSanitized = false;
-#endif
 
 class JobsCommandTest : public CommandTest {
 protected:
@@ -79,7 +71,7 @@ TEST_F(JobsCommandTest, OutputEnds) {
 
 // A capture much larger than what is under way fits in little memory.
 TEST_F(JobsCommandTest, MemoryIsFlat) {
-    if (!std::string_view(MPUEVENT_EMULATOR).empty() || kSanitized)
+    if (kEmulated || kSanitized)
         GTEST_SKIP() << "needs more memory for itself";
     std::string much;
     while (much.size() < 48u << 20)

@@ -1,6 +1,7 @@
 // What a decode may cost: stack, output and time, for every kind of record of every decoder.
 #include "fuzz/Invariants.h"
 #include "fuzz/RecordMutator.h"
+#include "tests/Build.h"
 
 #include <gtest/gtest.h>
 
@@ -8,14 +9,6 @@
 #include <functional>
 #include <pthread.h>
 #include <sys/mman.h>
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define MPUEVENT_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define MPUEVENT_SANITIZED
-#endif
-#endif
 
 namespace Pegasus::test {
 namespace {
@@ -95,9 +88,8 @@ std::size_t stackOf(const std::function<void()>& work) {
 }
 
 TEST(Limits, ADecodeNeedsLittleStack) {
-#ifdef MPUEVENT_SANITIZED
-    GTEST_SKIP() << "sanitizers widen stack frames";
-#endif
+    if (kSanitized)
+        GTEST_SKIP() << "sanitizers widen stack frames";
     const SuppressTrace quiet;
     const std::size_t none = stackOf([] {});
     std::size_t most = 0;

@@ -164,12 +164,12 @@ private:
     int before_;
 };
 
-// Collects the trace lines written while this lives, suppressed before or not.
+// Collects the trace lines written while this lives, suppressed before or not. In a file: the
+// thread sanitizer does not see the lock under which a stream in memory grows.
 class CaptureTrace {
 public:
     CaptureTrace()
-        : before_(ProviderTraceServices::ptsGetTraceSuppressForPid()),
-          stream_(open_memstream(&text_, &size_)) {
+        : before_(ProviderTraceServices::ptsGetTraceSuppressForPid()), stream_(std::tmpfile()) {
         ProviderTraceServices::ptsSetTraceSuppressForPid(0);
         ProviderTraceServices::ptsSetTraceStream(stream_);
     }
@@ -177,7 +177,6 @@ public:
         ProviderTraceServices::ptsSetTraceStream(nullptr);
         ProviderTraceServices::ptsSetTraceSuppressForPid(before_);
         std::fclose(stream_);
-        std::free(text_);
     }
     CaptureTrace(const CaptureTrace&) = delete;
     CaptureTrace& operator=(const CaptureTrace&) = delete;
@@ -186,9 +185,12 @@ public:
     // "Avrel_Event:176               :----: Avrel_Event::source...".
     std::vector<std::string> lines() const {
         constexpr std::size_t stamp = 25; // "Thu Jan  1 00:00:00 1970 "
-        std::fflush(stream_);
+        std::string text(static_cast<std::size_t>(std::ftell(stream_)), '\0');
+        std::rewind(stream_);
+        text.resize(std::fread(text.data(), 1, text.size(), stream_));
+        std::fseek(stream_, 0, SEEK_END);
         std::vector<std::string> all;
-        std::string_view rest(text_, size_);
+        std::string_view rest(text);
         while (!rest.empty()) {
             const std::string_view line = rest.substr(0, rest.find('\n'));
             rest.remove_prefix(std::min(line.size() + 1, rest.size()));
@@ -199,8 +201,6 @@ public:
 
 private:
     int before_;
-    char* text_ = nullptr;
-    std::size_t size_ = 0;
     std::FILE* stream_;
 };
 

@@ -94,8 +94,8 @@ Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
     assignSource(source_, record->source);
     assignCategory(category_, record->category);
     eventType_ = eventTypeFromEmpValue(record->eventType);
-    StackWriter<64> number;
-    number.decimal(record->eventId).assignTo(eventID_);
+    char number[kDecimalRoom];
+    assignAscii(eventID_, {number, putDecimal(number, std::uint32_t{record->eventId})});
 
     const unsigned int claimed = record->evStructLength;
     if (sizeof *record + claimed != length &&

@@ -257,20 +257,28 @@ void assignAscii(String& to, std::string_view text) {
     to.assign(text.empty() ? "" : text.data(), static_cast<Uint32>(text.size()));
 }
 
-void assignText(String& to, std::string_view text) {
+namespace {
+
+void assignMended(String& to, std::string_view text) {
     StackWriter<1024> mended;
-    if (!isAscii(text)) {
-        for (;;) {
-            const std::size_t valid = validLength(text);
-            mended.put(text.substr(0, valid));
-            if (valid == text.size())
-                break;
-            mended.put("?");
-            text.remove_prefix(valid + 1);
-        }
-        text = mended.view();
+    for (;;) {
+        const std::size_t valid = validLength(text);
+        mended.put(text.substr(0, valid));
+        if (valid == text.size())
+            break;
+        mended.put("?");
+        text.remove_prefix(valid + 1);
     }
-    assignAscii(to, text);
+    assignAscii(to, mended.view());
+}
+
+} // namespace
+
+void assignText(String& to, std::string_view text) {
+    if (isAscii(text)) [[likely]]
+        assignAscii(to, text);
+    else
+        assignMended(to, text);
 }
 
 } // namespace Pegasus::mpu

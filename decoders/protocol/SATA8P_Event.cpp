@@ -39,21 +39,21 @@ void putPciCause(Draft& out, RecordView frame) {
 // ---- version 1 ---------------------------------------------------------------------------------
 
 void version1(Draft& out, RecordView frame) {
-    const std::uint32_t number = frame.u32(4);
-    const auto* event =
-        std::partition_point(std::begin(v1::kEvents), std::end(v1::kEvents),
-                             [&](const v1::Event& row) { return row.last < number; });
-    if (number < v1::kFirstNumber || event == std::end(v1::kEvents)) {
+    const std::uint32_t index = frame.u32(4) - v1::kFirstNumber;
+    if (index >= v1::kRowOf.size()) {
         constexpr std::size_t kDumped = 64;
         out.title.put("Device Manager Event");
         out.body.put("<Data>").hexBytes(frame.bytes(0, kDumped)).put("</Data>");
         return;
     }
-    out.title.put(event->name);
-    out.summary.put(event->summary == v1::kName ? event->name : std::string_view());
-    write(out.summary, v1::Summaries::at(event->summary), frame);
-    write(out.body, v1::Objects::at(event->object), frame);
-    if (event->object == v1::kPci)
+    const v1::Event& event = v1::kEvents[v1::kRowOf[index]];
+    out.title.put(event.name);
+    if (event.summary == v1::kName)
+        out.summary.put(event.name);
+    else
+        write(out.summary, v1::Summaries::at(event.summary), frame);
+    write(out.body, v1::Objects::at(event.object), frame);
+    if (event.object == v1::kPci)
         putPciCause(out, frame);
 }
 

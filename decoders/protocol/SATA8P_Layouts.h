@@ -358,6 +358,17 @@ inline constexpr Event kEvents[] = {
     {305, kAsync, kDriveFailure, "Drive Error"},
     {309, kParameter, kName, "Invalid Parameter"},
 };
+
+// The row of each number from kFirstNumber on.
+inline constexpr auto kRowOf = [] {
+    constexpr std::size_t count = std::end(kEvents)[-1].last - kFirstNumber + 1;
+    std::array<std::uint8_t, count> rows{};
+    for (std::size_t i = 0, row = 0; i < count; ++i) {
+        row += kEvents[row].last < kFirstNumber + i;
+        rows[i] = static_cast<std::uint8_t>(row);
+    }
+    return rows;
+}();
 static_assert(std::is_sorted(std::begin(kEvents), std::end(kEvents),
                              [](const Event& a, const Event& b) { return a.last < b.last; }));
 

@@ -33,9 +33,13 @@ namespace {
 constexpr Uint32 maximumSize = 0x20000000; // units
 constexpr Uint32 minimumGrowth = 8;        // units
 
+[[noreturn, gnu::cold]] void throwNullPointer() {
+    throw NullPointer();
+}
+
 void requirePointer(const void* pointer) {
     if (pointer == nullptr)
-        throw NullPointer();
+        throwNullPointer();
 }
 
 Uint32 checkedSize(Uint64 size) {
@@ -150,14 +154,7 @@ using VectorBlock = WordBlock<std::uint64_t>;
 using HalfVectorBlock = WordBlock<std::uint64_t>;
 #endif
 
-// Nearly all text is ASCII throughout.
-bool widenIfAscii(const unsigned char* in, Uint32 n, Uint16* out) {
-#ifdef CPU_FEATURE_ACTIVE
-    if (n >= WideBlock::size && CPU_FEATURE_ACTIVE(AVX2))
-        return widenWide(in, n, out);
-#endif
-    if (n >= VectorBlock::size)
-        return widenBlocks<VectorBlock>(in, n, out);
+bool widenIfShortAscii(const unsigned char* in, Uint32 n, Uint16* out) {
     if (n >= HalfVectorBlock::size)
         return widenBlocks<HalfVectorBlock>(in, n, out);
     if (n >= sizeof(std::uint32_t))
@@ -168,6 +165,17 @@ bool widenIfAscii(const unsigned char* in, Uint32 n, Uint16* out) {
         seen |= in[i];
     }
     return seen < 0x80;
+}
+
+// Nearly all text is ASCII throughout.
+bool widenIfAscii(const unsigned char* in, Uint32 n, Uint16* out) {
+#ifdef CPU_FEATURE_ACTIVE
+    if (n >= WideBlock::size && CPU_FEATURE_ACTIVE(AVX2))
+        return widenWide(in, n, out);
+#endif
+    if (n >= VectorBlock::size)
+        return widenBlocks<VectorBlock>(in, n, out);
+    return widenIfShortAscii(in, n, out);
 }
 
 struct Sequence {
@@ -429,6 +437,20 @@ String& String::assign(const char* text) {
 
 String& String::assign(const char* text, Uint32 n) {
     requirePointer(text);
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
+    // Most texts of an event take this way.
+    if (n <= ownCapacity && (block_ == &emptyBlock || isOwn())) {
+        Block* const block = ::new (own_) Block{ownReferences, 0, ownCapacity, {}};
+        if (widenIfShortAscii(bytes, n, block->units)) {
+            block->setSize(n);
+            block_ = block;
+            return *this;
+        }
+    }
+    return assignUtf8(bytes, n);
+}
+
+String& String::assignUtf8(const unsigned char* bytes, Uint32 n) {
     if (n == 0) {
         clear();
         return *this;
@@ -436,7 +458,6 @@ String& String::assign(const char* text, Uint32 n) {
     // No more units than bytes, and for ASCII just as many.
     if (!block_->isWritable(n))
         replaceBlock(allocate(n));
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
     const Decoded decoded = decodeUtf8(bytes, n, block_->units);
     if (decoded.bytes < n) {
         clear();

@@ -227,6 +227,7 @@ private:
         block_ = block;
     }
     void makeWritable(Uint32 capacity);
+    String& assignUtf8(const unsigned char* bytes, Uint32 n);
 
     [[noreturn]] static void throwIndexOutOfBounds();
 

@@ -262,8 +262,8 @@ std::size_t PlainDecoder::decodeOne() const {
     event->setSource(std::string(texts_[2]).c_str());
     event->setCategory(std::string(texts_[3]).c_str());
     event->setEventID(format("%d", 26).c_str());
-    event->setEventID(safe(texts_[4]).c_str());
-    event->setSummary(safe(texts_[5]).c_str());
+    event->setEventID(safe(format("%s", texts_[4].c_str())).c_str());
+    event->setSummary(safe(format("%s", texts_[5].c_str())).c_str());
     event->setBody(safe_ ? safe(body()).c_str() : body().c_str());
     return event->getBody().size() + event->getSummary().size();
 }

@@ -88,6 +88,10 @@ inline char* putHex8(char* out, std::uint32_t value, Case letters) {
 inline char* putHex(char* out, std::uint64_t value, unsigned minDigits, Case letters) {
     const unsigned needed = (static_cast<unsigned>(std::bit_width(value | 1)) + 3) / 4;
     const unsigned count = needed > minDigits ? needed : minDigits;
+    if (count <= 8) {
+        putHex8(out, static_cast<std::uint32_t>(value << (32 - 4 * count)), letters);
+        return out + count;
+    }
     const std::uint64_t left = value << (64 - 4 * count); // first digit in the highest bits
     putHex8(out, static_cast<std::uint32_t>(left >> 32), letters);
     putHex8(out + 8, static_cast<std::uint32_t>(left), letters);

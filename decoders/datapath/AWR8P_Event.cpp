@@ -3,6 +3,8 @@
 #include "decoders/datapath/Entries.h"
 #include "event/Ascii.h"
 
+#include <array>
+
 namespace Pegasus {
 
 using namespace mpu;
@@ -19,41 +21,47 @@ constexpr std::size_t kLine = 16; // bytes of a dump's line
 constexpr std::size_t kHalf = 8;
 constexpr std::size_t kLineRoom = 8 * kLine + 2; // four digits or blanks a byte, four characters
 
+// What a dump shows of a byte; 0 for the two that markup needs written out.
+constexpr auto kShown = [] {
+    std::array<char, 256> shown{};
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        const char c = static_cast<char>(i);
+        shown[i] = isPrintable(c) && c != ';' && c != '=' ? c : '.';
+    }
+    shown['<'] = shown['>'] = 0;
+    return shown;
+}();
+
 std::size_t contentOf(std::uint32_t length) {
     return static_cast<std::int32_t>(length) < 0 ? 0 : length;
 }
 
-// "41 42 43 44 45 46 47 48  49 4a 4b 4c 4d 4e 4f 50 ABCDEFGH|IJKLMNOP"
-void putLine(TextWriter& line, std::string_view bytes) {
-    char* out = line.reserve(kLineRoom);
+// "41 42 43 44 45 46 47 48  49 4a 4b 4c 4d 4e 4f 50 ABCDEFGH|IJKLMNOP"; at most kLine bytes.
+char* putLine(char* out, std::string_view bytes) {
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         out = putHexByte(out, static_cast<std::uint8_t>(bytes[i]), Case::Lower);
-        out = putText(out, i + 1 == kHalf ? "  " : " ");
+        out[0] = out[1] = ' ';
+        out += i + 1 == kHalf ? 2 : 1;
     }
     // Readers know the blanks of a missing byte as four, not three.
-    for (std::size_t i = bytes.size(); i < kLine; ++i)
-        out = putText(out, "    ");
-    if (bytes.size() < kHalf)
-        *out++ = ' ';
+    const std::size_t blanks = 4 * (kLine - bytes.size()) + (bytes.size() < kHalf);
+    std::memset(out, ' ', blanks);
+    out += blanks;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const char c = bytes[i];
-        if (c == '<' || c == '>')
-            out = putText(out, c == '<' ? "&lt;" : "&gt;");
-        else
-            *out++ = isPrintable(c) && c != ';' && c != '=' ? c : '.';
+        *out = kShown[static_cast<unsigned char>(bytes[i])];
+        out = *out != 0 ? out + 1 : putText(out, bytes[i] == '<' ? "&lt;" : "&gt;");
         if (i + 1 == kHalf)
             *out++ = '|';
     }
-    line.commit(out);
+    return out;
 }
 
 void putDump(Entries& entries, std::string_view bytes) {
     for (std::size_t at = 0; at < bytes.size(); at += kLine) {
-        LineWriter tag;
-        tag.put("_").hexLower(at, 4).put(std::string_view("\0", 1));
-        LineWriter line;
-        putLine(line, bytes.substr(at, kLine));
-        entries.text(tag.view().data(), line.view());
+        char tag[kHexRoom + 2] = "_";
+        *putHex(tag + 1, at, 4, Case::Lower) = '\0';
+        char line[kLineRoom];
+        entries.text(tag, {line, putLine(line, bytes.substr(at, kLine))});
     }
 }
 

@@ -40,7 +40,11 @@ void Entries::text(const char* tag, std::string_view value) {
     }
     // As addEntry() mends a value that would escape the tag behind it.
     const bool mend = value.ends_with('\\') && !value.ends_with("\\\\");
-    out_.open(tag).text(value.substr(0, value.size() - mend)).put(mend ? "." : "").close(tag);
+    const std::string_view name(tag);
+    out_.open(name).text(value.substr(0, value.size() - mend));
+    if (mend)
+        out_.put(".");
+    out_.close(name);
 }
 
 } // namespace Pegasus::mpu::datapath

@@ -68,7 +68,8 @@ void putKey(TextWriter& body, std::string_view key, bool last) {
 }
 
 void putPair(TextWriter& body, std::string_view key, std::string_view value, bool last) {
-    if (key.empty() || key.size() > kPlainKey || key.find_first_of("<>") != std::string_view::npos)
+    const auto isMarkup = [](char c) { return c == '<' || c == '>'; };
+    if (key.empty() || key.size() > kPlainKey || std::any_of(key.begin(), key.end(), isMarkup))
         body.expectMarkup();
     body.put("<");
     putKey(body, key, last);

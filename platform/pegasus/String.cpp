@@ -149,16 +149,28 @@ struct HalfVectorBlock {
         return (_mm_movemask_epi8(a) & 0xFF) == 0;
     }
 };
+struct QuarterVectorBlock {
+    static constexpr Uint32 size = 4;
+    static bool widen(const unsigned char* in, Uint16* out) {
+        std::uint32_t bytes;
+        std::memcpy(&bytes, in, sizeof bytes);
+        const __m128i a = _mm_cvtsi32_si128(static_cast<int>(bytes));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out),
+                         _mm_unpacklo_epi8(a, _mm_setzero_si128()));
+        return (bytes & 0x80808080) == 0;
+    }
+};
 #else
 using VectorBlock = WordBlock<std::uint64_t>;
 using HalfVectorBlock = WordBlock<std::uint64_t>;
+using QuarterVectorBlock = WordBlock<std::uint32_t>;
 #endif
 
 bool widenIfShortAscii(const unsigned char* in, Uint32 n, Uint16* out) {
     if (n >= HalfVectorBlock::size)
         return widenBlocks<HalfVectorBlock>(in, n, out);
-    if (n >= sizeof(std::uint32_t))
-        return widenBlocks<WordBlock<std::uint32_t>>(in, n, out);
+    if (n >= QuarterVectorBlock::size)
+        return widenBlocks<QuarterVectorBlock>(in, n, out);
     unsigned seen = 0;
     for (Uint32 i = 0; i < n; ++i) {
         out[i] = in[i];

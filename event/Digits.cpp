@@ -5,6 +5,22 @@
 
 namespace Pegasus::mpu {
 
+char* putLargeDecimal(char* out, std::uint32_t value) {
+    constexpr std::uint32_t kPart = 100000000;
+    if (value >= kPart) {
+        const std::uint32_t top = value / kPart;
+        *out = static_cast<char>('0' + top / 10);
+        out += top >= 10;
+        *out++ = static_cast<char>('0' + top % 10);
+        storeBig(out, spreadDigits(value % kPart) + kZeroDigits);
+        return out + 8;
+    }
+    const std::uint64_t digits = spreadDigits(value);
+    const unsigned zeros = static_cast<unsigned>(std::countl_zero(digits)) / 8;
+    storeBig(out, (digits << 8 * zeros) + kZeroDigits);
+    return out + 8 - zeros;
+}
+
 char* putHexBytes(char* out, std::string_view bytes) {
     std::size_t i = 0;
     for (; bytes.size() - i >= 4; i += 4)

@@ -27,31 +27,21 @@ inline std::uint64_t spreadDigits(std::uint32_t value) {
 }
 inline constexpr std::uint64_t kZeroDigits = 0x3030303030303030u;
 
-// These two may write kDecimalRoom characters at `out`, whatever they return.
+// From 10,000 on. Like the two below it may write kDecimalRoom characters at `out`, whatever it
+// returns.
+char* putLargeDecimal(char* out, std::uint32_t value);
+
 inline char* putDecimal(char* out, std::uint32_t value) {
-    constexpr std::uint32_t kPart = 100000000;
-    if (value < 10000) {
-        // As spreadDigits(), for the numbers that are most frequent.
-        const std::uint32_t hundreds = value * 5243 >> 19;
-        const std::uint32_t pairs = hundreds << 16 | (value - hundreds * 100);
-        const std::uint32_t tens = (pairs * 103 >> 10) & 0x000F000Fu;
-        const std::uint32_t digits = tens << 8 | (pairs - tens * 10);
-        const unsigned zeros = static_cast<unsigned>(std::countl_zero(digits | 1)) / 8;
-        storeBig(out, (digits << 8 * zeros) + 0x30303030u);
-        return out + 4 - zeros;
-    }
-    if (value >= kPart) {
-        const std::uint32_t top = value / kPart;
-        *out = static_cast<char>('0' + top / 10);
-        out += top >= 10;
-        *out++ = static_cast<char>('0' + top % 10);
-        storeBig(out, spreadDigits(value % kPart) + kZeroDigits);
-        return out + 8;
-    }
-    const std::uint64_t digits = spreadDigits(value);
+    if (value >= 10000)
+        return putLargeDecimal(out, value);
+    // As spreadDigits(), for the numbers that are most frequent.
+    const std::uint32_t hundreds = value * 5243 >> 19;
+    const std::uint32_t pairs = hundreds << 16 | (value - hundreds * 100);
+    const std::uint32_t tens = (pairs * 103 >> 10) & 0x000F000Fu;
+    const std::uint32_t digits = tens << 8 | (pairs - tens * 10);
     const unsigned zeros = static_cast<unsigned>(std::countl_zero(digits | 1)) / 8;
-    storeBig(out, (digits << 8 * zeros) + kZeroDigits);
-    return out + 8 - zeros;
+    storeBig(out, (digits << 8 * zeros) + 0x30303030u);
+    return out + 4 - zeros;
 }
 
 inline char* putDecimal(char* out, std::uint64_t value) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace Pegasus::mpu {
@@ -18,6 +19,14 @@ public:
             text_[i] = text[i];
     }
     constexpr operator std::string_view() const { return {text_, size_}; }
+    constexpr bool empty() const { return size_ == 0; }
+
+    // All of it, however short the text is: a copy of a constant size costs next to nothing, where
+    // one of a size known to be small costs a slow instruction. `out` has room for it.
+    char* put(char* out) const {
+        std::memcpy(out, text_, Capacity);
+        return out + size_;
+    }
 
 private:
     std::uint8_t size_ = 0;

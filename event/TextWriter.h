@@ -2,6 +2,7 @@
 #pragma once
 
 #include "event/Digits.h"
+#include "event/Label.h"
 
 #include <Pegasus/Common/String.h>
 
@@ -52,6 +53,11 @@ public:
     // Our own texts, which are ASCII.
     TextWriter& put(std::string_view text) {
         commit(putText(reserve(text.size()), text));
+        return *this;
+    }
+    template <std::size_t Capacity>
+    TextWriter& put(const Label<Capacity>& label) {
+        commit(label.put(reserve(Capacity)));
         return *this;
     }
     // Out of line, to keep the library small: what is written field by field goes through a layout.

@@ -136,13 +136,11 @@ std::string_view textSummary(RecordView payload) {
 }
 
 void summarize(const Event& event, RecordView payload, TextWriter& line) {
-    const std::string_view lead = event.summary;
-    const std::string_view behind = event.behindNumber;
-    line.put(lead);
-    if (lead.empty())
+    line.put(event.summary);
+    if (event.summary.empty())
         line.text(textSummary(payload));
-    if (!behind.empty())
-        line.integer(payload.u32(event.numberAt)).put(behind);
+    if (!event.behindNumber.empty())
+        line.integer(payload.u32(event.numberAt)).put(event.behindNumber);
 }
 
 } // namespace

@@ -44,7 +44,7 @@ const EventType* findEventType(unsigned int value) {
     return nullptr;
 }
 
-void traceUnknown(int line, const char* function, const char* what, unsigned int value) {
+[[gnu::cold]] void traceUnknown(int line, const char* function, const char* what, unsigned int value) {
     if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
         return;
     LineWriter number;
@@ -190,7 +190,7 @@ String Avrel_Event::getEventType() {
     return type ? type->text : "Unknown";
 }
 
-String Avrel_Event::str() const {
+[[gnu::cold]] String Avrel_Event::str() const {
     LineWriter numbers;
     numbers.put("', Slot: ").integer(controllerSlotID_);
     numbers.put(", Log Instance # ").integer(eventLogInstanceNumber_);

@@ -15,7 +15,7 @@ using namespace mpu;
 namespace {
 
 // What stands for an event whose decoder failed.
-Avrel_Event* undecoded(const EmpEvLogMsg_s* record, std::uint32_t length) {
+[[gnu::cold]] Avrel_Event* undecoded(const EmpEvLogMsg_s* record, std::uint32_t length) {
     BodyWriter dump(Texts::Safe);
     dump.put("Exception in XMLizer for EventLog entry;");
     dump.put("EventLog entry could not be parsed;");
@@ -77,7 +77,7 @@ void MPUEvent::setCMAPMessageHeader(const CMAPMessageHeader& header) {
     header_ = header;
 }
 
-String MPUEvent::str() const {
+[[gnu::cold]] String MPUEvent::str() const {
     LineWriter line;
     if (!record_) {
         line.put("<No MMSG Data!>");

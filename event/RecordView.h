@@ -57,12 +57,16 @@ public:
 private:
     template <class T>
     T load(std::size_t at) const {
-        if (at < size_ && size_ - at >= sizeof(T))
+        if (at < size_ && size_ - at >= sizeof(T)) [[likely]]
             return loadBig<T>(data_ + at);
-        std::uint8_t inside[sizeof(T)] = {};
-        for (std::size_t i = 0; i < sizeof(T); ++i)
-            inside[i] = u8(at + i);
-        return loadBig<T>(inside);
+        return static_cast<T>(loadAtEnd(at, sizeof(T)));
+    }
+    // Kept out of the callers, which are many.
+    [[gnu::noinline, gnu::cold]] std::uint64_t loadAtEnd(std::size_t at, std::size_t size) const {
+        std::uint64_t value = 0;
+        for (std::size_t i = 0; i < size; ++i)
+            value = value << 8 | u8(at + i);
+        return value;
     }
 
     const std::uint8_t* data_ = nullptr;

@@ -13,7 +13,7 @@ TextWriter::~TextWriter() {
         std::free(begin_);
 }
 
-void TextWriter::grow(std::size_t count) {
+[[gnu::cold]] void TextWriter::grow(std::size_t count) {
     const std::size_t used = static_cast<std::size_t>(next_ - begin_);
     const std::size_t held = static_cast<std::size_t>(end_ - begin_);
     const std::size_t size = held > count ? 2 * held : used + count + held;
@@ -259,7 +259,7 @@ void assignAscii(String& to, std::string_view text) {
 
 namespace {
 
-void assignMended(String& to, std::string_view text) {
+[[gnu::cold]] void assignMended(String& to, std::string_view text) {
     StackWriter<1024> mended;
     for (;;) {
         const std::size_t valid = validLength(text);

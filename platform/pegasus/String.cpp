@@ -247,7 +247,7 @@ Decoded decodeUtf8(const unsigned char* in, Uint32 n, Uint16* out) {
     return {i, o};
 }
 
-[[noreturn]] void throwNotUtf8(const unsigned char* text, Uint32 n, Uint32 bad) {
+[[noreturn, gnu::cold]] void throwNotUtf8(const unsigned char* text, Uint32 n, Uint32 bad) {
     constexpr Uint32 bytesBefore = 40;
     constexpr Uint32 bytesAfter = 10;
     char buffer[160];
@@ -407,7 +407,7 @@ void String::makeWritable(Uint32 capacity) {
     replaceBlock(own);
 }
 
-void String::throwIndexOutOfBounds() {
+[[gnu::cold]] void String::throwIndexOutOfBounds() {
     throw IndexOutOfBoundsException();
 }
 

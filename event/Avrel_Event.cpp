@@ -44,7 +44,8 @@ const EventType* findEventType(unsigned int value) {
     return nullptr;
 }
 
-[[gnu::cold]] void traceUnknown(int line, const char* function, const char* what, unsigned int value) {
+[[gnu::cold]] void traceUnknown(int line, const char* function, const char* what,
+                                unsigned int value) {
     if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
         return;
     LineWriter number;

@@ -23,6 +23,8 @@ struct Key {
     std::uint32_t value;
 };
 
+using namespace std::string_view_literals; // "with its NUL\0"sv
+
 // Bytes of the sample that no row describes: texts with their NUL, lists, and values that a sample
 // should rather have than those the writer makes up.
 struct Fill {

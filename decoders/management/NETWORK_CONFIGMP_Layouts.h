@@ -45,19 +45,14 @@ inline constexpr Part kPart[] = {{"Payload", Rows, kPayloadAt}};
 inline constexpr Part kLinkParts[] = {{"Payload", kLinkRows, kPayloadAt},
                                       {"Behind Operational_Status", kLinkStateRows, kPayloadAt}};
 
-inline constexpr Fill kTextFill[] = {
-    {kPayloadAt, std::string_view("Default gateway 10.1.0.1 does not answer", 41)}};
-inline constexpr Fill kDumpFill[] = {
-    {kPayloadAt, std::string_view("Unexpected frame\0\x00\x1B\x21\xA0\xFF\x10", 23)}};
+inline constexpr Fill kTextFill[] = {{kPayloadAt, "Default gateway 10.1.0.1 does not answer\0"sv}};
+inline constexpr Fill kDumpFill[] = {{kPayloadAt, "Unexpected frame\0\x00\x1B\x21\xA0\xFF\x10"sv}};
 template <std::uint16_t At>
-inline constexpr Fill kTextBehind[] = {
-    {kPayloadAt + At, std::string_view("ncs_main: no reply from agent", 30)}};
-inline constexpr Fill kLinkFill[] = {
-    {kPayloadAt + kLinkCodeAt, std::string_view("\0\0\x04\x10", 4)}};
-inline constexpr Fill kManagementPortFill[] = {
-    {kPayloadAt + 60, std::string_view("Management Ethernet port", 25)},
-    {kPayloadAt + 316, std::string_view("eth0", 5)},
-    {kPayloadAt + 380, std::string_view("00:1B:21:A0:FF:10", 18)}};
+inline constexpr Fill kTextBehind[] = {{kPayloadAt + At, "ncs_main: no reply from agent\0"sv}};
+inline constexpr Fill kLinkFill[] = {{kPayloadAt + kLinkCodeAt, "\0\0\x04\x10"sv}};
+inline constexpr Fill kManagementPortFill[] = {{kPayloadAt + 60, "Management Ethernet port\0"sv},
+                                               {kPayloadAt + 316, "eth0\0"sv},
+                                               {kPayloadAt + 380, "00:1B:21:A0:FF:10\0"sv}};
 
 inline constexpr Section kSections[] = {
     {"Text", kCode<1000>, {}, kTextFill, "A text, the summary too. Also codes 1001, 1002, 1030."},

@@ -18,9 +18,8 @@ inline constexpr Row kObjectHeaderRows[] = {
 // The catalogue. Samples have a location block, so their data begin at 184.
 inline constexpr std::uint16_t kBlockAt = 152;
 inline constexpr std::uint16_t kDataAt = 184;
-inline constexpr std::string_view kSampleBlock("\x01\x2e"
-                                               "SMIS_Indication.cpp\0deliver",
-                                               30);
+inline constexpr std::string_view kSampleBlock = "\x01\x2e"
+                                                 "SMIS_Indication.cpp\0deliver\0"sv;
 
 template <std::uint16_t Code>
 inline constexpr Key kCode[] = {{150, 2, Code}};
@@ -45,17 +44,14 @@ inline constexpr Part kObjectParts[] = {{"Location block", kLocationRows, kBlock
                                         {"Object", kChosenRows<Rows>, kDataAt + kObjectAt}};
 
 inline constexpr Fill kTextFill[] = {
-    {kBlockAt, kSampleBlock},
-    {kDataAt, std::string_view("Subscription refreshed; 3 indications pending", 46)}};
-inline constexpr Fill kDumpFill[] = {
-    {kBlockAt, kSampleBlock},
-    {kDataAt, std::string_view("Malformed request\0\xDE\xAD\xBE\xEF\x01\x02", 24)}};
+    {kBlockAt, kSampleBlock}, {kDataAt, "Subscription refreshed; 3 indications pending\0"sv}};
+inline constexpr Fill kDumpFill[] = {{kBlockAt, kSampleBlock},
+                                     {kDataAt, "Malformed request\0\xDE\xAD\xBE\xEF\x01\x02"sv}};
 inline constexpr Fill kMessageFill[] = {
-    {kBlockAt, kSampleBlock},
-    {kDataAt + kManagementMessageSize, std::string_view("Reply(): too late", 18)}};
+    {kBlockAt, kSampleBlock}, {kDataAt + kManagementMessageSize, "Reply(): too late\0"sv}};
 inline constexpr Fill kKeyValueFill[] = {
     {kBlockAt, kSampleBlock},
-    {kDataAt, std::string_view("Indication lost\0Class=AlertIndication, Count=2 Filter=a=b", 57)}};
+    {kDataAt, "Indication lost\0Class=AlertIndication, Count=2 Filter=a=b"sv}};
 
 // An object of `Size` bytes and the text behind it.
 template <unsigned Size>
@@ -64,15 +60,15 @@ template <unsigned Size>
 inline constexpr Fill kObjectFill[] = {
     {kBlockAt, kSampleBlock},
     {kDataAt + kObjectSizeAt, std::string_view(kSizeBytes<Size>, 2)},
-    {kDataAt + kObjectAt + Size, std::string_view("Instance modified", 18)}};
+    {kDataAt + kObjectAt + Size, "Instance modified\0"sv}};
 template <unsigned Size>
 inline constexpr Fill kManagementPortFill[] = {
     kObjectFill<Size>[0],
     kObjectFill<Size>[1],
     kObjectFill<Size>[2],
-    { kDataAt + kObjectAt + 60, std::string_view("Management Ethernet port", 25) },
-    { kDataAt + kObjectAt + 316, std::string_view("eth0", 5) },
-    { kDataAt + kObjectAt + 380, std::string_view("00:1B:21:A0:FF:10", 18) }};
+    { kDataAt + kObjectAt + 60, "Management Ethernet port\0"sv },
+    { kDataAt + kObjectAt + 316, "eth0\0"sv },
+    { kDataAt + kObjectAt + 380, "00:1B:21:A0:FF:10\0"sv }};
 
 inline constexpr Section kSections[] = {
     {"Text", kCode<2000>, kBlockAlone, kTextFill, "A text."},

@@ -188,19 +188,18 @@ inline constexpr Part kStackParts[] = {{"Head", kStackRows, kPayloadAt}};
 inline constexpr Part kStateParts[] = {{"Head", kStateRows, kPayloadAt}};
 
 inline constexpr Fill kMessageFill[] = {
-    {kPayloadAt, std::string_view("MPU application started\nversion 2.4.1\n", 39)}};
+    {kPayloadAt, "MPU application started\nversion 2.4.1\n\0"sv}};
 inline constexpr Fill kChannelFill[] = {
-    {kPayloadAt, std::string_view("No handler for this", 20)},
-    {kPayloadAt + 20 + message_header::kSize - 8, std::string_view("\0\0\0\0\0\0\0\0", 8)}};
+    {kPayloadAt, "No handler for this\0"sv},
+    {kPayloadAt + 20 + message_header::kSize - 8, "\0\0\0\0\0\0\0\0"sv}};
 inline constexpr Fill kPartialFill[] = {
-    {kPayloadAt, std::string_view("Found behind record", 20)},
+    {kPayloadAt, "Found behind record\0"sv},
 };
-inline constexpr Fill kNameFill[] = {{kPayloadAt + 324, std::string_view("mpu_app", 8)}};
+inline constexpr Fill kNameFill[] = {{kPayloadAt + 324, "mpu_app\0"sv}};
 inline constexpr Fill kStackFill[] = {
-    {kPayloadAt + kStackAt,
-     std::string_view("\x10\x00\x4A\xF0\x7F\xFF\xE2\x10\0\0\0\0\x0F\xE5\x11\x3C", 16)}};
+    {kPayloadAt + kStackAt, "\x10\x00\x4A\xF0\x7F\xFF\xE2\x10\0\0\0\0\x0F\xE5\x11\x3C"sv}};
 inline constexpr Fill kStateFill[] = {
-    {kPayloadAt, std::string_view("\xF0\x00\x10\x00\x80\x00\x00\x01\0\0\0\0\x00\x00\xBE\xEF", 16)}};
+    {kPayloadAt, "\xF0\x00\x10\x00\x80\x00\x00\x01\0\0\0\0\x00\x00\xBE\xEF"sv}};
 
 inline constexpr Section kSections[] = {
     {"General message",

@@ -103,8 +103,8 @@ inline constexpr std::string_view kInformationTexts[] = {
     "ESA detects an I2C Bus Success with VSC055 device.",
     "ESA detects an I2C Bus Success with PCA9539 device.",
     "The Personality Toolkit information is not available.",
-    "No Enclosure Services Information. Enclosure Services will not function during the software "
-    "lifetime.",
+    ("No Enclosure Services Information. Enclosure Services will not function during the software "
+     "lifetime."),
     "Unrecognized information",
 };
 inline constexpr NameTable kInformations = names<kInformationTexts>(Otherwise::Last);
@@ -244,22 +244,19 @@ inline constexpr Part kReadingParts[] = {{"Voltages", kVoltageRows, kDataAt},
                                          {"Fans", kFanRows, kDataAt},
                                          {"Fan control", kThresholdRows, kDataAt}};
 
-inline constexpr Fill kErrorFills[] = {
-    {kDataAt, std::string_view("\1\x0C"
-                               "esa_i2c.c\0writeByte",
-                               22)},
-    {kDataAt + kMessageAt, std::string_view("I2C bus is busy", 16)}};
+inline constexpr Fill kErrorFills[] = {{kDataAt, "\1\x0C"
+                                                 "esa_i2c.c\0writeByte\0"sv},
+                                       {kDataAt + kMessageAt, "I2C bus is busy\0"sv}};
 inline constexpr Fill kBufferFills[] = {
-    {kDataAt, std::string_view("\x02\x00\x00\x1C\x00\x00\x00\x01\x11\x00\x02\x24", 12)}};
-inline constexpr Fill kLedFills[] = {{kDataAt + 4, std::string_view("\0\0\0\x12\0\0\0\1", 8)}};
-inline constexpr Fill kFanFills[] = {{kDataAt, std::string_view("\0\0\0\5", 4)}};
-inline constexpr Fill kTemperatureFills[] = {
-    {kDataAt, std::string_view("\0\0\0\2\0\0\0\5\0\0\0\x2E", 12)}};
+    {kDataAt, "\x02\x00\x00\x1C\x00\x00\x00\x01\x11\x00\x02\x24"sv}};
+inline constexpr Fill kLedFills[] = {{kDataAt + 4, "\0\0\0\x12\0\0\0\1"sv}};
+inline constexpr Fill kFanFills[] = {{kDataAt, "\0\0\0\5"sv}};
+inline constexpr Fill kTemperatureFills[] = {{kDataAt, "\0\0\0\2\0\0\0\5\0\0\0\x2E"sv}};
 inline constexpr Fill kReportFills[] = {
-    {kDataAt + 4, std::string_view("\0\0\0\1\0\0\0\2\0\0\0\5\0\0\0\x18\xFF\xFF\xFF\x80", 20)}};
+    {kDataAt + 4, "\0\0\0\1\0\0\0\2\0\0\0\5\0\0\0\x18\xFF\xFF\xFF\x80"sv}};
 inline constexpr Fill kReadingFills[] = { // 5.02 V, 12.08 V, four fans
     {kDataAt + 4, "\x40\xA0\xA3\xD7\x41\x41\x47\xAE"},
-    {kDataAt + kFanCountAt, std::string_view("\0\0\0\4", 4)}};
+    {kDataAt + kFanCountAt, "\0\0\0\4"sv}};
 
 inline constexpr Section kSections[] = {
     {"Bugcheck error message", kKeys<kBugcheck>, kErrorParts, kErrorFills,

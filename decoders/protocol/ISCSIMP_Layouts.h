@@ -291,12 +291,10 @@ inline constexpr std::string_view kSampleParameter("iqn.1994-05.com.example:host
                                                    "HeaderDigest"
                                                    "None"
                                                    "CRC32");
-inline constexpr Fill kLoginFills[] = {{kDataAt + 2, std::string_view("\0\x09", 2)},
-                                       {kDataAt + 40, "\xF3"},
-                                       {kDataAt + 47, "\x03"},
-                                       {kDataAt + 56, kSampleLengths.substr(0, 4)},
-                                       {kDataAt + 60, std::string_view("\x08\0\x04\0", 4)},
-                                       {kDataAt + kLoginTexts, kSampleNames}};
+inline constexpr Fill kLoginFills[] = {
+    {kDataAt + 2, "\0\x09"sv},        {kDataAt + 40, "\xF3"},
+    {kDataAt + 47, "\x03"},           {kDataAt + 56, kSampleLengths.substr(0, 4)},
+    {kDataAt + 60, "\x08\0\x04\0"sv}, {kDataAt + kLoginTexts, kSampleNames}};
 inline constexpr Fill kParameterFills[] = {{kDataAt + 56, kSampleLengths},
                                            {kDataAt + kParameterTexts, kSampleParameter}};
 inline constexpr Fill kOfferFills[] = {{kDataAt + 56, kSampleLengths.substr(0, 8)},

@@ -98,16 +98,13 @@ inline constexpr Part kConfigurationParts[] = {{"Event header", kLocationRows, k
 inline constexpr Part kTextParts[] = {{"Event header", kLocationRows, kEventAt},
                                       {"Text message", kCountRows, kEventAt}};
 
-inline constexpr Fill kModuleFill{kEventAt + 12, std::string_view("isnsc\0\0\0\0\0\1\x2B", 12)};
+inline constexpr Fill kModuleFill{kEventAt + 12, "isnsc\0\0\0\0\0\1\x2B"sv};
 inline constexpr Fill kHeaderFills[] = {kModuleFill};
 inline constexpr Fill kConfigurationFills[] = {
-    kModuleFill,
-    {kEventAt + kNodeAt,
-     std::string_view("iqn.2002-03.com.example:array.4\0Array 4, upper shelf", 53)}};
+    kModuleFill, {kEventAt + kNodeAt, "iqn.2002-03.com.example:array.4\0Array 4, upper shelf\0"sv}};
 inline constexpr Fill kTextFills[] = {
-    kModuleFill,
-    {kEventAt + kArgumentsAt, std::string_view("\0\0\0\5\xC0\xA8\0\1\xFF\xFF\xFF\xFE", 12)}};
-inline constexpr Fill kOtherFills[] = {{kEventAt + 24, std::string_view("\0\1\0\4\x80\0\0\1", 8)}};
+    kModuleFill, {kEventAt + kArgumentsAt, "\0\0\0\5\xC0\xA8\0\1\xFF\xFF\xFF\xFE"sv}};
+inline constexpr Fill kOtherFills[] = {{kEventAt + 24, "\0\1\0\4\x80\0\0\1"sv}};
 
 inline constexpr std::string_view kHeaderNote = "In an element `ICS_MESSAGE`. Requests, responses "
                                                 "and messages (kinds 1 to 3) are decoded alike.";

@@ -171,12 +171,11 @@ inline constexpr std::string_view kReadCdb("\x28\0\0\x10\x20\x30\0\0\x08\0\0\0\0
                                            20);
 inline constexpr std::string_view kMediumSense("\xF0\0\x03\0\x10\x20\x30\x0A\0\0\0\0\x11", 13);
 
-inline constexpr Fill kPciFill[] = {{kBodyAt + 4, std::string_view("\0\0\x01\0", 4)}};
+inline constexpr Fill kPciFill[] = {{kBodyAt + 4, "\0\0\x01\0"sv}};
 inline constexpr Fill kIdentityFill[] = {{kBodyAt + 8, kSectors}};
 inline constexpr Fill kSegmentFill[] = {
-    {kBodyAt + 16, std::string_view("\x01\x20\0\0\0\0\x10\0\x01\x20\x40\0\0\0\x08\0\0\0\0\0", 20)}};
-inline constexpr Fill kRingFill[] = {
-    {kBodyAt + 16, std::string_view("\x80\0\0\x11\x80\0\0\x12\x80\0\0\x13", 12)}};
+    {kBodyAt + 16, "\x01\x20\0\0\0\0\x10\0\x01\x20\x40\0\0\0\x08\0\0\0\0\0"sv}};
+inline constexpr Fill kRingFill[] = {{kBodyAt + 16, "\x80\0\0\x11\x80\0\0\x12\x80\0\0\x13"sv}};
 inline constexpr Fill kXportSataFill[] = {{kDataAt + v3::kXportProtocol, kWordZero},
                                           {kDataAt + v3::kXportCommand, kReadFis},
                                           {kDataAt + v3::kXportOutcome, kBadFis},

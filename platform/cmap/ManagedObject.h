@@ -61,6 +61,7 @@ private:
     X(57, CMAPExtent)                                                                              \
     X(58, CMAPVolume)
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a class name takes none
 #define MPUEVENT_MANAGED_OBJECT(ID, CLASS)                                                         \
     class CLASS : public ManagedObject {                                                           \
     public:                                                                                        \
@@ -68,5 +69,6 @@ private:
     };
 MPUEVENT_MANAGED_OBJECTS(MPUEVENT_MANAGED_OBJECT)
 #undef MPUEVENT_MANAGED_OBJECT
+// NOLINTEND(bugprone-macro-parentheses)
 
 } // namespace Pegasus

@@ -16,7 +16,7 @@ char* putLargeDecimal(char* out, std::uint32_t value) {
         return out + 8;
     }
     const std::uint64_t digits = spreadDigits(value);
-    const unsigned zeros = static_cast<unsigned>(std::countl_zero(digits)) / 8;
+    const unsigned zeros = static_cast<unsigned>(std::countl_zero(digits | 1)) / 8;
     storeBig(out, (digits << 8 * zeros) + kZeroDigits);
     return out + 8 - zeros;
 }

@@ -49,7 +49,7 @@ void write(TextWriter& out, const Layout& layout, RecordView view) {
     const std::uint8_t* bytes = view.data();
     if (view.size() < layout.extent || !bytes) {
         std::memset(padded, 0, layout.extent);
-        if (view.size() != 0)
+        if (bytes)
             std::memcpy(padded, bytes, view.size());
         bytes = padded;
     }

@@ -72,9 +72,10 @@ private:
 
     ByteSource& text_;
     Report report_;
-    std::vector<std::uint8_t> chunk_ = std::vector<std::uint8_t>(64 * 1024); // of the text
-    std::vector<std::uint8_t> bytes_;                                        // decoded from it
-    std::size_t taken_ = 0;                                                  // of these
+    std::vector<std::uint8_t> chunk_ =
+        std::vector<std::uint8_t>(std::size_t{64} * 1024); // of the text
+    std::vector<std::uint8_t> bytes_;                      // decoded from it
+    std::size_t taken_ = 0;                                // of these
 
     // Where we are.
     std::uint64_t line_ = 1;

@@ -10,7 +10,7 @@ namespace Pegasus::tool {
 
 namespace {
 
-constexpr std::size_t kBuffer = 1024 * 1024;
+constexpr std::size_t kBuffer = std::size_t{1024} * 1024;
 constexpr std::size_t kRecordHeader = sizeof(EmpEvLogMsg_s);
 // The 16-bit length of a message counts its header.
 constexpr std::size_t kMaxMessage = 0xFFFF;

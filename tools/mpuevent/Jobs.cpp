@@ -6,7 +6,8 @@ namespace Pegasus::tool {
 
 namespace {
 
-constexpr std::size_t kBatch = 256 * 1024; // bytes of messages; more than the longest message
+constexpr std::size_t kBatch =
+    std::size_t{256} * 1024; // bytes of messages; more than the longest message
 
 } // namespace
 

@@ -50,7 +50,7 @@ public:
     Status finish();
 
 private:
-    static constexpr std::size_t kBlock = 256 * 1024;
+    static constexpr std::size_t kBlock = std::size_t{256} * 1024;
 
     bool put(std::string_view bytes);
     bool fail(int error);

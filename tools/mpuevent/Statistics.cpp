@@ -39,7 +39,7 @@ std::vector<SeverityCounts> TimeLine::pieces(std::size_t count, const Span& time
         // A coarse moment may begin before the first event.
         const std::uint32_t begin = std::max(moment << shift_, time.first);
         SeverityCounts& piece =
-            pieces[static_cast<std::size_t>((begin - time.first) * count / length)];
+            pieces[static_cast<std::size_t>(std::uint64_t{begin - time.first} * count / length)];
         for (std::size_t i = 0; i < counts.size(); ++i)
             piece[i] += counts[i];
     }

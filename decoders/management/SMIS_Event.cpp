@@ -82,8 +82,9 @@ void putPair(TextWriter& body, std::string_view key, std::string_view value, boo
 // begins with that word: "a=b=c" is the value "b=c". A value runs to the next key, less one blank
 // or less a comma and one blank, and to its first NUL; the last one to the end of the area with its
 // NULs inside, and its key stands as it is. An area that begins with "=" or with blanks and "=" has
-// an empty or a blank first key, which is dropped when its pair is the last one.
-void putPairs(TextWriter& body, std::string_view area) {
+// an empty or a blank first key, which is dropped when its pair is the last one. Not inlined, so
+// that its state stays in registers.
+[[gnu::noinline]] void putPairs(TextWriter& body, std::string_view area) {
     bool pending = false; // a key without its value's end
     std::string_view key;
     std::size_t valueAt = 0;

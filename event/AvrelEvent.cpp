@@ -69,7 +69,7 @@ void AvrelEvent::appendBody(char* text) {
 }
 
 void AvrelEvent::startBody(std::string_view entries) {
-    body_ = mpu::toString(entries);
+    mpu::assignText(body_, entries);
     bodyLength_ = bodyCapacity_ = static_cast<int>(entries.size());
 }
 

@@ -1,6 +1,6 @@
 // Damaged captures: the reader hands out what is in them, says where it passed something over, and
 // does so alike however the bytes come in.
-#include "tools/mpuevent/Capture.h"
+#include "capture/Capture.h"
 #include "fuzz/Invariants.h"
 #include "fuzz/RecordMutator.h"
 
@@ -10,7 +10,7 @@
 namespace Pegasus::fuzz {
 namespace {
 
-using namespace tool;
+using namespace capture;
 
 // Delivers a few bytes at a time and may fail in the end.
 class Drops : public ByteSource {

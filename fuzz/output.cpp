@@ -1,16 +1,16 @@
 // What the command writes of any event must be what its format says, to a parser that isn't ours.
+#include "formats/Body.h"
+#include "formats/Columns.h"
+#include "formats/Printer.h"
 #include "fuzz/Invariants.h"
 #include "fuzz/Parsers.h"
-#include "tools/mpuevent/Body.h"
-#include "tools/mpuevent/Keys.h"
-#include "tools/mpuevent/Printer.h"
 
 #include <nlohmann/json.hpp>
 
 namespace Pegasus::fuzz {
 namespace {
 
-using namespace tool;
+using namespace formats;
 
 std::string printed(const Format& format, bool fields, Avrel_Event& event) {
     const std::unique_ptr<Printer> printer = format.make({fields, false});

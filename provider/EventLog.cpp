@@ -13,7 +13,7 @@ bool reaches(const Entry& entry, unsigned severity) {
 
 } // namespace
 
-EventLog::EventLog(const Settings& settings, tool::Report report)
+EventLog::EventLog(const Settings& settings, capture::Report report)
     : settings_(settings), report_(std::move(report)),
       ring_(settings_.maxEvents, settings_.maxBytes),
       spool_(settings_.spool, settings_.framing, [this](const std::string& what) { fault(what); }) {

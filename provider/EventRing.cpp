@@ -1,6 +1,6 @@
 #include "provider/EventRing.h"
 
-#include "tools/mpuevent/Capture.h"
+#include "capture/Capture.h"
 
 #include <algorithm>
 
@@ -18,7 +18,7 @@ std::uint64_t fnv1a(std::span<const std::uint8_t> bytes) {
 } // namespace
 
 std::unique_ptr<Avrel_Event> Entry::decode() const {
-    return tool::Message{0, {}, record}.decode();
+    return capture::Message{0, {}, record}.decode();
 }
 
 EntryPointer EventRing::add(std::span<const std::uint8_t> record) {

@@ -57,8 +57,8 @@ std::string takeChoice(T& to, std::string_view text, const Choice<T> (&choices)[
     return "one of " + names;
 }
 
-constexpr Choice<tool::Framing> kFramings[] = {{"cmap", tool::Framing::Message},
-                                               {"record", tool::Framing::Record}};
+constexpr Choice<capture::Framing> kFramings[] = {{"cmap", capture::Framing::Message},
+                                                  {"record", capture::Framing::Record}};
 constexpr Choice<unsigned> kSeverities[] = {
     {"informational", 1}, {"warning", 2}, {"error", 3}, {"none", 0}};
 constexpr Choice<Clock> kClocks[] = {
@@ -103,7 +103,7 @@ std::string take(Settings& settings, std::string_view line) {
 
 } // namespace
 
-Settings readSettings(std::istream& in, const tool::Report& report) {
+Settings readSettings(std::istream& in, const capture::Report& report) {
     Settings settings;
     std::string line;
     for (unsigned number = 1; std::getline(in, line); ++number) {

@@ -2,7 +2,7 @@
 // provider/mpuevent-provider.conf.
 #pragma once
 
-#include "tools/mpuevent/Capture.h"
+#include "capture/Capture.h"
 
 #include <chrono>
 #include <istream>
@@ -19,7 +19,7 @@ enum class Clock : std::uint8_t {
 
 struct Settings {
     std::string spool = "/var/spool/mpuevent"; // a file or a directory
-    tool::Framing framing = tool::Framing::Message;
+    capture::Framing framing = capture::Framing::Message;
     std::chrono::milliseconds interval{1000}; // from one look at the spool to the next
     std::size_t maxEvents = 10000;
     std::size_t maxBytes = 16 * 1024 * 1024; // of all records held
@@ -31,6 +31,6 @@ struct Settings {
 
 // Settings that are missing keep their defaults, and so do wrong ones, which are reported as
 // "line n: ...".
-Settings readSettings(std::istream& in, const tool::Report& report);
+Settings readSettings(std::istream& in, const capture::Report& report);
 
 } // namespace Pegasus::provider

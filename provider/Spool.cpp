@@ -26,7 +26,7 @@ bool olderThan(const struct stat& a, const struct stat& b) {
 
 } // namespace
 
-Spool::Spool(std::string path, tool::Framing framing, tool::Report report)
+Spool::Spool(std::string path, capture::Framing framing, capture::Report report)
     : path_(std::move(path)), report_(std::move(report)),
       capture_(framing, [this](const std::string& what) { say(*current_ + ": " + what); }) {}
 
@@ -39,7 +39,7 @@ void Spool::poll(const Each& each) {
     for (File& file : files_) {
         current_ = &file.path;
         const int error = file.file->poll(
-            capture_, [&](const tool::Message& message) { each(message.record); }, !file.there);
+            capture_, [&](const capture::Message& message) { each(message.record); }, !file.there);
         if (error != 0)
             say(fmt::format("{}: {}", file.path, std::strerror(error)));
     }
@@ -97,7 +97,7 @@ void Spool::update(const std::vector<Found>& found) {
         }
         const int descriptor = ::open(now.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
         if (descriptor >= 0)
-            files_.push_back({now.path, std::make_unique<tool::GrowingFile>(descriptor)});
+            files_.push_back({now.path, std::make_unique<capture::GrowingFile>(descriptor)});
         else if (errno != ENOENT)
             say(fmt::format("{}: {}", now.path, std::strerror(errno)));
     }

@@ -1,7 +1,7 @@
 // Where the captures lie that the provider reads: a file, or a directory of files.
 #pragma once
 
-#include "tools/mpuevent/Growing.h"
+#include "capture/Growing.h"
 
 #include <string>
 #include <vector>
@@ -13,7 +13,7 @@ namespace Pegasus::provider {
 // that begin with "." and compressed files are passed over.
 class Spool {
 public:
-    Spool(std::string path, tool::Framing framing, tool::Report report);
+    Spool(std::string path, capture::Framing framing, capture::Report report);
 
     using Each = std::function<void(std::span<const std::uint8_t> record)>;
     // Hands over the records that came since the last call; those of files seen first now in the
@@ -30,7 +30,7 @@ private:
     };
     struct File {
         std::string path; // when seen last
-        std::unique_ptr<tool::GrowingFile> file;
+        std::unique_ptr<capture::GrowingFile> file;
         bool there = true;
     };
 
@@ -39,11 +39,11 @@ private:
     void say(const std::string& what);
 
     const std::string path_;
-    tool::Report report_;
+    capture::Report report_;
     unsigned reports_ = 0;
     std::string trouble_;                  // with the spool itself, as reported
     const std::string* current_ = nullptr; // path of the file that is being read
-    tool::Capture capture_;
+    capture::Capture capture_;
     std::vector<File> files_;
 };
 

@@ -1,5 +1,5 @@
 // Reading captures: framing, damage and hex text.
-#include "tools/mpuevent/Capture.h"
+#include "capture/Capture.h"
 #include "tests/RecordBuilder.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +8,7 @@ namespace Pegasus::test {
 
 namespace {
 
-using namespace tool;
+using namespace capture;
 using testing::ElementsAre;
 
 // An ordinary message of 216 bytes, and of 256.

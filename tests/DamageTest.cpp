@@ -1,6 +1,6 @@
 // A small capture with every one of its bytes damaged, one at a time.
+#include "capture/Capture.h"
 #include "tests/RecordBuilder.h"
-#include "tools/mpuevent/Capture.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 namespace Pegasus::test {
 namespace {
 
-using tool::Framing;
+using capture::Framing;
 
 struct Found {
     std::vector<std::string> messages;
@@ -17,10 +17,11 @@ struct Found {
 
 Found read(const std::string& capture, Framing framing) {
     Found found;
-    tool::MemorySource source(capture.data(), capture.size());
-    tool::Capture reader(framing, [&](const std::string& what) { found.reports.push_back(what); });
+    capture::MemorySource source(capture.data(), capture.size());
+    capture::Capture reader(framing,
+                            [&](const std::string& what) { found.reports.push_back(what); });
     reader.open(source);
-    for (tool::Message message; reader.next(message);) {
+    for (capture::Message message; reader.next(message);) {
         EXPECT_NE(message.decode(), nullptr);
         std::string bytes(message.header.begin(), message.header.end());
         bytes.append(message.record.begin(), message.record.end());

@@ -1,9 +1,9 @@
 // The formats that programs read, and their schemas.
 #include "tests/CommandFixture.h"
 
+#include "formats/Printer.h"
+#include "formats/Schema.h"
 #include "tools/catalogue/Modules.h"
-#include "tools/mpuevent/Printer.h"
-#include "tools/mpuevent/Schema.h"
 
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -33,9 +33,9 @@ std::string printed(const char* format, bool fields, const std::string& body) {
     Avrel_Event event(nullptr, 0);
     event.setBody(mpu::toString(body));
     mpu::BodyWriter out;
-    tool::Style style;
+    formats::Style style;
     style.fields = fields;
-    for (const tool::Format& row : tool::kFormats)
+    for (const formats::Format& row : formats::kFormats)
         if (row.name == std::string_view(format))
             row.make(style)->print(event, out);
     return std::string(out.view());
@@ -185,7 +185,7 @@ TEST_F(FormatsCommandTest, Brief) {
 
 TEST_F(FormatsCommandTest, JsonSchema) {
     SuppressTrace quiet;
-    EXPECT_TRUE(committedSchema() == tool::jsonSchema(mpu::modules()))
+    EXPECT_TRUE(committedSchema() == formats::jsonSchema(mpu::modules()))
         << "renew it: mpuevent formats --format json-schema > docs/events.schema.json";
     EXPECT_EQ(run("formats --format json-schema").out, committedSchema());
 

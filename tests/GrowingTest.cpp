@@ -1,5 +1,5 @@
 // Captures that grow while they are read.
-#include "tools/mpuevent/Growing.h"
+#include "capture/Growing.h"
 #include "tests/RecordBuilder.h"
 
 #include <cerrno>
@@ -11,7 +11,7 @@ namespace Pegasus::test {
 
 namespace {
 
-using namespace tool;
+using namespace capture;
 
 // 216 bytes.
 std::string message(std::uint32_t sequence) {

@@ -1,5 +1,5 @@
 // The formats of `mpuevent decode`, on events as a decoder might leave them.
-#include "tools/mpuevent/Printer.h"
+#include "formats/Printer.h"
 
 #include <gtest/gtest.h>
 #include <iterator>
@@ -9,7 +9,7 @@ namespace Pegasus::test {
 
 namespace {
 
-using namespace tool;
+using namespace formats;
 
 String units(std::initializer_list<Uint16> all) {
     String text;

@@ -52,10 +52,10 @@ protected:
         });
         return got;
     }
-    tool::Report report() {
+    capture::Report report() {
         return [this](const std::string& what) { reports_.push_back(what); };
     }
-    Spool spoolAt(const fs::path& path) { return {path, tool::Framing::Message, report()}; }
+    Spool spoolAt(const fs::path& path) { return {path, capture::Framing::Message, report()}; }
     // Makes `path` look written `seconds` ago.
     static void age(const fs::path& path, int seconds) {
         fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::seconds(seconds));
@@ -85,7 +85,7 @@ TEST(ProviderSettings, AreReadLineByLine) {
     const Settings s =
         readSettings(file, [&](const std::string& what) { reports.push_back(what); });
     EXPECT_EQ(s.spool, "/data/captures");
-    EXPECT_EQ(s.framing, tool::Framing::Record);
+    EXPECT_EQ(s.framing, capture::Framing::Record);
     EXPECT_EQ(s.interval.count(), 250);
     EXPECT_EQ(s.maxEvents, 7u);
     EXPECT_EQ(s.maxBytes, 65536u);

@@ -1,12 +1,12 @@
 // mpuevent formats and mpuevent sample: what the layout tables say and show.
 #include "event/Avrel_Event.h"
+#include "formats/Schema.h"
+#include "formats/Utf8.h"
 #include "tools/catalogue/Modules.h"
 #include "tools/catalogue/Reference.h"
 #include "tools/catalogue/Sample.h"
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Inputs.h"
-#include "tools/mpuevent/Schema.h"
-#include "tools/mpuevent/Utf8.h"
 
 #include <memory>
 

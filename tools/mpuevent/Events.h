@@ -1,9 +1,9 @@
 // From messages to written events: what `decode` and `follow` share.
 #pragma once
 
+#include "formats/Printer.h"
 #include "tools/mpuevent/Filter.h"
 #include "tools/mpuevent/Inputs.h"
-#include "tools/mpuevent/Printer.h"
 
 namespace Pegasus::tool {
 

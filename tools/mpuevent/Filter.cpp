@@ -1,6 +1,6 @@
 #include "tools/mpuevent/Filter.h"
 
-#include "tools/mpuevent/Utf8.h"
+#include "formats/Utf8.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,7 +1,8 @@
 // Which events are wanted.
 #pragma once
 
-#include "tools/mpuevent/Capture.h"
+#include "capture/Capture.h"
+#include "formats/Severity.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -10,14 +11,8 @@
 
 namespace Pegasus::tool {
 
-inline constexpr std::string_view kSeverities[] = {"unknown", "informational", "warning", "error"};
-
-// Index of the severity of an event type: customer events have the types 1 to 3, engineering events
-// 101 to 103.
-constexpr unsigned severityOf(unsigned eventType) {
-    const unsigned severity = eventType > 100 ? eventType - 100 : eventType;
-    return severity <= 3 ? severity : 0;
-}
+using namespace capture;
+using namespace formats;
 
 struct FilterRow;
 

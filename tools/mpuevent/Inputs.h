@@ -1,7 +1,7 @@
 // The captures named on the command line.
 #pragma once
 
-#include "tools/mpuevent/Capture.h"
+#include "capture/Capture.h"
 #include "tools/mpuevent/Output.h"
 
 #include <algorithm>

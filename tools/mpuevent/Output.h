@@ -6,7 +6,13 @@
 #include <fmt/format.h>
 #include <string>
 
+namespace Pegasus::capture {}
+namespace Pegasus::formats {}
+
 namespace Pegasus::tool {
+
+using namespace capture;
+using namespace formats;
 
 // Exit statuses. The worst of what happened counts.
 enum Status : int {

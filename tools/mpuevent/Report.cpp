@@ -1,11 +1,11 @@
 // mpuevent report: a self-contained page.
+#include "formats/Printer.h"
+#include "formats/Utf8.h"
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Filter.h"
 #include "tools/mpuevent/Inputs.h"
-#include "tools/mpuevent/Printer.h"
 #include "tools/mpuevent/ReportPage.h"
 #include "tools/mpuevent/Statistics.h"
-#include "tools/mpuevent/Utf8.h"
 
 namespace Pegasus::tool {
 

@@ -1,7 +1,7 @@
 #include "tools/mpuevent/Statistics.h"
 
+#include "formats/Utf8.h"
 #include "tools/mpuevent/Filter.h"
-#include "tools/mpuevent/Utf8.h"
 
 #include <algorithm>
 

@@ -9,7 +9,11 @@
 #include <string>
 #include <vector>
 
+namespace Pegasus::formats {}
+
 namespace Pegasus::tool {
+
+using namespace formats;
 
 // The smallest and the largest of some numbers.
 struct Span {

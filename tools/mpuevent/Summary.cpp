@@ -1,11 +1,11 @@
 // mpuevent summary: what captures hold, counted.
-#include "tools/mpuevent/Colour.h"
+#include "formats/Columns.h"
+#include "formats/Severity.h"
+#include "formats/Utf8.h"
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Filter.h"
 #include "tools/mpuevent/Inputs.h"
-#include "tools/mpuevent/Keys.h"
 #include "tools/mpuevent/Statistics.h"
-#include "tools/mpuevent/Utf8.h"
 
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>

@@ -1,4 +1,4 @@
-#include "tools/mpuevent/ByteSource.h"
+#include "capture/ByteSource.h"
 
 #include "event/Ascii.h"
 
@@ -9,7 +9,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-namespace Pegasus::tool {
+namespace Pegasus::capture {
 
 std::size_t FileSource::read(std::uint8_t* to, std::size_t room) {
     for (;;) {
@@ -129,4 +129,4 @@ void HexSource::wrong(std::uint64_t column, const std::string& what) {
     now_.ended = true;
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::capture

@@ -1,8 +1,8 @@
 // One event a line, as a JSON object; and the same as CSV.
-#include "tools/mpuevent/Body.h"
-#include "tools/mpuevent/Keys.h"
-#include "tools/mpuevent/Printer.h"
-#include "tools/mpuevent/Utf8.h"
+#include "formats/Body.h"
+#include "formats/Columns.h"
+#include "formats/Printer.h"
+#include "formats/Utf8.h"
 
 // Its empty stack adds to a null pointer before it looks for room: harmless, but sanitizers tell.
 #ifdef __clang__
@@ -13,7 +13,7 @@
 #pragma clang attribute pop
 #endif
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 namespace {
 
@@ -34,21 +34,21 @@ using JsonWriter = rapidjson::Writer<JsonStream>;
 
 } // namespace
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats
 
 // Where the writer lets a stream copy what needs no escaping. (Its own fast way, RAPIDJSON_SSE2, is
 // of no use: in version 1.1.0 that leaves U+001A to U+001F as they are.)
 template <>
-bool Pegasus::tool::JsonWriter::ScanWriteUnescapedString(
+bool Pegasus::formats::JsonWriter::ScanWriteUnescapedString(
     rapidjson::GenericStringStream<rapidjson::UTF8<>>& in, std::size_t length) {
     const std::string_view rest(in.src_, length - in.Tell());
-    const std::size_t plain = Pegasus::tool::plainRun(rest);
+    const std::size_t plain = Pegasus::formats::plainRun(rest);
     os_->out->put(rest.substr(0, plain));
     in.src_ += plain;
     return plain < rest.size();
 }
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 namespace {
 
@@ -203,4 +203,4 @@ std::unique_ptr<Printer> makeCsvPrinter(const Style& style) {
     return std::make_unique<CsvPrinter>(style);
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

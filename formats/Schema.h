@@ -6,10 +6,10 @@
 #include <span>
 #include <string>
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 // Draft 7. The names of elements and titles that it gives as examples are those that the modules'
 // sample records show.
 std::string jsonSchema(std::span<const mpu::Module> modules);
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

@@ -1,4 +1,4 @@
-#include "tools/mpuevent/Utf8.h"
+#include "formats/Utf8.h"
 
 #include "event/Ascii.h"
 
@@ -8,7 +8,7 @@
 #include <emmintrin.h>
 #endif
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 namespace {
 
@@ -172,4 +172,4 @@ void putXml(mpu::TextWriter& out, std::string_view utf8) {
     out.put(utf8.substr(done));
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

@@ -1,13 +1,13 @@
 // Captures: messages back to back, as they came from the controller.
 #pragma once
 
+#include "capture/ByteSource.h"
 #include "event/Avrel_Event.h"
-#include "tools/mpuevent/ByteSource.h"
 
 #include <memory>
 #include <span>
 
-namespace Pegasus::tool {
+namespace Pegasus::capture {
 
 enum class Framing : std::uint8_t {
     Message, // a 64-byte message header, whose bytes 10-11 are the total length, and the record
@@ -95,4 +95,4 @@ private:
     bool searched_ = false;    // the message handed out was searched for
 };
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::capture

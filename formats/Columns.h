@@ -3,7 +3,7 @@
 
 #include "event/Avrel_Event.h"
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 // A number or a text: the other one is null.
 struct Key {
@@ -45,4 +45,4 @@ inline constexpr Key kKeys[] = {
 // not when one is added.
 inline constexpr unsigned kFormatVersion = 1;
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

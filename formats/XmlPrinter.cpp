@@ -1,10 +1,10 @@
 // All events as one XML document; docs/events.xsd is its schema.
-#include "tools/mpuevent/Body.h"
-#include "tools/mpuevent/Keys.h"
-#include "tools/mpuevent/Printer.h"
-#include "tools/mpuevent/Utf8.h"
+#include "formats/Body.h"
+#include "formats/Columns.h"
+#include "formats/Printer.h"
+#include "formats/Utf8.h"
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 namespace {
 
@@ -75,4 +75,4 @@ std::unique_ptr<Printer> makeXmlPrinter(const Style& style) {
     return std::make_unique<XmlPrinter>(style);
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

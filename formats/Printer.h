@@ -7,7 +7,7 @@
 #include <memory>
 #include <span>
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 // Holds scratch memory: one for each thread.
 class Printer {
@@ -42,4 +42,4 @@ inline constexpr Format kFormats[] = {
     {"xml", makeXmlPrinter, true},    {"csv", makeCsvPrinter, true},
 };
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

@@ -1,10 +1,10 @@
-#include "tools/mpuevent/Body.h"
+#include "formats/Body.h"
 
 #include "event/Ascii.h"
 
 #include <algorithm>
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 namespace {
 
@@ -93,4 +93,4 @@ const std::vector<Piece>& BodyParser::parse(std::string_view body) {
     return pieces_;
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

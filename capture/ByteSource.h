@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace Pegasus::tool {
+namespace Pegasus::capture {
 
 // Takes what is wrong with an input: its place, a colon and the fault.
 using Report = std::function<void(const std::string&)>;
@@ -95,4 +95,4 @@ private:
     } now_;
 };
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::capture

@@ -3,7 +3,7 @@
 
 #include "event/TextWriter.h"
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 // All of `text` as UTF-8; half a surrogate pair becomes U+FFFD.
 void putUtf8(mpu::TextWriter& out, const String& text);
@@ -20,4 +20,4 @@ void putPrintable(mpu::TextWriter& out, std::string_view utf8);
 // characters, U+FFFE, U+FFFF) becomes U+FFFD.
 void putXml(mpu::TextWriter& out, std::string_view utf8);
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 // A body is a run of elements, flat but for groups of elements, and of text between them.
 struct Piece {
@@ -43,4 +43,4 @@ private:
     std::vector<Piece> pieces_;
 };
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

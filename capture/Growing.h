@@ -1,11 +1,11 @@
 // Captures that others write while we read them.
 #pragma once
 
-#include "tools/mpuevent/Capture.h"
+#include "capture/Capture.h"
 
 #include <sys/stat.h>
 
-namespace Pegasus::tool {
+namespace Pegasus::capture {
 
 // A regular file, known by its inode: it may be renamed or deleted while it is read.
 class GrowingFile : private ByteSource {
@@ -41,4 +41,4 @@ private:
     Place place_;
 };
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::capture

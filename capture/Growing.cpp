@@ -1,9 +1,9 @@
-#include "tools/mpuevent/Growing.h"
+#include "capture/Growing.h"
 
 #include <cerrno>
 #include <unistd.h>
 
-namespace Pegasus::tool {
+namespace Pegasus::capture {
 
 GrowingFile::GrowingFile(int descriptor) : descriptor_(descriptor) {
     if (::fstat(descriptor_, &status_) != 0)
@@ -50,4 +50,4 @@ std::size_t GrowingFile::read(std::uint8_t* to, std::size_t room) {
     }
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::capture

@@ -1,15 +1,15 @@
 // Events for people: an indented block, or one line.
 #include "event/Ascii.h"
-#include "tools/mpuevent/Body.h"
-#include "tools/mpuevent/Colour.h"
-#include "tools/mpuevent/Filter.h"
-#include "tools/mpuevent/Printer.h"
-#include "tools/mpuevent/Utf8.h"
+#include "formats/Body.h"
+#include "formats/Printer.h"
+#include "formats/Severity.h"
+#include "formats/Utf8.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 namespace {
 
@@ -252,4 +252,4 @@ std::unique_ptr<Printer> makeLinePrinter(const Style&) {
     return std::make_unique<LinePrinter>();
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

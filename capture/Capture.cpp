@@ -1,4 +1,4 @@
-#include "tools/mpuevent/Capture.h"
+#include "capture/Capture.h"
 
 #include "event/MPUEvent.h"
 
@@ -6,7 +6,7 @@
 #include <cstring>
 #include <fmt/format.h>
 
-namespace Pegasus::tool {
+namespace Pegasus::capture {
 
 namespace {
 
@@ -257,4 +257,4 @@ bool Capture::have(std::size_t count) {
     return true;
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::capture

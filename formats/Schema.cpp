@@ -1,16 +1,18 @@
-#include "tools/mpuevent/Schema.h"
+#include "formats/Schema.h"
 
+#include "capture/Capture.h"
+#include "formats/Body.h"
+#include "formats/Columns.h"
+#include "formats/Utf8.h"
 #include "tools/catalogue/Sample.h"
-#include "tools/mpuevent/Body.h"
-#include "tools/mpuevent/Capture.h"
-#include "tools/mpuevent/Keys.h"
-#include "tools/mpuevent/Utf8.h"
 
 #include <algorithm>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
+
+using capture::Message;
 
 namespace {
 
@@ -275,4 +277,4 @@ std::string jsonSchema(std::span<const mpu::Module> modules) {
     return Schema().make(modules);
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

@@ -1,8 +1,9 @@
 #include "event/Avrel_Event.h"
 
 #include "event/Ascii.h"
+#include "event/Draft.h"
 #include "event/Names.h"
-#include "event/RecordView.h"
+#include "event/Record.h"
 #include "platform/trace/ProviderTraceServices.h"
 
 namespace Pegasus {
@@ -112,6 +113,21 @@ Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
 }
 
 Avrel_Event::~Avrel_Event() = default;
+
+void Avrel_Event::take(const EmpEvLogMsg_s* record, int length, DecodeFunction decode) {
+    if (!record)
+        return;
+    Draft draft;
+    decode(Record(record, static_cast<unsigned int>(length)), draft);
+    take(draft);
+}
+
+void Avrel_Event::take(const Draft& draft) {
+    if (!draft.title.view().empty()) // else it stays the event's number
+        draft.title.assignTo(eventID_);
+    draft.summary.assignTo(summary_);
+    draft.body.assignTo(body_);
+}
 
 String Avrel_Event::getEnclosureSerialNumber() const {
     return enclosureSerialNumber_;

@@ -8,6 +8,12 @@
 
 namespace Pegasus {
 
+namespace mpu {
+class Record;
+struct Draft;
+using DecodeFunction = void (*)(const Record& record, Draft& draft);
+} // namespace mpu
+
 // Built whole by its constructor and independent of the record afterwards. The order of the
 // virtual functions is part of the binary interface.
 class MPUEVENT_EXPORT Avrel_Event {
@@ -77,6 +83,11 @@ public:
     static String makeSafeString(const char* text, int count);
 
 protected:
+    // Takes title, summary and body from `decode`, unless `record` is null.
+    [[gnu::visibility("hidden")]] void take(const EmpEvLogMsg_s* record, int length,
+                                            mpu::DecodeFunction decode);
+    [[gnu::visibility("hidden")]] void take(const mpu::Draft& draft);
+
     String enclosureSerialNumber_;
     String controllerSerialNumber_;
     unsigned int controllerSlotID_ = 0;

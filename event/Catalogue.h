@@ -1,9 +1,9 @@
-// What the layout tables of a decoder say to people: the record reference (`mpuevent formats`) and
-// the sample writer (`mpuevent sample`) read these. The decoders themselves don't, so none of it is
-// in the shared library. Offsets are from the start of the record: the payload begins at 152.
+// What the tables of a decoder say to people: the record reference (`mpuevent formats`), the schema
+// and the sample writer (`mpuevent sample`) read these. The decoders themselves don't, so none of
+// it is in the shared library.
 #pragma once
 
-#include "event/Layout.h"
+#include "event/TableCompiler.h"
 
 #include <span>
 
@@ -15,15 +15,6 @@ struct Part {
     std::span<const Row> rows;
     std::uint16_t at; // where it begins
 };
-
-// A number that selects what the record is: the sample has it, the reference names it.
-struct Key {
-    std::uint16_t at;
-    std::uint8_t size; // bytes
-    std::uint32_t value;
-};
-
-using namespace std::string_view_literals; // "with its NUL\0"sv
 
 // Bytes of the sample that no row describes: texts with their NUL, lists, and values that a sample
 // should rather have than those the writer makes up.
@@ -54,6 +45,18 @@ struct Module {
     std::string_view note; // Markdown
     std::span<const Section> sections;
     std::span<const Code> codes = {};
+    std::span<const EventTable* const> tables = {};
+};
+
+// ---- until all tables have the one form ----
+
+template <Style S, const auto&... Rows>
+class LayoutSet {
+public:
+    static constexpr std::size_t size = sizeof...(Rows);
+    static constexpr std::span<const Row> rows[size] = {Rows...};
+    static constexpr Layout layouts[size] = {kLayout<Rows, S>...};
+    static const Layout& at(std::size_t i) { return layouts[i]; }
 };
 
 } // namespace Pegasus::mpu

@@ -49,7 +49,7 @@ public:
                    : run;
     }
 
-    RecordView from(std::size_t at, std::size_t count = kToEnd) const {
+    RecordView subview(std::size_t at, std::size_t count = kToEnd) const {
         const std::string_view run = bytes(at, count);
         return {run.data(), run.size()};
     }

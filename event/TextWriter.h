@@ -2,7 +2,7 @@
 #pragma once
 
 #include "event/Digits.h"
-#include "event/Label.h"
+#include "event/FixedString.h"
 
 #include <Pegasus/Common/String.h>
 
@@ -56,7 +56,7 @@ public:
         return *this;
     }
     template <std::size_t Capacity>
-    TextWriter& put(const Label<Capacity>& label) {
+    TextWriter& put(const FixedString<Capacity>& label) {
         commit(label.put(reserve(Capacity)));
         return *this;
     }
@@ -90,6 +90,8 @@ public:
         next_ = begin_;
         markup_ = unchecked_ = false;
     }
+    // Before anything is written.
+    void setTexts(Texts texts) { texts_ = texts; }
     // Says that bytes() are to come that may hold markup.
     void expectMarkup() { markup_ = true; }
 

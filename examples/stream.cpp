@@ -63,7 +63,7 @@ std::string demonstration() {
 int main(int argc, char** argv) {
     ProviderTraceServices::ptsSetTraceStream(stderr); // standard output is ours
     std::ifstream file;
-    std::istringstream made(demonstration());
+    std::istringstream custom(demonstration());
     if (argc > 1)
         file.open(argv[1], std::ios::binary);
     StandardStream in(argc > 1 ? static_cast<std::istream&>(file) : made);

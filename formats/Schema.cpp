@@ -40,8 +40,8 @@ Shown shownBy(const mpu::Module& module) {
     BodyParser parser;
     mpu::SampleWriter samples(1);
     for (int round = 0; round < kRounds; ++round)
-        for (const mpu::Section& section : module.sections) {
-            const std::string record = samples.record(module, section);
+        for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
+            const std::string record = samples.record(module, kind);
             const auto* bytes = reinterpret_cast<const std::uint8_t*>(record.data());
             const auto event = Message{0, {}, {bytes, record.size()}}.decode();
             add(shown.titles, utf8Of(event->getEventID()));

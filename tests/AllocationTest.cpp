@@ -168,12 +168,12 @@ TEST(Allocation, AnyOfADecodeMayFail) {
     const SuppressTrace quiet;
     mpu::SampleWriter samples(5);
     for (const mpu::Module& module : mpu::modules())
-        for (const mpu::Section& section : module.sections) {
-            const std::string record = samples.record(module, section);
-            EXPECT_GT(decodeScarcely(record), 0u) << module.decoder << ", " << section.title;
+        for (const mpu::RecordKind& kind : mpu::shapesOf(module)) {
+            const std::string record = samples.record(module, kind);
+            EXPECT_GT(decodeScarcely(record), 0u) << module.decoder << ", " << kind.title();
             decodeScarcely(record.substr(0, 160)); // padded
             decodeScarcely(record + "<a>\xFF=</a>" + std::string(6000, '='));
-            ASSERT_FALSE(HasFailure()) << module.decoder << ", " << section.title;
+            ASSERT_FALSE(HasFailure()) << module.decoder << ", " << kind.title();
         }
     fuzz::RecordMutator mutator(6);
     for (int i = 0; i < 300; ++i) {
@@ -184,9 +184,9 @@ TEST(Allocation, AnyOfADecodeMayFail) {
 
 TEST(Allocation, AnyOfATracedDecodeMayFail) {
     const CaptureTrace trace;
-    const MPUEvent message =
-        messageOf(mpu::SampleWriter(5).record(mpu::modules()[0], mpu::modules()[0].sections[0]) +
-                  "more than announced");
+    const MPUEvent message = messageOf(
+        mpu::SampleWriter(5).record(mpu::modules()[0], mpu::kindsOf(mpu::modules()[0])[0]) +
+        "more than announced");
     for (bool once : {false, true})
         EXPECT_GT(
             exhaust(once, [&] { std::unique_ptr<Avrel_Event>(message.create_Avrel_Event()); }), 0u);

@@ -38,14 +38,14 @@ std::string decode(const MPUEvent& message) {
     return utf8(std::unique_ptr<Avrel_Event>(message.create_Avrel_Event())->str());
 }
 
-// A message of every section, its length false so that decoding it traces.
-std::vector<Case> everySection() {
+// A message of every shape, its length false so that decoding it traces.
+std::vector<Case> everyShape() {
     const SuppressTrace quiet;
     std::vector<Case> all;
     mpu::SampleWriter samples(9);
     for (const mpu::Module& module : mpu::modules())
-        for (const mpu::Section& section : module.sections) {
-            const std::string record = samples.record(module, section) + "tail";
+        for (const mpu::RecordKind& kind : mpu::shapesOf(module)) {
+            const std::string record = samples.record(module, kind) + "tail";
             CMAPMessageHeader header;
             header.setMessageLength(
                 static_cast<Uint16>(mpu::message_header::kSize + record.size()));
@@ -57,7 +57,7 @@ std::vector<Case> everySection() {
 }
 
 TEST(Threads, TheSameMessagesDecodeAlikeInAll) {
-    const std::vector<Case> cases = everySection();
+    const std::vector<Case> cases = everyShape();
     std::atomic<unsigned> wrong{0};
     std::size_t lines = 0;
     {
@@ -78,7 +78,7 @@ TEST(Threads, TheSameMessagesDecodeAlikeInAll) {
 }
 
 TEST(Threads, TracingIsSwitchedMeanwhile) {
-    const std::vector<Case> cases = everySection();
+    const std::vector<Case> cases = everyShape();
     const CaptureTrace trace;
     std::atomic<unsigned> wrong{0};
     together([&](unsigned i) {

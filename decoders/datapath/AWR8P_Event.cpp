@@ -78,7 +78,8 @@ AWR8P_Event::AWR8P_Event(const EmpEvLogMsg_s* record, int length)
         return;
     BodyWriter body;
     Entries entries(body);
-    parse(entries, RecordView::of(record, static_cast<unsigned int>(length)).from(sizeof *record));
+    parse(entries,
+          RecordView::of(record, static_cast<unsigned int>(length)).subview(sizeof *record));
     startBody(body.view());
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "event/AvrelEvent.h"
-#include "event/Layout.h"
+#include "event/TableCompiler.h"
 
 namespace Pegasus::mpu::datapath {
 

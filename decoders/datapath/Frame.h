@@ -2,7 +2,7 @@
 #pragma once
 
 #include "decoders/datapath/Records.h"
-#include "event/Label.h"
+#include "event/FixedString.h"
 #include "event/RecordView.h"
 
 #include <array>
@@ -32,7 +32,7 @@ template <class Dump, std::size_t Longest>
 struct EventCode {
     std::uint16_t eventClass;
     std::uint16_t code;
-    Label<Longest> text;
+    FixedString<Longest> text;
     Dump dump;
 };
 

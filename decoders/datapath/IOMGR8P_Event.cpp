@@ -17,7 +17,7 @@ constexpr const Layout& joined = kLayout<Rows, Style::Joined>;
 // A data area: what can be read, and where its lists end.
 struct Area {
     explicit Area(RecordView payload)
-        : bytes(payload.from(kDataAt)),
+        : bytes(payload.subview(kDataAt)),
           end(std::min<std::size_t>(payload.u32(kLengthAt), bytes.size())) {}
 
     RecordView bytes;
@@ -27,24 +27,24 @@ struct Area {
 void putDiskline(Entries& entries, RecordView dlm) {
     entries.structure(joined<kDlmRows>, dlm);
     for (std::size_t i = 0; i < kDlmEntries; ++i)
-        entries.structure(joined<kDlmEntryRows>, dlm.from(kDlmHeaderSize + i * kDlmEntrySize));
+        entries.structure(joined<kDlmEntryRows>, dlm.subview(kDlmHeaderSize + i * kDlmEntrySize));
 }
 
 void putGroup(Entries& entries, RecordView group) {
     for (std::size_t i = 0; i < kSgtEntries && group.u32(i * kSgtEntrySize) != 0; ++i)
-        entries.structure(joined<kSgtRows>, group.from(i * kSgtEntrySize));
+        entries.structure(joined<kSgtRows>, group.subview(i * kSgtEntrySize));
 }
 
 void putGroups(Entries& entries, const Area& area, std::size_t at) {
     for (; at < area.end; at += kSgtSize)
-        putGroup(entries, area.bytes.from(at));
+        putGroup(entries, area.bytes.subview(at));
 }
 
 // An extent is shown when it begins inside the data area.
 void putVolume(Entries& entries, const Area& area, std::size_t at) {
-    entries.structure(joined<kVtRows>, area.bytes.from(at));
+    entries.structure(joined<kVtRows>, area.bytes.subview(at));
     for (at += kVtSize; at < area.end; at += kExtSize)
-        entries.structure(joined<kExtRows>, area.bytes.from(at));
+        entries.structure(joined<kExtRows>, area.bytes.subview(at));
 }
 
 // A structure at the start of the data area, and what lies behind it.
@@ -97,7 +97,7 @@ void putArea(Entries& entries, const Plan& plan, RecordView payload) {
         putGroups(entries, area, plan.at);
         break;
     case Plan::Diskline:
-        putDiskline(entries, area.bytes.from(plan.at));
+        putDiskline(entries, area.bytes.subview(plan.at));
         break;
     }
 }
@@ -113,7 +113,7 @@ bool putClass(Entries& entries, std::size_t eventClass, RecordView payload, Text
     case Failed:
     case Fatal:
     case Exception:
-        entries.structure(joined<kDriveRows>, payload.from(kDataAt));
+        entries.structure(joined<kDriveRows>, payload.subview(kDataAt));
         entries.text("State", event->dump == Exception ? "Exception" : "Failed");
         summary.put("Drive ").integer(payload.u32(kDataAt)).put(", ");
         if (event->dump == Fatal)
@@ -173,7 +173,7 @@ IOMGR8P_Event::IOMGR8P_Event(const EmpEvLogMsg_s* record, int length)
         return;
     }
     const RecordView payload =
-        RecordView::of(record, static_cast<unsigned int>(length)).from(sizeof *record);
+        RecordView::of(record, static_cast<unsigned int>(length)).subview(sizeof *record);
     const std::uint32_t eventClass = payload.u32(kClassAt);
     assignAscii(eventID_, kTitles[eventClass < kClasses ? eventClass : 0]);
     BodyWriter body;
@@ -190,7 +190,7 @@ void IOMGR8P_Event::get_IOMGR8P_event_body(const EmpEvLogMsg_s* record) {
     Entries::Scratch scratch;
     Entries entries(scratch, *this);
     LineWriter summary;
-    if (putEvent(entries, RecordView::of(record, 0).from(sizeof *record), summary))
+    if (putEvent(entries, RecordView::of(record, 0).subview(sizeof *record), summary))
         setSummary(summary.string());
 }
 

@@ -59,7 +59,7 @@ inline constexpr Row kDlmEntryRows[] = {
     {"dlm_dlme_unique_id", "0x%08X:%08X", u32(8), u32(12)},
     {"dlm_dlme_plbn", "0x%08X:%08X", u32(20), u32(16)},
     {"dlm_dlme_fe_data", "0x%08X", u32(24)},
-    Row("dlm_dlme_parity_fe_data", "0x%08X", u16(28)).times(8, 2),
+    Row("dlm_dlme_parity_fe_data", "0x%08X", u16(28)).repeat(8, 2),
 };
 inline constexpr unsigned kDlmHeaderSize = 16;
 inline constexpr unsigned kDlmEntrySize = 44;
@@ -150,7 +150,7 @@ inline constexpr Row kVtRows[] = {
     {"vt_common_volume_highwater_mark", "%llu", u64(24)},
     {"vt_common_volume_state", "0x%08X", u32(48)},
     {"iomgr_vt_flags", "0x%08X", u32(240)},
-    Row("iomgr_vt_", "0x%08X", u32(240)).again(),
+    Row("iomgr_vt_", "0x%08X", u32(240)).overlay(),
     {"iomgr_vt_extent_count", "0x%08X", u16(246)},
     {"iomgr_vt_num_extent_descriptors", "0x%08X", u32(260)},
     {"iomgr_vt_volume_db_update_count", "0x%08X:%08X", u32(252), u32(256)},
@@ -192,7 +192,7 @@ inline constexpr unsigned kClasses = 34; // 1 to 33, and 0 for what is none
 inline constexpr unsigned kDeviceClass = 33;
 
 // Titles by class. The math class has none of its own.
-inline constexpr Label<34> kTitles[kClasses] = {
+inline constexpr FixedString<34> kTitles[kClasses] = {
     "Unknown Event",
     "I/O Manager Event",
     "Rebuild Task Event",

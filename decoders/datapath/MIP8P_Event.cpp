@@ -29,9 +29,9 @@ void putFatalIrq(TextWriter& out, RecordView data) {
     if (data.u32(kIrqAt) == 0)
         out.put("<IRQ>Disabled</IRQ> ");
     write(out, kLayout<kInterruptUnitRows>, data);
-    write(out, kLayout<kMemoryControllerRows>, data.from(kMemoryController1At));
+    write(out, kLayout<kMemoryControllerRows>, data.subview(kMemoryController1At));
     write(out, kLayout<kCacheRows>, data);
-    write(out, kLayout<kMemoryControllerRows>, data.from(kMemoryController2At));
+    write(out, kLayout<kMemoryControllerRows>, data.subview(kMemoryController2At));
     write(out, kLayout<kQueueUnitRows>, data);
 }
 
@@ -59,7 +59,7 @@ std::string_view build(TextWriter& out, Builder builder, RecordView payload) {
         putElement(out, "Line", kUnlistedLines[builder]);
         return text;
     }
-    const RecordView data = payload.from(kDataAt);
+    const RecordView data = payload.subview(kDataAt);
     switch (event->dump) {
     case None:
         break;
@@ -141,7 +141,7 @@ MIP8P_Event::MIP8P_Event(const EmpEvLogMsg_s* record, int length)
         return;
     }
     const RecordView payload =
-        RecordView::of(record, static_cast<unsigned int>(length)).from(sizeof *record);
+        RecordView::of(record, static_cast<unsigned int>(length)).subview(sizeof *record);
     const std::uint32_t eventClass = payload.u32(kClassAt);
     assignAscii(eventID_, kClasses[eventClass < std::size(kClasses) ? eventClass : 0].title);
     decode(payload, summary_, body_);
@@ -152,7 +152,7 @@ MIP8P_Event::~MIP8P_Event() = default;
 String MIP8P_Event::get_MIP8P_event_body(const EmpEvLogMsg_s* record) {
     String summary;
     String body;
-    decode(RecordView::of(record, 0).from(sizeof *record), summary, body);
+    decode(RecordView::of(record, 0).subview(sizeof *record), summary, body);
     setSummary(summary);
     return body;
 }

@@ -21,23 +21,23 @@ inline constexpr Row kInterruptStatusRows[] = {{"INT_STAT =", "0x%08X", u32(0)}}
 
 // A register of the dump.
 constexpr Row reg(std::string_view name, unsigned at) {
-    return Row(name, "0x%08X", u32(at)).chosen();
+    return Row(name, "0x%08X", u32(at)).assumed();
 }
 
 // Fatal interrupt, 324 bytes: all words in the order of the elements, the registers of each unit in
 // one run. The two memory controllers have the same thirteen. A two-digit name wants more than ten
 // rows: sixteen is the next power of two.
 inline constexpr Row kIrqRows[] = {
-    Row("ARC_ID", "%u", u32(0)).chosen(),
-    Row("IRQ", "%u", u32(4)).chosen().unlessZero(),
+    Row("ARC_ID", "%u", u32(0)).assumed(),
+    Row("IRQ", "%u", u32(4)).assumed().unlessZero(),
 };
 inline constexpr unsigned kIrqAt = 4; // 0: disabled
 
 inline constexpr Row kInterruptUnitRows[] = {
     {"Section_1", "----- GIO :: INT -----"},
-    Row("PIR_%02u", "0x%08X", u32(8)).times(16, 4).chosen(),
+    Row("PIR_%02u", "0x%08X", u32(8)).repeat(16, 4).assumed(),
     reg("PIC_Global", 72),
-    Row("PIC_%02u", "0x%08X", u32(76)).times(16, 4).chosen(),
+    Row("PIC_%02u", "0x%08X", u32(76)).repeat(16, 4).assumed(),
     {"Section_2", "----- BMI -----"},
     reg("Int_Status", 140),
     reg("Int_Mask", 144),
@@ -95,9 +95,9 @@ inline constexpr NameTable kQueueModes = names<kQueueModeTexts>();
 inline constexpr std::string_view kReasonTexts[] = {
     "",
     "Not Empty",
-    "High Water Mark",
+    "High Water Provenance",
     "",
-    "Low Water Mark",
+    "Low Water Provenance",
     "",
     "",
     "",
@@ -112,54 +112,54 @@ inline constexpr std::string_view kReasonTexts[] = {
     "Underflow",
     "Unknown",
 };
-inline constexpr NameTable kReasons = names<kReasonTexts>(Otherwise::Last);
+inline constexpr NameTable kReasons = names<kReasonTexts>(Fallback::Last);
 
 // Fatal queue event, 48 bytes. Section 2 has the fields of the 32-byte queue state that other
 // events show, so it is one, at 16.
 inline constexpr Row kFatalMsaRows[] = {
     {"Section_1", "----- QMIF Register -----"},
-    Row("ID", "%u", u32(0)).chosen(),
-    Row("FIFO_Overflow", "%s", flag(u8(4), kNoYes)).chosen(),
-    Row("IRQ_Mode", "%s", flag(u8(5), kIrqModes)).chosen(),
-    Row("IRQ_Level", "%s", flag(u8(6), kIrqLevels)).chosen(),
-    Row("Reason", "%s", name(u8(7), kReasons)).chosen(),
-    Row("Queue_Number", "%u", u32(8)).chosen(),
+    Row("ID", "%u", u32(0)).assumed(),
+    Row("FIFO_Overflow", "%s", flag(u8(4), kNoYes)).assumed(),
+    Row("IRQ_Mode", "%s", flag(u8(5), kIrqModes)).assumed(),
+    Row("IRQ_Level", "%s", flag(u8(6), kIrqLevels)).assumed(),
+    Row("Reason", "%s", name(u8(7), kReasons)).assumed(),
+    Row("Queue_Number", "%u", u32(8)).assumed(),
     {"Section_2", "------- MSA Queue -------"},
-    Row("ID", "%u", u32(12)).chosen(),
-    Row("Mode", "%s", flag(u8(16 + 17), kQueueModes)).fits(),
-    Row("Size", "%u", u16(16 + 18)).fits(),
-    Row("High_Level", "0x%04x", u16(16 + 0)).fits(),
-    Row("Low_Level", "0x%04x", u16(16 + 2)).fits(),
-    Row("Read_Pointer", "0x%04x", u16(16 + 4)).fits(),
-    Row("Writer_Pointer", "0x%04x", u16(16 + 6)).fits(),
-    Row("Checkpoint", "0x%04x", u32(16 + 28)).fits(),
-    Row("Count", "%u", u16(16 + 8)).fits(),
-    Row("Base_Address", "0x%08x", u32(16 + 12)).fits(),
-    Row("Hysteresis", "%u", u8(16 + 16)).fits(),
-    Row("Hi_Signal", "0x%04x", u16(16 + 20)).fits(),
-    Row("Low_Signal", "0x%04x", u16(16 + 22)).fits(),
-    Row("Overflow_Signal", "0x%04x", u16(16 + 24)).fits(),
-    Row("Underflow_Signal", "0x%04x", u16(16 + 26)).fits(),
-    Row("Not_Empty_Signal", "0x%04x", u16(16 + 10)).fits(),
+    Row("ID", "%u", u32(12)).assumed(),
+    Row("Mode", "%s", flag(u8(16 + 17), kQueueModes)).inferred(),
+    Row("Size", "%u", u16(16 + 18)).inferred(),
+    Row("High_Level", "0x%04x", u16(16 + 0)).inferred(),
+    Row("Low_Level", "0x%04x", u16(16 + 2)).inferred(),
+    Row("Read_Pointer", "0x%04x", u16(16 + 4)).inferred(),
+    Row("Writer_Pointer", "0x%04x", u16(16 + 6)).inferred(),
+    Row("Checkpoint", "0x%04x", u32(16 + 28)).inferred(),
+    Row("Count", "%u", u16(16 + 8)).inferred(),
+    Row("Base_Address", "0x%08x", u32(16 + 12)).inferred(),
+    Row("Hysteresis", "%u", u8(16 + 16)).inferred(),
+    Row("Hi_Signal", "0x%04x", u16(16 + 20)).inferred(),
+    Row("Low_Signal", "0x%04x", u16(16 + 22)).inferred(),
+    Row("Overflow_Signal", "0x%04x", u16(16 + 24)).inferred(),
+    Row("Underflow_Signal", "0x%04x", u16(16 + 26)).inferred(),
+    Row("Not_Empty_Signal", "0x%04x", u16(16 + 10)).inferred(),
 };
 inline constexpr unsigned kFatalMsaSize = 48;
 
 // Invalid parameter, 28 bytes and the bad data. The bad header shows just the last eight bytes of a
 // record header, so it is them.
 inline constexpr Row kInvalidParamRows[] = {
-    Row("ARC_Number", "%u", u32(0)).chosen(),
-    Row("Call_Trace", "0x%08x", u32(4)).chosen(),
-    Row("Parameter_-_Pointer", "0x%08x", u32(8)).chosen(),
-    Row("Parameter_-_Word_Count", "%u", u32(12)).chosen(),
+    Row("ARC_Number", "%u", u32(0)).assumed(),
+    Row("Call_Trace", "0x%08x", u32(4)).assumed(),
+    Row("Parameter_-_Pointer", "0x%08x", u32(8)).assumed(),
+    Row("Parameter_-_Word_Count", "%u", u32(12)).assumed(),
     {"Section_1", "------ Bad Header ------"},
-    Row("Bad_Header_-_Source", "%u", u8(18)).fits(),
-    Row("Bad_Header_-_Type", "%u", u8(19)).fits(),
-    Row("Bad_Header_-_Category", "%u", u8(20)).fits(),
-    Row("Bad_Header_-_ID_Version", "%u", u8(21)).fits(),
-    Row("Bad_Header_-_ID", "%u", u16(22)).fits(),
-    Row("Bad_Header_-_Struct_Length", "%u", u16(16)).fits(),
+    Row("Bad_Header_-_Source", "%u", u8(18)).inferred(),
+    Row("Bad_Header_-_Type", "%u", u8(19)).inferred(),
+    Row("Bad_Header_-_Category", "%u", u8(20)).inferred(),
+    Row("Bad_Header_-_ID_Version", "%u", u8(21)).inferred(),
+    Row("Bad_Header_-_ID", "%u", u16(22)).inferred(),
+    Row("Bad_Header_-_Struct_Length", "%u", u16(16)).inferred(),
     {"Section_2", "------- Bad Data -------"},
-    Row("Bad_Data_-_Dump_Length", "%u", u32(24)).chosen(),
+    Row("Bad_Data_-_Dump_Length", "%u", u32(24)).assumed(),
 };
 inline constexpr unsigned kBadLengthAt = 24;
 inline constexpr unsigned kBadDataAt = 28;
@@ -188,7 +188,7 @@ inline constexpr std::uint16_t kUnlistedLines[kBuilders] = {361, 479, 526, 580, 
 inline constexpr unsigned kUnroutedLine = 262;
 
 struct Class {
-    Label<38> title;
+    FixedString<38> title;
     Builder builder = kNoBuilder;
 };
 // By event class; class 7 is named and not built.

@@ -32,10 +32,10 @@ void unpackLocation(const LocationBlock& block, int& line, char* function, char*
 }
 
 LocatedRecord::LocatedRecord(RecordView record, Block block)
-    : record_(record), data_(record.from(sizeof(EmpEvLogMsg_s))) {
+    : record_(record), data_(record.subview(sizeof(EmpEvLogMsg_s))) {
     if (block == Block::Always || record.u16(144) > sizeof(LocationBlock)) {
-        location_ = locationOf(data_.from(0, sizeof(LocationBlock)));
-        data_ = data_.from(sizeof(LocationBlock));
+        location_ = locationOf(data_.subview(0, sizeof(LocationBlock)));
+        data_ = data_.subview(sizeof(LocationBlock));
     }
 }
 
@@ -59,7 +59,7 @@ LocatedRecord::Behind LocatedRecord::behind(std::string_view text) const {
     const int taken = static_cast<int>(text.size()) + 1;
     if (room < taken)
         return {false, data_, room};
-    return {true, data_.from(text.size() + 1), room - taken};
+    return {true, data_.subview(text.size() + 1), room - taken};
 }
 
 } // namespace Pegasus::mpu

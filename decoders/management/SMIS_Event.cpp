@@ -127,7 +127,7 @@ std::string_view build(std::uint8_t kind, RecordView view, TextWriter& body) {
         textAt = kManagementMessageSize;
     } else if (kind == kObject) {
         const unsigned size = data.u16(kObjectSizeAt);
-        writeObject(body, data.u8(kClassIdAt), data.from(kObjectAt, size));
+        writeObject(body, data.u8(kClassIdAt), data.subview(kObjectAt, size));
         write(body, kLayout<kObjectHeaderRows>, data);
         textAt = kObjectAt + size;
     }

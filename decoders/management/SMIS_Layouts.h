@@ -35,7 +35,7 @@ template <const auto& Rows>
 inline constexpr auto kChosenRows = [] {
     auto rows = std::to_array(Rows);
     for (Row& row : rows)
-        row.mark = Mark::Chosen;
+        row.provenance = Provenance::Assumed;
     return rows;
 }();
 template <const auto& Rows>

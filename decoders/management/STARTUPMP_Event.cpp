@@ -19,8 +19,8 @@ enum Kind : std::uint8_t { kMessage, kChannel, kPartial, kSignalReport, kState, 
 struct Event {
     std::uint16_t code;
     Kind kind;
-    Label<38> title;
-    Label<62> summary; // empty: the first line of the payload's text
+    FixedString<38> title;
+    FixedString<62> summary; // empty: the first line of the payload's text
 };
 constexpr Event kEvents[] = {
     {1, kMessage, "General message", ""},
@@ -63,7 +63,7 @@ void putLines(TextWriter& body, std::string_view text) {
 // `length` decides which elements are written.
 void putChannel(TextWriter& body, RecordView payload, int length) {
     const std::string_view text = payload.text(0);
-    const RecordView header = payload.from((text.size() + 4) / 4 * 4);
+    const RecordView header = payload.subview((text.size() + 4) / 4 * 4);
     body.element("Text", firstLine(text), " ").open("MMCH_contents");
     write(body, kLayout<kChannelSlice<0, 3>>, header);
     for (const ChannelPart& part : kChannelParts)
@@ -167,7 +167,7 @@ void putState(TextWriter& body, RecordView payload, unsigned int length) {
 }
 
 void build(Kind kind, RecordView record, TextWriter& body) {
-    const RecordView payload = record.from(sizeof(EmpEvLogMsg_s));
+    const RecordView payload = record.subview(sizeof(EmpEvLogMsg_s));
     const unsigned int length = record.u16(offsetof(EmpEvLogMsg_s, evStructLength));
     switch (kind) {
     case kMessage:

@@ -66,7 +66,7 @@ inline constexpr Row kTimerRows[] = {
 };
 
 inline constexpr std::string_view kPollTexts[] = {"", "Input data available", "Unknown poll event"};
-inline constexpr NameTable kPollEvents = names<kPollTexts>(Otherwise::Last);
+inline constexpr NameTable kPollEvents = names<kPollTexts>(Fallback::Last);
 inline constexpr Row kPollRows[] = {
     {"__Cause", "Polled event:"},
     {"__Event", "%s", name(u16(10), kPollEvents)},
@@ -75,23 +75,23 @@ inline constexpr Row kPollRows[] = {
 };
 
 inline constexpr std::string_view kIllegalTexts[] = {"", "Illegal opcode", "Unrecognized error"};
-inline constexpr NameTable kIllegalEvents = names<kIllegalTexts>(Otherwise::Last);
+inline constexpr NameTable kIllegalEvents = names<kIllegalTexts>(Fallback::Last);
 inline constexpr std::string_view kTrapTexts[] = {"", "Process breakpoint", "Unrecognized error"};
-inline constexpr NameTable kTrapEvents = names<kTrapTexts>(Otherwise::Last);
+inline constexpr NameTable kTrapEvents = names<kTrapTexts>(Fallback::Last);
 inline constexpr std::string_view kBusTexts[] = {"", "Invalid address alignment",
                                                  "Unrecognized error"};
-inline constexpr NameTable kBusEvents = names<kBusTexts>(Otherwise::Last);
+inline constexpr NameTable kBusEvents = names<kBusTexts>(Fallback::Last);
 inline constexpr std::string_view kFloatTexts[] = {"", "Integer divide by zero",
                                                    "Unrecognized error"};
-inline constexpr NameTable kFloatEvents = names<kFloatTexts>(Otherwise::Last);
+inline constexpr NameTable kFloatEvents = names<kFloatTexts>(Fallback::Last);
 inline constexpr std::string_view kSegmentTexts[] = {"", "Address not mapped to object",
                                                      "Unrecognized error"};
-inline constexpr NameTable kSegmentEvents = names<kSegmentTexts>(Otherwise::Last);
+inline constexpr NameTable kSegmentEvents = names<kSegmentTexts>(Fallback::Last);
 
 // "0x" is the format's own and comes before that of "%p".
 inline constexpr Row kAddressRow{"__Address", "0x%p", u32(12)};
 constexpr Row faultEvent(const NameTable& events) {
-    return Row("__Event", "%s", name(u16(10), events)).again();
+    return Row("__Event", "%s", name(u16(10), events)).overlay();
 }
 inline constexpr Row kIllegalRows[] = {{"__Cause", "Illegal instruction (code: %d)", u16(10)},
                                        faultEvent(kIllegalEvents),
@@ -109,7 +109,7 @@ inline constexpr Row kSegmentRows[] = {{"__Cause", "Segmentation violation (code
 inline constexpr Row kOtherFaultRows[] = {{"__Cause", "Unrecognized processor fault"}, kAddressRow};
 
 inline constexpr std::string_view kChildTexts[] = {"", "Child exited", "Unknown child event"};
-inline constexpr NameTable kChildEvents = names<kChildTexts>(Otherwise::Last);
+inline constexpr NameTable kChildEvents = names<kChildTexts>(Fallback::Last);
 inline constexpr Row kChildRows[] = {
     {"__Cause", "Child process signalled an event"},
     {"__Event", "%s", name(u16(10), kChildEvents)},
@@ -129,7 +129,7 @@ inline constexpr Row kOtherRows[] = {
 inline constexpr Row kProcessorRows[] = {
     close("Signal_info"),
     open("Registers"),
-    Row("GPR", "%d: 0x%08lx", index, u32(128)).times(32, 4),
+    Row("GPR", "%d: 0x%08lx", index, u32(128)).repeat(32, 4),
     {"NIP", "0x%08lx", u32(256)},
     {"MSR", "0x%08lx", u32(260)},
     {"Orig_GPR3", "0x%08lx", u32(264)},
@@ -164,7 +164,7 @@ inline constexpr std::size_t kStackDumpLimit = 32768; // characters of the body
 // The controller's registers: the address of the first one, then their words up to the end of the
 // payload. Nobody wrote down what they mean, so each is shown with its address.
 inline constexpr Row kStateRows[] = {
-    Row("BASE_ADDRESS", "%08X base address", u32(0)).chosen(),
+    Row("BASE_ADDRESS", "%08X base address", u32(0)).assumed(),
 };
 inline constexpr unsigned kRegistersAt = 4;
 

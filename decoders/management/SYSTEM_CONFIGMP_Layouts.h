@@ -41,11 +41,11 @@ inline constexpr Row kPersistentMemoryRows[] = {
     {"cpmSetAllObjectsValue", "%d", u32(24)},
     {"cpmStart", "%d", u32(28)},
     {"cpmDebug", "%d", u8(32)},
-    Row("cpmClassOffset", "[%d], value [%d]", index, u32(36)).times(32, 4),
-    Row("cpmClassSize", "[%d], value [%d]", index, u32(164)).times(32, 4),
-    Row("cpmClassDirty", "[%d], value [%d]", index, u8(292)).times(32, 1),
-    Row("cpmGetObjectAddr", "[%d], value [%d]", index, u32(324)).times(32, 4),
-    Row("cpmReleaseObjectAddr", "[%d], value [%d]", index, u32(452)).times(32, 4),
+    Row("cpmClassOffset", "[%d], value [%d]", index, u32(36)).repeat(32, 4),
+    Row("cpmClassSize", "[%d], value [%d]", index, u32(164)).repeat(32, 4),
+    Row("cpmClassDirty", "[%d], value [%d]", index, u8(292)).repeat(32, 1),
+    Row("cpmGetObjectAddr", "[%d], value [%d]", index, u32(324)).repeat(32, 4),
+    Row("cpmReleaseObjectAddr", "[%d], value [%d]", index, u32(452)).repeat(32, 4),
 };
 
 inline constexpr Row kLockManagerRows[] = {
@@ -90,7 +90,7 @@ inline constexpr std::string_view kLockRequestTexts[] = {
     "DDLM_release",
     "DDLM_sync",
 };
-inline constexpr NameTable kLockRequests = names<kLockRequestTexts>(Otherwise::Number);
+inline constexpr NameTable kLockRequests = names<kLockRequestTexts>(Fallback::Number);
 
 inline constexpr std::string_view kTransactionTexts[] = {
     "IndeterminateSyncTime",
@@ -103,7 +103,7 @@ inline constexpr std::string_view kTransactionTexts[] = {
     "",
     "TransactionComplete",
 };
-inline constexpr NameTable kTransactions = names<kTransactionTexts>(Otherwise::Number);
+inline constexpr NameTable kTransactions = names<kTransactionTexts>(Fallback::Number);
 
 inline constexpr Row kLockRows[] = {
     open("Lock_Classes"),

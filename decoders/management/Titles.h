@@ -1,16 +1,16 @@
 // Titles of the management decoders' events.
 #pragma once
 
-#include "event/Label.h"
+#include "event/FixedString.h"
 
 namespace Pegasus::mpu {
 
 // An event whose title depends on its severity.
 struct TitledEvent {
     std::uint16_t code;
-    Label<50> error;
-    Label<50> warning;
-    Label<50> other;
+    FixedString<50> error;
+    FixedString<50> warning;
+    FixedString<50> other;
     std::uint8_t kind; // of record, as the decoder numbers them
 
     std::string_view title(std::uint8_t severity) const {

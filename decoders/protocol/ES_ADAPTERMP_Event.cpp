@@ -42,7 +42,7 @@ void putInformation(TextWriter& body, RecordView data) {
 }
 
 void build(TextWriter& body, RecordView record) {
-    const RecordView data = record.from(sizeof(EmpEvLogMsg_s));
+    const RecordView data = record.subview(sizeof(EmpEvLogMsg_s));
     switch (record.u16(offsetof(EmpEvLogMsg_s, eventId))) {
     case kBugcheck:
         return putError(body, data);

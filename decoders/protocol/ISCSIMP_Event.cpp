@@ -75,7 +75,7 @@ void putRequest(TextWriter& body, RecordView data, TextRun& texts, std::size_t h
         putText(body, "TargetName", target);
         putText(body, "InitiatorName", initiator);
     }
-    putHeader(body, data.from(headerAt, kHeaderSize));
+    putHeader(body, data.subview(headerAt, kHeaderSize));
 }
 
 void buildBasic(TextWriter& body, TextWriter& summary, RecordView data) {
@@ -90,9 +90,9 @@ void buildSocket(TextWriter& body, TextWriter& summary, RecordView data) {
         put<kCloseRows>(body, data);
         kCloseReasons.put(summary.put(", "), data.u32(kCloseReason));
     }
-    putAddress(summary.put(", Target "), data.from(kTargetAddress));
+    putAddress(summary.put(", Target "), data.subview(kTargetAddress));
     summary.put(":").decimal(data.u16(kTargetPort));
-    putAddress(summary.put(", Initiator "), data.from(kInitiatorAddress));
+    putAddress(summary.put(", Initiator "), data.subview(kInitiatorAddress));
     summary.put(":").decimal(data.u16(kInitiatorPort));
     summary.put(", Socket ").decimal(data.u32(4));
 }
@@ -206,7 +206,7 @@ ISCSIMP_Event::ISCSIMP_Event(const EmpEvLogMsg_s* record, int length)
     kEvents.put(line, record->eventId);
     line.assignTo(eventID_);
     line.clear();
-    build(body, line, view.from(sizeof *record));
+    build(body, line, view.subview(sizeof *record));
     body.assignTo(body_);
     line.assignTo(summary_);
 }

@@ -171,7 +171,7 @@ inline constexpr unsigned kIfMarkerFlag = 24;
 inline constexpr Row kLoginRows[] = {
     {"SessionType", "%s", name(u16(18), kSessionTypes)},
     {"TSIH", "%u", u32(8)},
-    Row("ISID", "0x%06x", u48(12)).fits(),
+    Row("ISID", "0x%06x", u48(12)).inferred(),
     {"ErrorRecoveryLevel", "%u", u8(39)},
     {"DefaultTime2Wait", "%u", u16(28)},
     {"DefaultTime2Retain", "%u", u16(30)},
@@ -180,23 +180,23 @@ inline constexpr Row kLoginRows[] = {
     {"MaxConnections", "%u", u16(36)},
     {"ConnectionCount", "%u", u8(38)},
     {"MaxOutstandingR2T", "%u", u32(32)},
-    Row("InitialR2T", "%s", bit(kLoginFlags, 31, kNoYes)).chosen(),
-    Row("ImmediateData", "%s", bit(kLoginFlags, 30, kNoYes)).chosen(),
-    Row("DataPDUInOrder", "%s", bit(kLoginFlags, 29, kNoYes)).chosen(),
-    Row("DataSequenceInOrder", "%s", bit(kLoginFlags, 28, kNoYes)).chosen(),
+    Row("InitialR2T", "%s", bit(kLoginFlags, 31, kNoYes)).assumed(),
+    Row("ImmediateData", "%s", bit(kLoginFlags, 30, kNoYes)).assumed(),
+    Row("DataPDUInOrder", "%s", bit(kLoginFlags, 29, kNoYes)).assumed(),
+    Row("DataSequenceInOrder", "%s", bit(kLoginFlags, 28, kNoYes)).assumed(),
     {"CID", "0x%04x", u16(44)},
     {"ActiveiScsiVersion", "%u", u8(46)},
     {"AuthenticationMethod", "%s", name(u8(47), kAuthentications)},
     {"Target_MaxRecvDataSegmentLength", "%u", u32(48)},
     {"Initiator_MaxRecvDataSegmentLength", "%u", u32(52)},
-    Row("HeaderDigest", "%s", bit(kLoginFlags, 27, kDigests)).chosen(),
-    Row("DataDigest", "%s", bit(kLoginFlags, 26, kDigests)).chosen(),
-    Row("OfMarker", "%s", bit(kLoginFlags, kOfMarkerFlag, kNoYes)).chosen(),
-    Row("IfMarker", "%s", bit(kLoginFlags, kIfMarkerFlag, kNoYes)).chosen(),
+    Row("HeaderDigest", "%s", bit(kLoginFlags, 27, kDigests)).assumed(),
+    Row("DataDigest", "%s", bit(kLoginFlags, 26, kDigests)).assumed(),
+    Row("OfMarker", "%s", bit(kLoginFlags, kOfMarkerFlag, kNoYes)).assumed(),
+    Row("IfMarker", "%s", bit(kLoginFlags, kIfMarkerFlag, kNoYes)).assumed(),
 };
 // The low bit of the method changes nothing in its name, so it tells one-way from mutual.
 inline constexpr Row kMutualRows[] = {
-    Row("MutualAuthentication", "%s", bit(u8(47), 0, kNoYes)).fits(),
+    Row("MutualAuthentication", "%s", bit(u8(47), 0, kNoYes)).inferred(),
 };
 inline constexpr Row kOfMarkerRows[] = {{"OfMarkInt", "%u", u16(60)}};
 inline constexpr Row kIfMarkerRows[] = {{"IfMarkInt", "%u", u16(62)}};
@@ -204,14 +204,14 @@ inline constexpr Row kIfMarkerRows[] = {{"IfMarkInt", "%u", u16(62)}};
 inline constexpr unsigned kHeaderAt = 8; // of a message event
 inline constexpr Row kMessageRows[] = {
     {"Reason", "%s", name(u16(2), kReasons)},
-    Row("Protocol", "0x%04x", u8(kHeaderAt + message_header::kProtocol)).fits(),
-    Row("Type", "0x%04x", u24(kHeaderAt + message_header::kType)).fits(),
-    Row("Requestor", "0x%02x", u8(kHeaderAt + message_header::kRequestor)).fits(),
-    Row("Destination", "0x%02x", u8(kHeaderAt + message_header::kDestination)).fits(),
-    Row("Length", "0x%04x", u16(kHeaderAt + message_header::kLength)).fits(),
-    Row("Control", "0x%02x", u8(kHeaderAt + message_header::kControl)).fits(),
-    Row("Handle", "0x%08x", u32(kHeaderAt + message_header::kHandle)).fits(),
-    Row("Return_code", "0x%08x", u32(kHeaderAt + message_header::kReturnCode)).fits(),
+    Row("Protocol", "0x%04x", u8(kHeaderAt + message_header::kProtocol)).inferred(),
+    Row("Type", "0x%04x", u24(kHeaderAt + message_header::kType)).inferred(),
+    Row("Requestor", "0x%02x", u8(kHeaderAt + message_header::kRequestor)).inferred(),
+    Row("Destination", "0x%02x", u8(kHeaderAt + message_header::kDestination)).inferred(),
+    Row("Length", "0x%04x", u16(kHeaderAt + message_header::kLength)).inferred(),
+    Row("Control", "0x%02x", u8(kHeaderAt + message_header::kControl)).inferred(),
+    Row("Handle", "0x%08x", u32(kHeaderAt + message_header::kHandle)).inferred(),
+    Row("Return_code", "0x%08x", u32(kHeaderAt + message_header::kReturnCode)).inferred(),
 };
 inline constexpr unsigned kMessageSize = kHeaderAt + message_header::kSize;
 

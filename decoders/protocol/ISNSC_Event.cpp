@@ -103,7 +103,7 @@ ISNSC_Event::ISNSC_Event(const EmpEvLogMsg_s* record, int length)
     if (!record)
         return;
     const RecordView view = RecordView::of(record, static_cast<unsigned int>(length));
-    const RecordView event = view.from(sizeof *record);
+    const RecordView event = view.subview(sizeof *record);
     const bool small = view.size() <= kSmallRecord;
     BodyWriter body(small ? Texts::Safe : Texts::Raw);
     LineWriter title;

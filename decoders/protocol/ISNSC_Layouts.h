@@ -21,8 +21,8 @@ inline constexpr unsigned kKindAt = 4; // the word in front of it is not shown
 inline constexpr unsigned kReasonAt = 8;
 inline constexpr Row kLocationRows[] = {
     // The event data begin with their own structure, so only the event header has room for these.
-    Row("Module", "%s", text(12, 8)).chosen(),
-    Row("Line", "%d", u32(20)).chosen(),
+    Row("Module", "%s", text(12, 8)).assumed(),
+    Row("Line", "%d", u32(20)).assumed(),
 };
 
 // ICS events: a message header, then the part that its message type says.
@@ -32,36 +32,36 @@ inline constexpr unsigned kTypeAt = kHeaderAt + message_header::kMessageType;
 inline constexpr Row kHeaderRows[] = {
     Row("mmch_LH", "(%08X, %08X) (hex)", u32(kHeaderAt + message_header::kListHead),
         u32(kHeaderAt + message_header::kListHead + 4))
-        .fits(),
-    Row("Message_Type", "%d", u8(kTypeAt)).fits(),
-    Row("Message_Version", "%d", u8(kHeaderAt + message_header::kVersion)).fits(),
-    Row("Message_Length", "%d", u16(kHeaderAt + message_header::kLength)).fits(),
-    Row("OpCode_Protocol", "%d", u8(kHeaderAt + message_header::kProtocol)).fits(),
-    Row("OpCode_Type", "%08X (hex)", u24(kHeaderAt + message_header::kType)).fits(),
-    Row("Requestor", "%d", u8(kHeaderAt + message_header::kRequestor)).fits(),
-    Row("mmsg_cont", "%02X (hex)", u8(kHeaderAt + message_header::kControl)).fits(),
-    Row("Dest_EP", "%02X (hex)", u8(kHeaderAt + message_header::kDestination)).fits(),
+        .inferred(),
+    Row("Message_Type", "%d", u8(kTypeAt)).inferred(),
+    Row("Message_Version", "%d", u8(kHeaderAt + message_header::kVersion)).inferred(),
+    Row("Message_Length", "%d", u16(kHeaderAt + message_header::kLength)).inferred(),
+    Row("OpCode_Protocol", "%d", u8(kHeaderAt + message_header::kProtocol)).inferred(),
+    Row("OpCode_Type", "%08X (hex)", u24(kHeaderAt + message_header::kType)).inferred(),
+    Row("Requestor", "%d", u8(kHeaderAt + message_header::kRequestor)).inferred(),
+    Row("mmsg_cont", "%02X (hex)", u8(kHeaderAt + message_header::kControl)).inferred(),
+    Row("Dest_EP", "%02X (hex)", u8(kHeaderAt + message_header::kDestination)).inferred(),
     Row("Recipient_Loc_BM", "%016X (hex)", u64(kHeaderAt + message_header::kLocalRecipients))
-        .fits(),
+        .inferred(),
     Row("Recipient_OB_BM", "%016X (hex)", u64(kHeaderAt + message_header::kOutOfBoxRecipients))
-        .fits(),
-    Row("Return_Code", "%d", u32(kHeaderAt + message_header::kReturnCode)).fits(),
-    Row("Handle", "%08X (hex)", u32(kHeaderAt + message_header::kHandle)).fits(),
-    Row("General_Use_1", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse1)).fits(),
-    Row("General_Use_2", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse2)).fits(),
-    Row("General_Use_3", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse3)).fits(),
+        .inferred(),
+    Row("Return_Code", "%d", u32(kHeaderAt + message_header::kReturnCode)).inferred(),
+    Row("Handle", "%08X (hex)", u32(kHeaderAt + message_header::kHandle)).inferred(),
+    Row("General_Use_1", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse1)).inferred(),
+    Row("General_Use_2", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse2)).inferred(),
+    Row("General_Use_3", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse3)).inferred(),
 };
 inline constexpr Row kStatusRows[] = {
-    Row("isns_status", "%08X (hex)", u32(88)).chosen(),
+    Row("isns_status", "%08X (hex)", u32(88)).assumed(),
 };
 inline constexpr Row kConfigurationRows[] = {
-    Row("isns_control", "%08X (hex)", u32(88)).chosen(),
-    Row("isns_server_ip", "%08X (hex)", u32(92)).chosen(),
-    Row("isns_server_subnet_mask", "%08X (hex)", u32(96)).chosen(),
-    Row("isns_server_port", "%08X (hex)", u32(100)).chosen(),
-    Row("isns_heartbeat_ip", "%08X (hex)", u32(104)).chosen(),
-    Row("isns_heartbeat_subnet_mask", "%08X (hex)", u32(108)).chosen(),
-    Row("src_node_id", "%s", text(112)).chosen(),
+    Row("isns_control", "%08X (hex)", u32(88)).assumed(),
+    Row("isns_server_ip", "%08X (hex)", u32(92)).assumed(),
+    Row("isns_server_subnet_mask", "%08X (hex)", u32(96)).assumed(),
+    Row("isns_server_port", "%08X (hex)", u32(100)).assumed(),
+    Row("isns_heartbeat_ip", "%08X (hex)", u32(104)).assumed(),
+    Row("isns_heartbeat_subnet_mask", "%08X (hex)", u32(108)).assumed(),
+    Row("src_node_id", "%s", text(112)).assumed(),
 };
 inline constexpr unsigned kNodeAt = 112; // src_node_alias lies behind the identifier's NUL
 
@@ -71,7 +71,7 @@ inline constexpr std::uint32_t kKnownText = 1;
 inline constexpr unsigned kCountAt = 28;
 inline constexpr unsigned kArgumentsAt = 32;
 inline constexpr Row kCountRows[] = {
-    Row("Arg_Count", "%d", u32(kCountAt)).chosen(),
+    Row("Arg_Count", "%d", u32(kCountAt)).assumed(),
 };
 
 // The catalogue.

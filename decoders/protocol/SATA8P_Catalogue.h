@@ -82,10 +82,10 @@ inline constexpr Part kFrame[] = {{"Event header and body", Rows, kHeaderAt}...}
 
 // Version 3: what stands in the slots of a record, by protocol. How sure their places are is the
 // event's matter.
-template <const auto& Rows, Mark M>
+template <const auto& Rows, Provenance M>
 inline constexpr auto kPlaced = []<std::size_t... I>(std::index_sequence<I...>) {
     const auto placed = [](Row row) {
-        row.mark = M;
+        row.provenance = M;
         return row;
     };
     return std::array{placed(Rows[I])...};
@@ -94,7 +94,7 @@ inline constexpr auto kPlaced = []<std::size_t... I>(std::index_sequence<I...>) 
 
 enum Protocol : std::uint8_t { kScsi, kSata };
 enum Slot : std::uint8_t { kCommand, kOutcome, kStrings };
-template <Mark M>
+template <Provenance M>
 inline constexpr Part kSlots[2][3] = {
     {{"CDB", kPlaced<v3::kCdbRows, M>, kDataAt},
      {"Sense data", kPlaced<v3::kSenseRows, M>, kDataAt},
@@ -116,8 +116,8 @@ struct PartList {
     constexpr operator std::span<const Part>() const { return {parts, size}; }
 };
 constexpr void addPiece(PartList& list, v3::Piece piece, Protocol protocol) {
-    const auto& chosen = kSlots<Mark::Chosen>[protocol];
-    const auto& fits = kSlots<Mark::Fits>[protocol];
+    const auto& chosen = kSlots<Provenance::Assumed>[protocol];
+    const auto& fits = kSlots<Provenance::Inferred>[protocol];
     switch (piece) {
     case v3::kSlots:
         list.add(chosen[kCommand], v3::kXportCommand);

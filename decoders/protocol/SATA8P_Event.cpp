@@ -4,15 +4,6 @@
 
 namespace Pegasus {
 
-// An event under construction.
-struct mpu::sata::Draft {
-    explicit Draft(Texts texts = Texts::Safe) : body(texts) {}
-
-    LineWriter title;
-    LineWriter summary;
-    BodyWriter body;
-};
-
 using namespace mpu;
 using namespace mpu::sata;
 
@@ -132,7 +123,7 @@ void bugcheck(Draft& out, RecordView frame, std::size_t payload) {
     write(out.summary, v2::Summaries::at(object), frame);
     if (object == v2::kTransfer) {
         for (unsigned i = 0; i < v2::kSegments; ++i) {
-            const RecordView segment = frame.from(v2::kListAt + i * v2::kSegmentSize);
+            const RecordView segment = frame.subview(v2::kListAt + i * v2::kSegmentSize);
             if (segment.u32(0) == 0)
                 break;
             put<v2::kSegmentRows>(out.body, segment);
@@ -149,7 +140,7 @@ void bugcheck(Draft& out, RecordView frame, std::size_t payload) {
 }
 
 void version2(Draft& out, RecordView record) {
-    const RecordView frame = record.from(kPayload);
+    const RecordView frame = record.subview(kPayload);
     const std::uint32_t type = frame.u32(0);
     const std::uint32_t code = frame.u32(4);
     const std::size_t codes = type == kBugcheck ? kBugchecks.codes() : kDriveEvents.codes();
@@ -228,37 +219,38 @@ void putPiece(Draft& out, v3::Piece piece, RecordView data) {
     switch (piece) {
     case v3::kSlots:
         if (data.u32(v3::kXportProtocol) == 0) {
-            putSataCommand(out.body, data.from(v3::kXportCommand));
-            putSataOutcome(out.body, data.from(v3::kXportOutcome), data.from(v3::kXportCommand));
+            putSataCommand(out.body, data.subview(v3::kXportCommand));
+            putSataOutcome(out.body, data.subview(v3::kXportOutcome),
+                           data.subview(v3::kXportCommand));
         } else {
-            putScsiCommand(out.body, data.from(v3::kXportCommand));
-            putScsiOutcome(out.body, data.from(v3::kXportOutcome));
+            putScsiCommand(out.body, data.subview(v3::kXportCommand));
+            putScsiOutcome(out.body, data.subview(v3::kXportOutcome));
         }
         break;
     case v3::kSataStatus:
-        out.summary.put(", ").put(putSataOutcome(out.body, data.from(v3::kSataErrorStatus),
-                                                 data.from(v3::kErrorCommand)));
+        out.summary.put(", ").put(putSataOutcome(out.body, data.subview(v3::kSataErrorStatus),
+                                                 data.subview(v3::kErrorCommand)));
         break;
     case v3::kSataCommand:
-        putSataCommand(out.body, data.from(v3::kErrorCommand));
+        putSataCommand(out.body, data.subview(v3::kErrorCommand));
         break;
     case v3::kSataStrings:
-        put<v3::kSataStringRows>(out.body, data.from(v3::kSataErrorStrings));
+        put<v3::kSataStringRows>(out.body, data.subview(v3::kSataErrorStrings));
         break;
     case v3::kScsiSense:
-        out.summary.put(", ").put(putScsiOutcome(out.body, data.from(v3::kScsiErrorSense)));
+        out.summary.put(", ").put(putScsiOutcome(out.body, data.subview(v3::kScsiErrorSense)));
         break;
     case v3::kScsiCommand:
-        putScsiCommand(out.body, data.from(v3::kErrorCommand));
+        putScsiCommand(out.body, data.subview(v3::kErrorCommand));
         break;
     case v3::kScsiStrings:
-        put<v3::kScsiStringRows>(out.body, data.from(v3::kScsiErrorStrings));
+        put<v3::kScsiStringRows>(out.body, data.subview(v3::kScsiErrorStrings));
         break;
     case v3::kIdentifyStrings:
-        putStrings(out.body, data.u32(v3::kIdentifyProtocol), data.from(v3::kIdentifyStringsAt));
+        putStrings(out.body, data.u32(v3::kIdentifyProtocol), data.subview(v3::kIdentifyStringsAt));
         break;
     case v3::kUnitStrings:
-        putStrings(out.body, data.u32(v3::kUnitProtocol), data.from(v3::kUnitStringsAt));
+        putStrings(out.body, data.u32(v3::kUnitProtocol), data.subview(v3::kUnitStringsAt));
         break;
     default:
         write(out.body, v3::Pieces::at(piece), data);
@@ -273,7 +265,7 @@ bool classEvent(Draft& out, RecordView frame, std::uint32_t eventClass) {
             (event.identifier != identifier && event.identifier != v3::kAny))
             continue;
         write(out.summary, v3::Summaries::at(event.summary), frame);
-        const RecordView data = frame.from(v3::kData);
+        const RecordView data = frame.subview(v3::kData);
         for (const v3::Piece* piece = event.pieces; *piece != v3::kEnd; ++piece)
             putPiece(out, *piece, data);
         return true;
@@ -299,7 +291,7 @@ void appendClass(Avrel_Event& event, const DM_EVL* record, XmlString& body,
                  std::uint32_t eventClass) {
     Draft draft(Texts::Raw);
     const RecordView view = RecordView::of(&record->record, 0);
-    if (!classEvent(draft, view.from(kPayload), eventClass))
+    if (!classEvent(draft, view.subview(kPayload), eventClass))
         return;
     body.append(draft.body.view());
     event.setSummary(toString(draft.summary.view()));
@@ -315,52 +307,46 @@ SATA8P_Event::SATA8P_Event(const EmpEvLogMsg_s* record, int length)
     const RecordView view = RecordView::of(record, static_cast<unsigned int>(length));
     Draft draft;
     if (record->payloadVersion == 3)
-        version3(draft, view.from(kPayload));
+        version3(draft, view.subview(kPayload));
     else if (record->payloadVersion == 2 || view.u32(kMarker) == 0xFFFFFFFF)
         version2(draft, view);
     else
-        version1(draft, view.from(kPayload));
-    store(draft);
+        version1(draft, view.subview(kPayload));
+    take(draft);
 }
 
 SATA8P_Event::~SATA8P_Event() = default;
 
-void SATA8P_Event::store(const Draft& draft) {
-    assignAscii(eventID_, draft.title.view());
-    assignAscii(summary_, draft.summary.view()); // no text of the record is in a summary
-    draft.body.assignTo(body_);
-}
-
 void SATA8P_Event::build_version_1_events(const EmpEvLogMsg_s* record, int length) {
     Draft draft;
-    version1(draft, RecordView::of(record, static_cast<unsigned int>(length)).from(kPayload));
-    store(draft);
+    version1(draft, RecordView::of(record, static_cast<unsigned int>(length)).subview(kPayload));
+    take(draft);
 }
 
 void SATA8P_Event::build_version_2_events(const EmpEvLogMsg_s* record) {
     Draft draft;
     version2(draft, RecordView::of(record, 0));
-    store(draft);
+    take(draft);
 }
 
 void SATA8P_Event::build_version_3_events(const DM_EVL* record) {
     Draft draft;
-    version3(draft, RecordView::of(&record->record, 0).from(kPayload));
-    store(draft);
+    version3(draft, RecordView::of(&record->record, 0).subview(kPayload));
+    take(draft);
 }
 
 void SATA8P_Event::build_hardware_event(const DEVICE_MGR_HARDWARE_EVENT* event,
                                         const DEVICE_MGR_EVL_HDR* header, unsigned int code) {
     Draft draft;
     hardware(draft, Frame(*header, *event, code).view());
-    store(draft);
+    take(draft);
 }
 
 void SATA8P_Event::build_drive_event(const DEVICE_MGR_DRIVE_EVENT* event,
                                      const DEVICE_MGR_EVL_HDR* header, unsigned int code) {
     Draft draft;
     drive(draft, Frame(*header, *event, code).view());
-    store(draft);
+    take(draft);
 }
 
 void SATA8P_Event::build_bugcheck_event(const DEVICE_MGR_BUG_CHECK_EVENT* event,
@@ -368,7 +354,7 @@ void SATA8P_Event::build_bugcheck_event(const DEVICE_MGR_BUG_CHECK_EVENT* event,
     Draft draft;
     const Frame frame(*header, *event, code);
     bugcheck(draft, frame.view(), sizeof frame);
-    store(draft);
+    take(draft);
 }
 
 void SATA8P_Event::build_xport_event_v3(const DM_EVL* record, XmlString& body) {

@@ -9,10 +9,6 @@
 
 namespace Pegasus {
 
-namespace mpu::sata {
-struct Draft;
-}
-
 // Wire structures: all numbers big-endian, alignment 1.
 
 // Header of versions 1 and 2, at record offset 152; the event's body follows it.
@@ -160,9 +156,6 @@ public:
     static std::string get_drp_status(unsigned int status, unsigned int detail);
     // "Unknown (n)"
     static std::string build_unknown_string(unsigned int n);
-
-private:
-    void store(const mpu::sata::Draft& draft);
 };
 
 } // namespace Pegasus

@@ -3,7 +3,8 @@
 #pragma once
 
 #include "decoders/protocol/SATA8P_Fields.h"
-#include "event/Label.h"
+#include "event/Catalogue.h"
+#include "event/FixedString.h"
 
 #include <utility>
 
@@ -22,7 +23,7 @@ constexpr Row word(std::string_view tag, Value v) {
     return {tag, "%s", v};
 }
 constexpr Row swapped(std::string_view tag, unsigned at) {
-    return {tag, "0x%s", made(at, 8, kSwapped)};
+    return {tag, "0x%s", custom(at, 8, kSwapped)};
 }
 
 // The event body lies behind the 36 bytes of header.
@@ -34,8 +35,8 @@ constexpr unsigned b(unsigned at) {
 // Nobody wrote down how the bodies of versions 1 and 2 are laid out: all their rows are chosen.
 // Fields are words in the order in which the firmware names them.
 template <std::size_t Count>
-consteval std::array<Row, Count> chosen(const Row (&rows)[Count]) {
-    const auto mark = [](const Row& row) { return row.values[0].at < kBody ? row : row.chosen(); };
+consteval std::array<Row, Count> assumed(const Row (&rows)[Count]) {
+    const auto mark = [](const Row& row) { return row.values[0].at < kBody ? row : row.assumed(); };
     return [&]<std::size_t... I>(std::index_sequence<I...>) {
         return std::array<Row, Count>{mark(rows[I])...};
     }
@@ -48,24 +49,24 @@ inline constexpr Row kNoLine[] = {line("")}; // nothing in the summary
 
 namespace v1 {
 
-inline constexpr auto kAddressRows = chosen({hex("Address", u32(b(0)))});
-inline constexpr auto kInterruptRows = chosen({hex("Interrupt_Status", u32(b(0)))});
-inline constexpr auto kNumberedRows = chosen({
+inline constexpr auto kAddressRows = assumed({hex("Address", u32(b(0)))});
+inline constexpr auto kInterruptRows = assumed({hex("Interrupt_Status", u32(b(0)))});
+inline constexpr auto kNumberedRows = assumed({
     dec("Event_Type", u32(0)),
     dec("Event_Number", u32(4)),
-    dec("Line_Number", u32(12)).fits(),
+    dec("Line_Number", u32(12)).inferred(),
 });
-inline constexpr auto kPlaceRows = chosen({
+inline constexpr auto kPlaceRows = assumed({
     dec("Drive", u32(b(0))),
     hex("Adapter_Handle", u32(16)),
     dec("PCI_Bus", u32(20)),
     dec("ID_Select", u32(b(4))),
 });
-inline constexpr auto kRepeatsRows = chosen({
+inline constexpr auto kRepeatsRows = assumed({
     dec("Drive", u32(b(0))),
     dec("Event_Count", u32(b(4))),
 });
-inline constexpr auto kStatisticsRows = chosen({
+inline constexpr auto kStatisticsRows = assumed({
     dec("Drive", u32(b(0))),
     dec("Read_Count", u32(b(4))),
     dec("Write_Count", u32(b(8))),
@@ -77,28 +78,28 @@ inline constexpr auto kStatisticsRows = chosen({
     dec("OutstandingMax", u32(b(32))),
     dec("Retry_Count", u32(b(36))),
 });
-inline constexpr auto kTaskRows = chosen({
+inline constexpr auto kTaskRows = assumed({
     dec("Message_type", u32(b(0))),
     hex("Task_ID", u32(b(4))),
     dec("Status", u32(b(8))),
 });
-inline constexpr auto kAdapterRows = chosen({
-    dec("ChannelConnected_%d", u8(b(0))).times(8, 1),
+inline constexpr auto kAdapterRows = assumed({
+    dec("ChannelConnected_%d", u8(b(0))).repeat(8, 1),
     hex("PCIDLLStatusAndControlRegister", u32(b(8))),
     hex("PCICommandRegister", u32(b(12))),
     hex("PCIModeRegister", u32(b(16))),
     hex("PCISERRMaskRegister", u32(b(20))),
-    hex("IntCoalThre_%d", u32(b(24))).times(2, 4),
-    hex("IntTimeThre_%d", u32(b(32))).times(2, 4),
-    hex("R00StatusBridgePortRegister_%d", u32(b(40))).times(8, 4),
+    hex("IntCoalThre_%d", u32(b(24))).repeat(2, 4),
+    hex("IntTimeThre_%d", u32(b(32))).repeat(2, 4),
+    hex("R00StatusBridgePortRegister_%d", u32(b(40))).repeat(8, 4),
 });
-inline constexpr auto kResponseRows = chosen({
+inline constexpr auto kResponseRows = assumed({
     dec("Adatper_Number", u32(16)),
     dec("Channel_Index", u32(24)),
     hex("Command_ID", u32(b(0))),
     dec("Time_Stamp", u32(b(4))),
 });
-inline constexpr auto kCommandRows = chosen({
+inline constexpr auto kCommandRows = assumed({
     dec("Drive", u32(b(0))),
     hex("SectorCountRegister", u8(b(4))),
     hex("LbaLowRegister", u8(b(5))),
@@ -107,14 +108,14 @@ inline constexpr auto kCommandRows = chosen({
     hex("DeviceRegister", u8(b(8))),
     hex("StatusRegister", u8(b(9))),
     hex("ErrorRegister", u8(b(10))),
-    word("Error_Cause", made(b(9), 7, kRegisterCause)).again(),
+    word("Error_Cause", custom(b(9), 7, kRegisterCause)).overlay(),
     word("Command", name(u32(b(12)), kMarvellCommands)),
     hex("PLBN", u64(b(16))),
     hex("Xfer_Count", u32(b(24))),
 });
-inline constexpr auto kValueRows = chosen({hex("Value", u32(b(0)))});
-inline constexpr auto kBarRows = chosen({hex("BAR_address", u32(b(0)))});
-inline constexpr auto kCscbRows = chosen({
+inline constexpr auto kValueRows = assumed({hex("Value", u32(b(0)))});
+inline constexpr auto kBarRows = assumed({hex("BAR_address", u32(b(0)))});
+inline constexpr auto kCscbRows = assumed({
     dec("CSCB_Number", u32(b(0))),
     dec("State", u32(b(4))),
     hex("Flags", u32(b(8))),
@@ -128,13 +129,13 @@ inline constexpr auto kCscbRows = chosen({
     hex("Resp_Status", u32(b(48))),
 });
 // The 40-byte drive request packet of the data-path modules, then two words.
-inline constexpr auto kRequestRows = chosen({
+inline constexpr auto kRequestRows = assumed({
     swapped("DRP_PLBN", b(4)),
     hex("DRP_Xfer_Count", u32(b(12))),
     swapped("DRP_Error_PLBN", b(16)),
     hex("DRP_Residual_Count", u32(b(24))),
     dec("DRP_Device", u32(b(28))),
-    word("DRP_Status", made(b(32), 2, kRequestStatus)).again(),
+    word("DRP_Status", custom(b(32), 2, kRequestStatus)).overlay(),
     hex("DRP_Status_Flags", u8(b(33))),
     word("DRP_Command", name(u8(b(34)), kRequestCommands)),
     hex("DRP_Command_Flags", u8(b(35))),
@@ -142,11 +143,11 @@ inline constexpr auto kRequestRows = chosen({
     dec("DRP_Timeout", u32(b(40))),
     hex("DRP_Address", u32(b(44))),
 });
-inline constexpr auto kQueueRows = chosen({
+inline constexpr auto kQueueRows = assumed({
     hex("Handle", u32(b(0))),
     hex("QMIR_wData", u32(b(4))),
 });
-inline constexpr auto kPhysicalDriveRows = chosen({
+inline constexpr auto kPhysicalDriveRows = assumed({
     dec("Channel_Number", u32(24)),
     hex("PDT_Handle", u32(b(0))),
     hex("Response", u32(b(4))),
@@ -160,8 +161,8 @@ inline constexpr auto kPhysicalDriveRows = chosen({
     dec("Cmds_segmented", u32(b(36))),
     dec("Support_Ext_Cmds", u32(b(40))),
 });
-inline constexpr auto kAdapterNumberRows = chosen({dec("Adapter_Number", u32(16))});
-inline constexpr auto kRegionRows = chosen({
+inline constexpr auto kAdapterNumberRows = assumed({dec("Adapter_Number", u32(16))});
+inline constexpr auto kRegionRows = assumed({
     hex("PRD_Address", u32(b(0))),
     hex("SGT_Offset", u32(b(4))),
     dec("Block_Count", u32(b(8))),
@@ -171,22 +172,22 @@ inline constexpr auto kRegionRows = chosen({
     hex("SGT_LH_Address", u32(b(24))),
     dec("Byte_Count", u32(b(28))),
 });
-inline constexpr auto kOperationRows = chosen({
+inline constexpr auto kOperationRows = assumed({
     dec("Drive", u32(b(0))),
     word("Operation", name(u32(b(4)), kMarvellCommands)),
 });
 // Where the hardware event of version 2 has it; the cause follows.
-inline constexpr Row kPciRows[] = {hex("PCI_Error_Code", u32(b(4))).fits()};
-inline constexpr auto kIdentityRows = chosen({
+inline constexpr Row kPciRows[] = {hex("PCI_Error_Code", u32(b(4))).inferred()};
+inline constexpr auto kIdentityRows = assumed({
     dec("Drive", u32(b(0))),
-    word("Capacity", made(b(8), 8, kCapacity)),
+    word("Capacity", custom(b(8), 8, kCapacity)),
     hex("Max_PLBN", u64(b(16))),
     word("Model", trimmed(b(24), 40)),
     word("Serial_Number", trimmed(b(64), 20)),
     dec("Drive_State", u32(b(4))),
 });
-inline constexpr auto kVectorRows = chosen({dec("Interrupt_Vector", u32(b(0)))});
-inline constexpr auto kChannelRows = chosen({
+inline constexpr auto kVectorRows = assumed({dec("Interrupt_Vector", u32(b(0)))});
+inline constexpr auto kChannelRows = assumed({
     dec("IsConnected", u8(b(0))),
     dec("DMAEnabled", u8(b(1))),
     dec("QueuedDMA", u8(b(2))),
@@ -201,33 +202,33 @@ inline constexpr auto kChannelRows = chosen({
     hex("EdmaCommandRegister", u32(b(32))),
     hex("PHYModeRegister", u32(b(36))),
 });
-inline constexpr auto kModelRows = chosen({
+inline constexpr auto kModelRows = assumed({
     dec("Drive", u32(b(0))),
     word("ModelNumber", trimmed(b(4), 40)),
 });
-inline constexpr auto kAlignmentRows = chosen({hex("Structure_Address", u32(b(0)))});
-inline constexpr auto kResponseQueueRows = chosen({hex("Response_Queue", u32(b(0)))});
-inline constexpr auto kCountersRows = chosen({
+inline constexpr auto kAlignmentRows = assumed({hex("Structure_Address", u32(b(0)))});
+inline constexpr auto kResponseQueueRows = assumed({hex("Response_Queue", u32(b(0)))});
+inline constexpr auto kCountersRows = assumed({
     dec("Drive", u32(b(0))),
     dec("Cscb_Count", u32(b(4))),
     dec("Cmds_Executed", u32(b(8))),
     dec("Cmds_Outstanding", u32(b(12))),
     dec("Cmds_Segmented", u32(b(16))),
 });
-inline constexpr auto kKeyRows = chosen({
+inline constexpr auto kKeyRows = assumed({
     hex("Total_Xfer_Len", u32(b(0))),
     hex("Offset_Len", u32(b(4))),
     hex("CSCB_Key", u32(b(8))),
     hex("Invalid_Key", u32(b(12))),
 });
-inline constexpr auto kAsynchronousRows = chosen({
+inline constexpr auto kAsynchronousRows = assumed({
     dec("Drive", u32(b(0))),
     word("Type", name(u32(b(4)), kAsynchronous)),
     word("Reason", name(u32(b(8)), kReasons)),
     hex("EDMA_Error_Register", u32(b(12))),
     hex("Async_Data", u32(b(16))),
 });
-inline constexpr auto kParameterRows = chosen({hex("Parameter", u32(b(0)))});
+inline constexpr auto kParameterRows = assumed({hex("Parameter", u32(b(0)))});
 
 // Summaries.
 inline constexpr Row kResponsiveLine[] = {line("Drive %u, Became responsive", u32(b(0)))};
@@ -243,7 +244,7 @@ inline constexpr Row kTimeoutLine[] = {
 inline constexpr Row kDriveFailureLine[] = {line("Drive %u Failure", u32(b(0)))};
 inline constexpr Row kCscbLine[] = {line("Status %u", u32(b(48)))};
 inline constexpr Row kRequestLine[] = {
-    line("Drive %u, Command Failure, PLBN 0x%s", u32(b(28)), made(b(4), 8, kSwapped))};
+    line("Drive %u, Command Failure, PLBN 0x%s", u32(b(28)), custom(b(4), 8, kSwapped))};
 inline constexpr Row kDriveLine[] = {line("Drive %u", u32(b(0)))};
 inline constexpr Row kDiscoveryLine[] = {line("Drive %u, Failed Discovery", u32(b(0)))};
 
@@ -317,7 +318,7 @@ struct Event {
     std::uint16_t last; // number; the first one follows the row before
     Object object;
     Summary summary;
-    Label<40> name;
+    FixedString<40> name;
 };
 inline constexpr unsigned kFirstNumber = 101;
 inline constexpr Event kEvents[] = {
@@ -396,7 +397,7 @@ inline constexpr Row kNotFoundLine[] = {line(
 inline constexpr Row kAdapterLine[] = {
     line("Adapter Error, Adapter %u, PCIX Bus %u", u32(16), u32(20))};
 
-inline constexpr auto kDriveRows = chosen({
+inline constexpr auto kDriveRows = assumed({
     word("Event", name(u32(4), kDriveEvents)),
     dec("Drive", u32(b(0))),
     dec("Adapter", u32(16)),
@@ -407,13 +408,13 @@ inline constexpr unsigned kStatusRegister = b(37);
 inline constexpr unsigned kErrorRegister = b(38);
 inline constexpr unsigned kMilliseconds = b(68);
 inline constexpr unsigned kSeconds = b(72);
-inline constexpr auto kCommandRows = chosen({
+inline constexpr auto kCommandRows = assumed({
     word("Command", name(u32(b(4)), kOperations)),
     word("Status", name(u32(b(8)), kCompletions)),
     hex("Drive_CMD", u32(b(12))),
     dec("Retry_Count", u32(b(16))),
     hex("Error_LBA", u64(b(24))),
-    word("Error_Cause", bit(u8(kErrorRegister), 6, kDriveCauses)).again(),
+    word("Error_Cause", bit(u8(kErrorRegister), 6, kDriveCauses)).overlay(),
     hex("SectorCountRegister", u8(b(32))),
     hex("LbaLowRegister", u8(b(33))),
     hex("LbaMidRegister", u8(b(34))),
@@ -429,7 +430,7 @@ inline constexpr auto kCommandRows = chosen({
     dec("Seconds", u32(kSeconds)),
     word("Detailed_Status", name(u32(b(76)), kDetailedStatus)),
 });
-inline constexpr auto kAsyncRows = chosen({
+inline constexpr auto kAsyncRows = assumed({
     word("Type", name(u32(b(4)), kAsynchronous)),
     word("Reason", name(u32(b(8)), kReasons)),
     hex("EDMA_Error_Register", u32(b(12))),
@@ -441,7 +442,7 @@ inline constexpr Row kCommandLine[] = {line(", %s", name(u32(b(8)), kCompletions
 
 // Bugchecks: the drive, then the object that failed. Quantities of 64 bits lie at the next offset
 // that is a multiple of 8.
-inline constexpr auto kBugcheckRows = chosen({
+inline constexpr auto kBugcheckRows = assumed({
     dec("Drive", u32(b(0))),
     dec("Adapter", u32(16)),
     dec("PCI_Bus", u32(20)),
@@ -449,14 +450,14 @@ inline constexpr auto kBugcheckRows = chosen({
     dec("Missed_Events", u32(28)).unlessZero(),
 });
 inline constexpr Row kFlagsRows[] = {hex("Process_Flags", u32(32)).unlessZero()};
-inline constexpr auto kSemaphoreRows = chosen({
+inline constexpr auto kSemaphoreRows = assumed({
     hex("Semaphore_Valid", u32(b(4))),
     hex("Semaphore_Value", u32(b(8))),
 });
-inline constexpr auto kConfigurationRows = chosen({hex("Hardware_Configuration", u32(b(4)))});
-inline constexpr auto kPcixInterruptRows = chosen({hex("PCIX_Interrupt_Status", u32(b(4)))});
-inline constexpr auto kAddressRows = chosen({hex("Bad_Address", u32(b(4)))});
-inline constexpr auto kDriveCommandRows = chosen({
+inline constexpr auto kConfigurationRows = assumed({hex("Hardware_Configuration", u32(b(4)))});
+inline constexpr auto kPcixInterruptRows = assumed({hex("PCIX_Interrupt_Status", u32(b(4)))});
+inline constexpr auto kAddressRows = assumed({hex("Bad_Address", u32(b(4)))});
+inline constexpr auto kDriveCommandRows = assumed({
     hex("DRIVE_CMD_Flink", u32(b(4))),
     hex("DRIVE_CMD_Blink", u32(b(8))),
     hex("DCB", u32(b(12))),
@@ -483,8 +484,8 @@ inline constexpr auto kDriveCommandRows = chosen({
     dec("SATA_CMD_Channel_Index", u32(b(112))),
     hex("SATA_CMD_Handle", u32(b(116))),
 });
-inline constexpr auto kAsyncDataRows = chosen({hex("Asynchronous_Data", u32(b(4)))});
-inline constexpr auto kRequestRows = chosen({
+inline constexpr auto kAsyncDataRows = assumed({hex("Asynchronous_Data", u32(b(4)))});
+inline constexpr auto kRequestRows = assumed({
     dec("Device", u32(b(4))),
     hex("LBA", u64(b(8))),
     hex("SGT_LH_Flink", u32(b(16))),
@@ -492,12 +493,12 @@ inline constexpr auto kRequestRows = chosen({
     hex("Meta_Data_LH_Flink", u32(b(24))),
     hex("Meta_Data_LH_Blink", u32(b(28))),
 });
-inline constexpr auto kInterruptRows = chosen({
+inline constexpr auto kInterruptRows = assumed({
     hex("Peripheral_Interrupt_Register", u32(b(4))),
     hex("Queue_Manager_Interrupt_Register", u32(b(8))),
 });
 // The queue, then its 32 bytes of state as the data-path modules have it.
-inline constexpr auto kQueueRows = chosen({
+inline constexpr auto kQueueRows = assumed({
     hex("MSA_Queue", u32(b(4))),
     hex("Full_High_Level", u16(b(8))),
     hex("Full_Low_Level", u16(b(10))),
@@ -515,7 +516,7 @@ inline constexpr auto kQueueRows = chosen({
     hex("Underflow_Signal", u16(b(34))),
     hex("Write_Checkpoint", u32(b(36))),
 });
-inline constexpr auto kDriveBlockRows = chosen({
+inline constexpr auto kDriveBlockRows = assumed({
     hex("DCB_Flink", u32(b(4))),
     hex("DCB_Blink", u32(b(8))),
     dec("State", u32(b(12))),
@@ -540,35 +541,35 @@ inline constexpr auto kDriveBlockRows = chosen({
     hex("Failed_NCQ_Command_Retry_LH_Flink", u32(b(88))),
     hex("Failed_NCQ_Command_Retry_LH_Blink", u32(b(92))),
 });
-inline constexpr auto kTransferRows = chosen({
+inline constexpr auto kTransferRows = assumed({
     dec("Command_Xfer_Count", u32(b(4))),
     dec("DRP_Xfer_Count", u32(b(8))),
     dec("SGT_Total_Byte_Count", u32(b(12))),
 });
 // Up to kSegments of them behind the transfer; an address of 0 ends the list.
 inline constexpr Row kSegmentRows[] = {
-    hex("SGTE_Address", u32(0)).chosen(),
-    dec("SGTE_Byte_Count", u32(4)).chosen(),
+    hex("SGTE_Address", u32(0)).assumed(),
+    dec("SGTE_Byte_Count", u32(4)).assumed(),
 };
 inline constexpr unsigned kSegments = 8;
 inline constexpr unsigned kSegmentSize = 8;
-inline constexpr auto kPcixRows = chosen({
+inline constexpr auto kPcixRows = assumed({
     dec("Bus", u32(b(4))),
     hex("Address", u32(b(8))),
-    word("Command", made(b(12), 4, kPcixCommand)),
+    word("Command", custom(b(12), 4, kPcixCommand)),
     hex("Write_Data", u32(b(16))),
 });
 // The ring's entries follow, as words, to the end of the payload.
-inline constexpr auto kRingRows = chosen({
+inline constexpr auto kRingRows = assumed({
     hex("Response_Ring_Base_Address", u32(b(4))),
     dec("Current_Out_Index", u32(b(8))),
     hex("Timed_Out_Response_Entry", u32(b(12))),
 });
 inline constexpr unsigned kListAt = b(16); // segments and ring entries
-inline constexpr auto kEventRows = chosen({dec("Event", u32(b(4)))});
-inline constexpr auto kEventTypeRows = chosen({dec("Event_Type", u32(b(4)))});
-inline constexpr auto kInformationRows = chosen({hex("Bugcheck_Information", u32(b(4)))});
-inline constexpr auto kInvalidRows = chosen({
+inline constexpr auto kEventRows = assumed({dec("Event", u32(b(4)))});
+inline constexpr auto kEventTypeRows = assumed({dec("Event_Type", u32(b(4)))});
+inline constexpr auto kInformationRows = assumed({hex("Bugcheck_Information", u32(b(4)))});
+inline constexpr auto kInvalidRows = assumed({
     dec("Event_Type", u32(b(4))),
     hex("Bugcheck_Information", u32(b(8))),
 });
@@ -667,12 +668,12 @@ inline constexpr Row kLunHandle = hex("LUN_Handle", u32(8));
 inline constexpr Row kUnitHandle = hex("LU_Handle", u32(12));
 
 // XPort: what is special, command and outcome, then the transfer.
-inline constexpr Row kDevice = dec("Device", u32(28)).chosen();
+inline constexpr Row kDevice = dec("Device", u32(28)).assumed();
 inline constexpr Row kDeviceRows[] = {kDevice};
 inline constexpr Row kSasStatusRows[] = {
     kDevice,
     hex("SAS_Status_Value", u32(104)),
-    word("SAS_Status_String", name(u32(104), kSasStatus)).again(),
+    word("SAS_Status_String", name(u32(104), kSasStatus)).overlay(),
 };
 inline constexpr Row kExceededRows[] = {
     kDevice,
@@ -681,7 +682,7 @@ inline constexpr Row kExceededRows[] = {
 };
 inline constexpr Row kIocStatusRows[] = {
     hex("IOC_Status_Value", u32(104)),
-    word("IOC_Status_String", name(u32(104), kIocStatus)).again(),
+    word("IOC_Status_String", name(u32(104), kIocStatus)).overlay(),
 };
 inline constexpr Row kIocLogRows[] = {kDevice, hex("IOC_Log_Information", u32(104))};
 inline constexpr Row kTransferRows[] = {
@@ -696,8 +697,9 @@ inline constexpr Row kTransferRows[] = {
     kLunHandle,
     kUnitHandle,
 };
-inline constexpr Row kDeviceAgainRows[] = {dec("Device", u32(108)).again()};
-inline constexpr Row kElapsedRows[] = {word("Seconds", made(108, 8, kElapsed)).fits().again()};
+inline constexpr Row kDeviceAgainRows[] = {dec("Device", u32(108)).overlay()};
+inline constexpr Row kElapsedRows[] = {
+    word("Seconds", custom(108, 8, kElapsed)).inferred().overlay()};
 inline constexpr Row kPortRows[] = {
     hex("Doorbell_Register", u32(4)),
     hex("Diagnostic_Register", u32(8)),
@@ -714,23 +716,23 @@ inline constexpr Row kZeroReplyRows[] = {
     word("Hardware", name(u32(12), kControllers)),
 };
 
-inline constexpr Row kDriveRows[] = {dec("Drive", u32(56)).fits()};
+inline constexpr Row kDriveRows[] = {dec("Drive", u32(56)).inferred()};
 inline constexpr Row kSataCountsRows[] = {
-    dec("Retry_Count", u32(52)),         hex("DRP_Start_LBA", u64(32)).fits(),
-    hex("DRP_Transfer_Count", u32(148)), hex("Device_Transfer_Count", u32(152)),
-    hex("Error_LBA", u64(40)).fits(),
+    dec("Retry_Count", u32(52)),          hex("DRP_Start_LBA", u64(32)).inferred(),
+    hex("DRP_Transfer_Count", u32(148)),  hex("Device_Transfer_Count", u32(152)),
+    hex("Error_LBA", u64(40)).inferred(),
 };
 inline constexpr Row kScsiCountsRows[] = {
-    dec("Retry_Count", u32(52)),         hex("DRP_Start_LBA", u64(32)).fits(),
-    hex("DRP_Transfer_Count", u32(160)), hex("Device_Transfer_Count", u32(164)),
-    hex("Error_LBA", u64(40)).fits(),
+    dec("Retry_Count", u32(52)),          hex("DRP_Start_LBA", u64(32)).inferred(),
+    hex("DRP_Transfer_Count", u32(160)),  hex("Device_Transfer_Count", u32(164)),
+    hex("Error_LBA", u64(40)).inferred(),
 };
 inline constexpr Row kKindRows[] = {
     word("Protocol", name(u32(16), kProtocols)),
     word("Type", name(u32(20), kDeviceKinds)),
 };
 inline constexpr Row kSizeRows[] = {
-    word("Capacity", made(24, 8, kCapacity)).fits(),
+    word("Capacity", custom(24, 8, kCapacity)).inferred(),
     dec("Block_Size", u32(48)),
     kInitiatorHandle,
     kTargetHandle,
@@ -738,9 +740,9 @@ inline constexpr Row kSizeRows[] = {
     kUnitHandle,
 };
 inline constexpr Row kResetRows[] = {
-    dec("Drive", u32(24)).chosen(),
-    word("Protocol", name(u32(16), kProtocols)).fits(),
-    word("Type", name(u32(20), kDeviceKinds)).fits(),
+    dec("Drive", u32(24)).assumed(),
+    word("Protocol", name(u32(16), kProtocols)).inferred(),
+    word("Type", name(u32(20), kDeviceKinds)).inferred(),
     kInitiatorHandle,
     kTargetHandle,
     kLunHandle,
@@ -750,27 +752,27 @@ inline constexpr Row kIdentifyRows[] = {
     kInitiatorHandle,
     kTargetHandle,
     kLunHandle,
-    dec("LUN", u32(20)).chosen(),
+    dec("LUN", u32(20)).assumed(),
     hex("Integrity_Signature", u8(16)),
     hex("Integrity_Checksum", u8(17)),
     word("Protocol", name(u32(12), kProtocols)),
-    dec("Opcode", u8(18)).chosen(),
+    dec("Opcode", u8(18)).assumed(),
 };
 
 inline constexpr Row kTargetRows[] = {
     word("Cause", name(u32(8), kDiscoveries)),
-    dec("Target", u32(28)).chosen(),
+    dec("Target", u32(28)).assumed(),
     word("Protocol", name(u32(12), kProtocols)),
     word("Transport", name(u32(16), kTransports)),
     word("Hardware", name(u32(20), kControllers)),
     word("Link_Speed", name(u32(24), kLinkRates)),
-    hex("Durable_Name", u64(32)).chosen(),
+    hex("Durable_Name", u64(32)).assumed(),
     kInitiatorHandle,
     kTargetHandle,
 };
 inline constexpr Row kLunRows[] = {
     word("Cause", name(u32(16), kDiscoveries)),
-    dec("LUN", u32(12)).fits(),
+    dec("LUN", u32(12)).inferred(),
     word("Protocol", name(u32(20), kProtocols)),
     word("Type", name(u32(24), kDeviceKinds)),
     kInitiatorHandle,
@@ -779,10 +781,10 @@ inline constexpr Row kLunRows[] = {
 };
 inline constexpr Row kUnitRows[] = {
     word("Cause", name(u32(16), kDiscoveries)),
-    dec("LU", u32(40)).chosen(),
+    dec("LU", u32(40)).assumed(),
     word("Protocol", name(u32(20), kProtocols)),
     word("Type", name(u32(24), kDeviceKinds)),
-    word("Capacity", made(32, 8, kCapacity)).fits(),
+    word("Capacity", custom(32, 8, kCapacity)).inferred(),
     dec("Block_Size", u32(28)),
     kInitiatorHandle,
     kTargetHandle,
@@ -791,14 +793,14 @@ inline constexpr Row kUnitRows[] = {
 };
 
 inline constexpr Row kBugcheckRows[] = {
-    word("Module", name(u32(0), kComponents)).fits(),
-    dec("Line_Number", u32(4)).fits(),
+    word("Module", name(u32(0), kComponents)).inferred(),
+    dec("Line_Number", u32(4)).inferred(),
     hex("Pameter_1", u32(8)),
     hex("Pameter_2", u32(12)),
     hex("Pameter_3", u32(16)),
     hex("Pameter_4", u32(20)),
 };
-inline constexpr Row kTraceRows[] = {dec("Line_Number", u32(0)).chosen()};
+inline constexpr Row kTraceRows[] = {dec("Line_Number", u32(0)).assumed()};
 
 // Structures of the drive protocols; sense data and FIS as their standards have them.
 inline constexpr Row kSataStringRows[] = {
@@ -814,16 +816,16 @@ inline constexpr Row kScsiStringRows[] = {
 };
 inline constexpr unsigned kCdbSize = 16;
 inline constexpr Row kCdbRows[] = {
-    word("CDB", made(0, 20, kCdb)),
-    dec("CDB_Length", u32(kCdbSize)).again(),
+    word("CDB", custom(0, 20, kCdb)),
+    dec("CDB_Length", u32(kCdbSize)).overlay(),
 };
 inline constexpr Row kCommandFisRows[] = {
-    Row("Command_FIS_LBA", "0x%s", made(4, 7, kFisLba)),
+    Row("Command_FIS_LBA", "0x%s", custom(4, 7, kFisLba)),
     hex("Command_FIS_FIS_Type", u8(0)),
     hex("Command_FIS_C_PM", u8(1)),
     hex("Command_FIS_Command", u8(2)),
     hex("Command_FIS_Features", u8(3)),
-    hex("Command_FIS_Device", u8(7)).again(),
+    hex("Command_FIS_Device", u8(7)).overlay(),
     hex("Command_FIS_Features_Exp", u8(11)),
     hex("Command_FIS_Sector_Count", u8(12)),
     hex("Command_FIS_Sector_Count_Exp", u8(13)),
@@ -831,7 +833,7 @@ inline constexpr Row kCommandFisRows[] = {
 };
 // Behind the cause of the error.
 inline constexpr Row kStatusFisRows[] = {
-    Row("Status_FIS_LBA", "0x%s", made(4, 7, kFisLba)),
+    Row("Status_FIS_LBA", "0x%s", custom(4, 7, kFisLba)),
     hex("Status_FIS_FIS_Type", u8(0)),
     hex("Status_FIS_C_PM", u8(1)),
     hex("Status_FIS_Status", u8(2)),
@@ -843,8 +845,8 @@ inline constexpr Row kStatusFisRows[] = {
 };
 inline constexpr unsigned kSenseKeyAt = 2;
 inline constexpr Row kSenseRows[] = {
-    word("Sense_Key", made(kSenseKeyAt, 1, kSenseKey)),
-    Row("Sense_Key", "0x%s", made(kSenseKeyAt, 1, kSenseNumber)).again(),
+    word("Sense_Key", custom(kSenseKeyAt, 1, kSenseKey)),
+    Row("Sense_Key", "0x%s", custom(kSenseKeyAt, 1, kSenseNumber)).overlay(),
     hex("ASC", u8(12)),
     hex("ASCQ", u8(13)),
     hex("Information", u32(3)),
@@ -857,7 +859,7 @@ inline constexpr Row kDeviceLine[] = {
 inline constexpr Row kSasStatusLine[] = {line("%s, Device %u, %s", name(u32(4), kIdentifiers),
                                               u32(c(28)), name(u32(c(104)), kSasStatus))};
 inline constexpr Row kElapsedLine[] = {
-    line("%s, Device %u, %s", name(u32(4), kIdentifiers), u32(c(28)), made(c(108), 8, kElapsed))};
+    line("%s, Device %u, %s", name(u32(4), kIdentifiers), u32(c(28)), custom(c(108), 8, kElapsed))};
 inline constexpr Row kIocStatusLine[] = {line("%s, Device %u, %s", name(u32(4), kIdentifiers),
                                               u32(c(28)), name(u32(c(104)), kIocStatus))};
 inline constexpr Row kPortLine[] = {line("SAS Port %u Information 0x%08x", u32(c(0)), u32(c(20)))};

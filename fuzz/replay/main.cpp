@@ -28,8 +28,8 @@ int writeSeeds(const std::filesystem::path& folder) {
     mpu::SampleWriter samples(1);
     std::string last;
     for (const mpu::Module& module : mpu::modules())
-        for (const mpu::Section& section : module.sections) {
-            const std::string message = samples.message(module, section);
+        for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
+            const std::string message = samples.message(module, kind);
             const std::string record = message.substr(mpu::message_header::kSize);
             ++number;
             write("message", '\1' + message);

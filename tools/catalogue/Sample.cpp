@@ -2,6 +2,8 @@
 
 #include "platform/cmap/CMAPMessageHeader.h"
 
+#include <algorithm>
+
 namespace Pegasus::mpu {
 
 namespace {
@@ -20,6 +22,18 @@ void putNumber(std::string& record, std::size_t at, std::size_t size, std::uint6
     putBytes(record, at, {bytes + sizeof bytes - size, size});
 }
 
+// A code of the row; for a catch-all one that no other row has.
+std::uint32_t codeOf(const EventTable& table, const EventRow& row) {
+    if (!row.codes.isAny())
+        return row.codes.first;
+    std::uint32_t code = 1;
+    for (const EventRow& other : table.rows)
+        if (other.codes.major == row.codes.major && !other.codes.isAny() &&
+            other.codes.last >= code)
+            code = other.codes.last + 1u;
+    return code;
+}
+
 } // namespace
 
 void SampleWriter::fill(std::string& record, const Row& row, const Value& value, std::size_t at) {
@@ -27,6 +41,7 @@ void SampleWriter::fill(std::string& record, const Row& row, const Value& value,
     switch (value.kind) {
     case Value::None:
     case Value::Index:
+    case Value::EventName:
         return;
     case Value::Number: {
         const bool decimal = row.format.find_first_of("du") != std::string_view::npos;
@@ -39,7 +54,7 @@ void SampleWriter::fill(std::string& record, const Row& row, const Value& value,
     case Value::Bit:
         putNumber(record, at, value.size, bits);
         return;
-    case Value::Function: // what its bytes mean is the function's: see the section's fills
+    case Value::Custom: // what its bytes mean is the function's
         for (std::size_t i = 0; i < value.size; ++i)
             putNumber(record, at + i, 1, below(256));
         return;
@@ -65,19 +80,16 @@ void SampleWriter::fill(std::string& record, const Row& row, const Value& value,
     }
 }
 
-void SampleWriter::fill(std::string& record, const Part& part) {
-    for (const Row& row : part.rows)
-        for (std::size_t i = 0; i < row.count; ++i)
-            for (const Value& value : row.values)
-                fill(record, row, value, part.at + value.at + i * row.step);
-}
-
-std::string SampleWriter::record(const Module& module, const Section& section) {
+std::string SampleWriter::record(const Module& module, const RecordKind& kind) {
     std::string record(kHeader, '\0');
-    for (const Part& part : section.parts)
-        fill(record, part);
-    for (const Fill& fill : section.fills)
-        putBytes(record, fill.at, fill.bytes);
+    const std::vector<RecordKind::Structure> structures = kind.structures();
+    for (const RecordKind::Structure& structure : structures)
+        for (const Row& row : structure.rows)
+            for (std::size_t i = 0; i < row.count; ++i)
+                for (const Value& value : row.values)
+                    fill(record, row, value, structure.at + value.at + i * row.stride);
+    for (const RecordKind::Structure& structure : structures)
+        putBytes(record, structure.at, structure.sample);
 
     EmpEvLogMsg_s header{};
     const std::uint32_t slot = 1 + below(2);
@@ -91,18 +103,91 @@ std::string SampleWriter::record(const Module& module, const Section& section) {
     header.eventType = static_cast<std::uint8_t>((below(4) == 0 ? 101 : 1) + made_ % 3);
     header.category = static_cast<std::uint8_t>(1 + module.source % 14);
     record.replace(0, kHeader, reinterpret_cast<const char*>(&header), kHeader);
-    for (const Key& key : section.keys)
+    for (const Key& key : kind.keys())
         putNumber(record, key.at, key.size, key.value);
     putNumber(record, offsetof(EmpEvLogMsg_s, evStructLength), 2, record.size() - kHeader);
     return record;
 }
 
-std::string SampleWriter::message(const Module& module, const Section& section) {
-    const std::string record = this->record(module, section);
+std::string SampleWriter::message(const Module& module, const RecordKind& kind) {
+    const std::string record = this->record(module, kind);
     CMAPMessageHeader header;
     header.setMessageLength(static_cast<std::uint16_t>(message_header::kSize + record.size()));
     return std::string(reinterpret_cast<const char*>(header.wireBytes()), message_header::kSize) +
            record;
+}
+
+std::vector<RecordKind> kindsOf(const Module& module) {
+    std::vector<RecordKind> kinds;
+    for (const Section& section : module.sections)
+        kinds.push_back({nullptr, nullptr, &section});
+    for (const EventTable* table : module.tables)
+        for (const EventRow& row : table->rows)
+            kinds.push_back({table, &row});
+    return kinds;
+}
+
+std::vector<RecordKind> shapesOf(const Module& module) {
+    const auto isSame = [](const Piece& a, const Piece& b) {
+        return a.at == b.at && a.rows.data() == b.rows.data() && a.custom == b.custom;
+    };
+    std::vector<RecordKind> shapes;
+    for (const RecordKind& kind : kindsOf(module))
+        if (std::none_of(shapes.begin(), shapes.end(), [&](const RecordKind& known) {
+                return kind.table && known.table == kind.table &&
+                       std::equal(kind.row->pieces.begin(), kind.row->pieces.end(),
+                                  known.row->pieces.begin(), isSame);
+            }))
+            shapes.push_back(kind);
+    return shapes;
+}
+
+std::string RecordKind::title() const {
+    if (section)
+        return std::string(section->title);
+    std::string text(table->heading);
+    text.append(text.empty() ? "" : ": ");
+    if (row->codes.major != 0)
+        text.append(std::to_string(row->codes.major)).append("/");
+    text.append(row->codes.isAny() ? "any" : std::to_string(row->codes.first));
+    return text.append(" ").append(row->title.other);
+}
+
+std::vector<Key> RecordKind::keys() const {
+    if (section)
+        return {section->keys.begin(), section->keys.end()};
+    std::vector<Key> keys(table->keys.begin(), table->keys.end());
+    const auto select = [&](const Value& number, std::uint32_t code) {
+        if (number.kind != Value::None)
+            keys.push_back({number.at, static_cast<std::uint8_t>(number.size), code});
+    };
+    select(table->major, row->codes.major);
+    select(table->minor, codeOf(*table, *row));
+    return keys;
+}
+
+std::vector<RecordKind::Structure> RecordKind::structures() const {
+    std::vector<Structure> all;
+    if (section) {
+        for (const Part& part : section->parts)
+            all.push_back({part.rows, part.at, {}});
+        for (const Fill& fill : section->fills)
+            all.push_back({{}, fill.at, fill.bytes});
+        return all;
+    }
+    const auto add = [&](std::span<const Piece> pieces, std::size_t base) {
+        for (const Piece& piece : pieces)
+            if (piece.kind == Piece::Custom)
+                all.push_back({piece.custom->rows, base + piece.at, piece.custom->sample});
+            else if (piece.kind != Piece::None)
+                all.push_back({piece.rows, base + piece.at, piece.sample});
+    };
+    add(table->frame, 0);
+    all.push_back({{&table->title, 1}, 0, {}});
+    all.push_back({{&row->summary.row, 1}, table->dataAt, {}});
+    for (const Pieces* pieces : {&table->head, &row->pieces, &table->tail})
+        add(*pieces, table->dataAt);
+    return all;
 }
 
 } // namespace Pegasus::mpu

@@ -9,11 +9,11 @@
 namespace Pegasus::mpu {
 
 template <std::size_t Capacity>
-class Label {
+class FixedString {
 public:
-    constexpr Label() = default;
+    constexpr FixedString() = default;
     template <std::size_t Size>
-    consteval Label(const char (&text)[Size]) : size_(Size - 1) {
+    consteval FixedString(const char (&text)[Size]) : size_(Size - 1) {
         static_assert(Size <= Capacity + 1, "the label is too long for its table");
         for (std::size_t i = 0; i + 1 < Size; ++i)
             text_[i] = text[i];

@@ -1,0 +1,21 @@
+// What a decoder makes of a record.
+#pragma once
+
+#include "event/TextWriter.h"
+
+namespace Pegasus {
+class Avrel_Event;
+}
+
+namespace Pegasus::mpu {
+
+// An event under construction: three texts of 8 bits.
+struct Draft {
+    explicit Draft(Texts body_ = Texts::Safe) : body(body_) {}
+
+    LineWriter title;
+    LineWriter summary;
+    BodyWriter body;
+};
+
+} // namespace Pegasus::mpu

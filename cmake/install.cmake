@@ -9,27 +9,7 @@ set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MPUEvent)
 
 # Public is what a caller or a decoder outside of the library needs. None of it may include what is
 # not installed: scripts/test-install compiles each header by itself.
-file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
-    decoders/*/*_Event.h platform/cmap/*.h)
-list(FILTER headers EXCLUDE REGEX "_Layouts\\.h$")
-list(APPEND headers
-    decoders/datapath/Records.h
-    decoders/generic/Unhandled.h
-    decoders/management/LocationBlock.h
-    event/AvrelEvent.h
-    event/Avrel_Event.h
-    event/BigEndian.h
-    event/EmpEvLogMsg_s.h
-    event/Export.h
-    event/MPUEvent.h
-    event/RecordView.h
-    event/StringFormat.h
-    event/XmlString.h
-    platform/trace/ProviderTraceServices.h)
-foreach(header IN LISTS headers)
-    cmake_path(GET header PARENT_PATH folder)
-    install(FILES ${header} DESTINATION ${include_dir}/${folder} COMPONENT development)
-endforeach()
+install(DIRECTORY include/ DESTINATION ${include_dir} COMPONENT development)
 if(MPUEVENT_PEGASUS STREQUAL "embedded")
     install(DIRECTORY platform/pegasus/Pegasus DESTINATION ${include_dir} COMPONENT development)
 endif()

@@ -162,7 +162,7 @@ public:
     static std::string build_unknown_string(unsigned int n);
 
 private:
-    void store(const mpu::sata::Draft& draft);
+    MPUEVENT_LOCAL void store(const mpu::sata::Draft& draft);
 };
 
 } // namespace Pegasus

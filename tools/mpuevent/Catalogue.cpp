@@ -47,14 +47,17 @@ void addModule(CLI::App& app, const char* option, std::string& module) {
         });
 }
 
-struct Page {
+struct ReferenceFormat {
     const char* name;
+    const char* description;
     std::string (*make)(std::span<const mpu::Module>);
 };
-constexpr Page kPages[] = {
-    {"text", [](auto modules) { return mpu::reference(modules, mpu::Page::Text); }},
-    {"markdown", [](auto modules) { return mpu::reference(modules, mpu::Page::Markdown); }},
-    {"json-schema", jsonSchema},
+constexpr ReferenceFormat kReferenceFormats[] = {
+    {"text", "the record reference for a terminal",
+     [](auto modules) { return mpu::reference(modules, mpu::Page::Text); }},
+    {"markdown", "the same for a browser",
+     [](auto modules) { return mpu::reference(modules, mpu::Page::Markdown); }},
+    {"json-schema", "the schema of decode --format json", jsonSchema},
 };
 
 struct FormatsOptions {
@@ -64,7 +67,7 @@ struct FormatsOptions {
 
 Status formats(const FormatsOptions& options) {
     Output output;
-    output.text().put(rowOf(kPages, options.format).make(select(options.module)));
+    output.text().put(rowOf(kReferenceFormats, options.format).make(select(options.module)));
     return output.finish();
 }
 
@@ -99,9 +102,8 @@ Runner addFormats(CLI::App& app) {
     const auto options = std::make_shared<FormatsOptions>();
     addModule(app, "module", options->module);
     app.add_option("--format", options->format,
-                   "The record reference (text, markdown), or the schema of decode --format json "
-                   "(json-schema)")
-        ->check(CLI::IsMember(namesOf(kPages)))
+                   "Output format. " + descriptionsOf(kReferenceFormats))
+        ->check(CLI::IsMember(namesOf(kReferenceFormats)))
         ->capture_default_str();
     return [options] { return formats(*options); };
 }
@@ -110,9 +112,10 @@ Runner addSample(CLI::App& app) {
     const auto options = std::make_shared<SampleOptions>();
     addModule(app, "--module", options->module);
     app.add_option("--count", options->count,
-                   "Messages to write, all kinds in turn; 0: one of each kind")
+                   "Number of messages, all kinds in turn; 0 = one of each kind")
         ->capture_default_str();
-    app.add_option("--seed", options->seed, "Other values in the records")->capture_default_str();
+    app.add_option("--seed", options->seed, "Random seed for the field values")
+        ->capture_default_str();
     addOutput(app, options->output);
     return [options] { return sample(*options); };
 }

@@ -48,19 +48,11 @@ install(FILES docs/libMPUEvent.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPON
 if(TARGET mpuevent)
     install(TARGETS mpuevent RUNTIME COMPONENT command)
 
-    # Manual page and completions come from the option table of the program just built.
-    set(describe ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:mpuevent> --describe)
-    add_custom_command(OUTPUT mpuevent.1 mpuevent.bash _mpuevent
-        COMMAND ${describe} man > mpuevent.1
-        COMMAND ${describe} bash > mpuevent.bash
-        COMMAND ${describe} zsh > _mpuevent
-        DEPENDS mpuevent VERBATIM)
-    add_custom_target(mpuevent_describe ALL DEPENDS mpuevent.1 mpuevent.bash _mpuevent)
-    install(FILES ${PROJECT_BINARY_DIR}/mpuevent.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
-        COMPONENT command)
-    install(FILES ${PROJECT_BINARY_DIR}/mpuevent.bash RENAME mpuevent
+    # Written by scripts/renew from the command's own options.
+    install(FILES docs/mpuevent.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+    install(FILES tools/mpuevent/completions/mpuevent.bash RENAME mpuevent
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command)
-    install(FILES ${PROJECT_BINARY_DIR}/_mpuevent
+    install(FILES tools/mpuevent/completions/_mpuevent
         DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT command)
 endif()
 

@@ -9,27 +9,7 @@ set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MPUEvent)
 
 # Public is what a caller or a decoder outside of the library needs. None of it may include what is
 # not installed: scripts/test-install compiles each header by itself.
-file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
-    decoders/*/*_Event.h platform/cmap/*.h)
-list(FILTER headers EXCLUDE REGEX "_Layouts\\.h$")
-list(APPEND headers
-    decoders/datapath/Records.h
-    decoders/generic/Unhandled.h
-    decoders/management/LocationBlock.h
-    event/AvrelEvent.h
-    event/Avrel_Event.h
-    event/BigEndian.h
-    event/EmpEvLogMsg_s.h
-    event/Export.h
-    event/MPUEvent.h
-    event/RecordView.h
-    event/StringFormat.h
-    event/XmlString.h
-    platform/trace/ProviderTraceServices.h)
-foreach(header IN LISTS headers)
-    cmake_path(GET header PARENT_PATH folder)
-    install(FILES ${header} DESTINATION ${include_dir}/${folder} COMPONENT development)
-endforeach()
+install(DIRECTORY include/ DESTINATION ${include_dir} COMPONENT development)
 if(MPUEVENT_PEGASUS STREQUAL "embedded")
     install(DIRECTORY platform/pegasus/Pegasus DESTINATION ${include_dir} COMPONENT development)
 endif()
@@ -68,19 +48,11 @@ install(FILES docs/libMPUEvent.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPON
 if(TARGET mpuevent)
     install(TARGETS mpuevent RUNTIME COMPONENT command)
 
-    # Manual page and completions come from the option table of the program just built.
-    set(describe ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:mpuevent> --describe)
-    add_custom_command(OUTPUT mpuevent.1 mpuevent.bash _mpuevent
-        COMMAND ${describe} man > mpuevent.1
-        COMMAND ${describe} bash > mpuevent.bash
-        COMMAND ${describe} zsh > _mpuevent
-        DEPENDS mpuevent VERBATIM)
-    add_custom_target(mpuevent_describe ALL DEPENDS mpuevent.1 mpuevent.bash _mpuevent)
-    install(FILES ${PROJECT_BINARY_DIR}/mpuevent.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
-        COMPONENT command)
-    install(FILES ${PROJECT_BINARY_DIR}/mpuevent.bash RENAME mpuevent
+    # Written by scripts/renew from the command's own options.
+    install(FILES docs/mpuevent.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+    install(FILES tools/mpuevent/completions/mpuevent.bash RENAME mpuevent
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command)
-    install(FILES ${PROJECT_BINARY_DIR}/_mpuevent
+    install(FILES tools/mpuevent/completions/_mpuevent
         DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT command)
 endif()
 

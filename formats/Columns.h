@@ -1,4 +1,4 @@
-// What every event has, under the names of the formats that programs read.
+// What every event has: the keys of JSON, the elements of XML, the columns of CSV.
 #pragma once
 
 #include "event/Avrel_Event.h"
@@ -6,15 +6,15 @@
 namespace Pegasus::formats {
 
 // A number or a text: the other one is null.
-struct Key {
+struct Column {
     const char* name;
     const char* meaning;
     unsigned (*number)(const Avrel_Event&);
     String (*text)(Avrel_Event&);
 };
 
-// In the order in which they are written. A key once published stays.
-inline constexpr Key kKeys[] = {
+// In the order in which they are written. A name once published stays.
+inline constexpr Column kColumns[] = {
     {"enclosureSerialNumber", "Serial number of the enclosure", nullptr,
      [](Avrel_Event& e) { return e.getEnclosureSerialNumber(); }},
     {"controllerSerialNumber", "Serial number of the controller that logged the event", nullptr,
@@ -41,8 +41,8 @@ inline constexpr Key kKeys[] = {
     {"body", "Elements, text or a dump", nullptr, [](Avrel_Event& e) { return e.getBody(); }},
 };
 
-// The version of the formats that programs read. It grows when a key goes or changes its meaning,
-// not when one is added.
+// The version of the formats that programs read. It grows when a column goes or changes its
+// meaning, not when one is added.
 inline constexpr unsigned kFormatVersion = 1;
 
 } // namespace Pegasus::formats

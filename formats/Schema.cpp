@@ -1,18 +1,17 @@
 #include "formats/Schema.h"
 
-#include "capture/Capture.h"
+#include "event/MPUEvent.h"
 #include "formats/Body.h"
 #include "formats/Columns.h"
 #include "formats/Utf8.h"
 #include "tools/catalogue/Sample.h"
 
 #include <algorithm>
+#include <memory>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 
 namespace Pegasus::formats {
-
-using capture::Message;
 
 namespace {
 
@@ -41,14 +40,16 @@ Shown shownBy(const mpu::Module& module) {
     mpu::SampleWriter samples(1);
     for (int round = 0; round < kRounds; ++round)
         for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
-            const std::string record = samples.record(module, kind);
-            const auto* bytes = reinterpret_cast<const std::uint8_t*>(record.data());
-            const auto event = Message{0, {}, {bytes, record.size()}}.decode();
+            const std::string sample = samples.message(module, kind);
+            const CMAPMessageHeader header(sample.data());
+            Avrel_memory_istream record(sample.data() + mpu::message_header::kSize,
+                                        sample.size() - mpu::message_header::kSize);
+            const std::unique_ptr<Avrel_Event> event(MPUEvent(header, record).create_Avrel_Event());
             add(shown.titles, utf8Of(event->getEventID()));
             const std::string body = utf8Of(event->getBody());
-            for (const Piece& piece : parser.parse(body))
-                if (piece.kind == Piece::Element || piece.kind == Piece::Group)
-                    add(shown.elements, piece.name);
+            for (const BodyItem& item : parser.parse(body))
+                if (item.type == BodyItem::Element || item.type == BodyItem::Group)
+                    add(shown.elements, item.name);
         }
     return shown;
 }
@@ -68,13 +69,13 @@ public:
         pair("type", "object");
         key("required");
         json_.StartArray();
-        for (const Key& row : kKeys)
-            text(row.name);
+        for (const Column& column : kColumns)
+            text(column.name);
         json_.EndArray();
         key("properties");
         json_.StartObject();
-        for (const Key& row : kKeys)
-            property(row);
+        for (const Column& column : kColumns)
+            property(column);
         key("fields");
         reference("fields");
         key("formatVersion");
@@ -129,12 +130,12 @@ private:
         json_.EndObject();
     }
 
-    void property(const Key& row) {
-        const std::string_view name = row.name;
+    void property(const Column& column) {
+        const std::string_view name = column.name;
         key(name);
         json_.StartObject();
-        pair("description", row.meaning);
-        pair("type", row.number ? "integer" : "string");
+        pair("description", column.meaning);
+        pair("type", column.number ? "integer" : "string");
         if (name == "source") {
             codes([](unsigned code) { return sourceOf(code); });
         } else if (name == "category") {
@@ -152,7 +153,7 @@ private:
             for (const auto& [code, meaning] : eventTypes())
                 names.push_back(meaning);
             texts("enum", names);
-        } else if (row.number) {
+        } else if (column.number) {
             key("minimum");
             json_.Uint(0);
             key("maximum");

@@ -40,11 +40,11 @@ bool isLongHex(std::string_view text) {
            std::all_of(text.begin(), text.end(), [](char c) { return isHexDigit(c); });
 }
 
-// Where the next group of an offset-marked dump ("0x0010=..; 0x0020=..") begins, behind the first.
+// Where the next group of an offset-marked dump ("0x0010=..; 0x0020=..") begins, after the first.
 std::size_t nextGroup(std::string_view text) {
     for (std::size_t at = text.find("0x", 1); at != std::string_view::npos;
          at = text.find("0x", at + 1)) {
-        if (text[at - 1] != ';' && text[at - 1] != '?') // "?": a ";" made safe
+        if (text[at - 1] != ';' && text[at - 1] != '?') // "?": a sanitized ";"
             continue;
         std::size_t end = at + 2;
         while (end < text.size() && isHexDigit(text[end]))
@@ -57,7 +57,7 @@ std::size_t nextGroup(std::string_view text) {
 
 class TextPrinter : public Printer {
 public:
-    explicit TextPrinter(const Style& style) : colour_(style.colour) {}
+    explicit TextPrinter(const PrintOptions& options) : colour_(options.colour) {}
 
     void print(Avrel_Event& event, mpu::TextWriter& out) override {
         out.put("Event ").decimal(event.getSequenceID()).put(": ");
@@ -97,25 +97,25 @@ private:
     void body(mpu::TextWriter& out, const String& text) {
         utf8_.clear();
         putUtf8(utf8_, text);
-        const std::vector<Piece>& pieces = parser_.parse(utf8_.view());
-        if (pieces.empty())
+        const std::vector<BodyItem>& items = parser_.parse(utf8_.view());
+        if (items.empty())
             return;
         out.put("  Body:\n");
         std::size_t depth = 2;
-        for (const Piece& piece : pieces) {
-            switch (piece.kind) {
-            case Piece::Element:
-                named(out, depth, piece.name, piece.text);
+        for (const BodyItem& item : items) {
+            switch (item.type) {
+            case BodyItem::Element:
+                named(out, depth, item.name, item.text);
                 break;
-            case Piece::Group:
+            case BodyItem::Group:
                 indent(out, depth++);
-                out.put(piece.name).put(":\n");
+                out.put(item.name).put(":\n");
                 break;
-            case Piece::End:
+            case BodyItem::End:
                 --depth;
                 break;
-            case Piece::Text:
-                block(out, depth, piece.text);
+            case BodyItem::Text:
+                block(out, depth, item.text);
                 break;
             }
         }
@@ -126,7 +126,7 @@ private:
             out.put("  ");
     }
 
-    // A value of one line behind its name, any other below it.
+    // A value of one line after its name, any other below it.
     static void named(mpu::TextWriter& out, std::size_t depth, std::string_view name,
                       std::string_view value) {
         while (!value.empty() && value.back() == '\n')
@@ -192,7 +192,7 @@ private:
 // What happened and when, on one line: time, severity, source, title, summary.
 class BriefPrinter : public Printer {
 public:
-    explicit BriefPrinter(const Style& style) : colour_(style.colour) {}
+    explicit BriefPrinter(const PrintOptions& options) : colour_(options.colour) {}
 
     void print(Avrel_Event& event, mpu::TextWriter& out) override {
         mpu::StackWriter<16> time;
@@ -240,15 +240,15 @@ private:
 
 } // namespace
 
-std::unique_ptr<Printer> makeTextPrinter(const Style& style) {
-    return std::make_unique<TextPrinter>(style);
+std::unique_ptr<Printer> makeTextPrinter(const PrintOptions& options) {
+    return std::make_unique<TextPrinter>(options);
 }
 
-std::unique_ptr<Printer> makeBriefPrinter(const Style& style) {
-    return std::make_unique<BriefPrinter>(style);
+std::unique_ptr<Printer> makeBriefPrinter(const PrintOptions& options) {
+    return std::make_unique<BriefPrinter>(options);
 }
 
-std::unique_ptr<Printer> makeLinePrinter(const Style&) {
+std::unique_ptr<Printer> makeLinePrinter(const PrintOptions&) {
     return std::make_unique<LinePrinter>();
 }
 

@@ -35,7 +35,7 @@ TEST_F(CommandTest, Usage) {
         const char* arguments;
         const char* error;
     } cases[] = {
-        {"", "mpuevent: which command? \"mpuevent --help\" lists them\n"},
+        {"", "mpuevent: no command given; see mpuevent --help\n"},
         {"encode", "mpuevent: The following argument was not expected: encode; \"mpuevent --help\" "
                    "tells more\n"},
         {"decode --format yaml",

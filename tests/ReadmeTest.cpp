@@ -1,4 +1,4 @@
-// What the README shows is what the command does.
+// What the README shows, and what is generated from the command, is what the command does.
 #include "event/Avrel_Event.h"
 #include "tests/RecordBuilder.h"
 #include "tools/catalogue/Modules.h"
@@ -49,6 +49,21 @@ TEST(Readme, ExamplesAreCurrent) {
         ++examples;
     }
     EXPECT_GE(examples, 2);
+}
+
+TEST(Generated, ManPageAndCompletionsAreCurrent) {
+    if (std::string_view(MPUEVENT_COMMAND).empty())
+        GTEST_SKIP() << "built without the command";
+    const struct {
+        const char* kind;
+        const char* file;
+    } cases[] = {{"man", "docs/mpuevent.1"},
+                 {"bash", "tools/mpuevent/completions/mpuevent.bash"},
+                 {"zsh", "tools/mpuevent/completions/_mpuevent"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(run(std::string("mpuevent --describe ") + c.kind),
+                  run(std::string("cat ") + c.file))
+            << c.file << ": run scripts/renew";
 }
 
 TEST(Readme, TableHasEveryDecoder) {

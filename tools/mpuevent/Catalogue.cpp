@@ -50,18 +50,22 @@ void addModule(CLI::App& app, const char* option, std::string& module) {
         });
 }
 
-struct Page {
+struct ReferenceFormat {
     const char* name;
+    const char* description;
     std::string (*make)(std::span<const mpu::Module>, const mpu::CodeFilter& wanted);
 };
-constexpr Page kPages[] = {
-    {"text", [](auto modules,
-                const auto& wanted) { return mpu::reference(modules, mpu::Page::Text, wanted); }},
-    {"markdown",
+constexpr ReferenceFormat kReferenceFormats[] = {
+    {"text", "the record reference for a terminal",
+     [](auto modules, const auto& wanted) {
+         return mpu::reference(modules, mpu::Page::Text, wanted);
+     }},
+    {"markdown", "the same for a browser",
      [](auto modules, const auto& wanted) {
          return mpu::reference(modules, mpu::Page::Markdown, wanted);
      }},
-    {"json-schema", [](auto modules, const auto&) { return jsonSchema(modules); }},
+    {"json-schema", "the schema of decode --format json",
+     [](auto modules, const auto&) { return jsonSchema(modules); }},
 };
 
 // "1040", or two codes as in "1/32"; nothing for what is neither.
@@ -107,7 +111,7 @@ Status formats(const FormatsOptions& options) {
         return kUsage;
     }
     Output output;
-    output.text().put(rowOf(kPages, options.format).make(told, wanted));
+    output.text().put(rowOf(kReferenceFormats, options.format).make(told, wanted));
     return output.finish();
 }
 
@@ -148,9 +152,8 @@ Runner addFormats(CLI::App& app) {
             return parseCode(text) ? std::string() : "not a code: " + text;
         });
     app.add_option("--format", options->format,
-                   "The record reference (text, markdown), or the schema of decode --format json "
-                   "(json-schema)")
-        ->check(CLI::IsMember(namesOf(kPages)))
+                   "Output format. " + descriptionsOf(kReferenceFormats))
+        ->check(CLI::IsMember(namesOf(kReferenceFormats)))
         ->capture_default_str();
     return [options] { return formats(*options); };
 }
@@ -159,9 +162,10 @@ Runner addSample(CLI::App& app) {
     const auto options = std::make_shared<SampleOptions>();
     addModule(app, "--module", options->module);
     app.add_option("--count", options->count,
-                   "Messages to write, all kinds in turn; 0: one of each kind")
+                   "Number of messages, all kinds in turn; 0 = one of each kind")
         ->capture_default_str();
-    app.add_option("--seed", options->seed, "Other values in the records")->capture_default_str();
+    app.add_option("--seed", options->seed, "Random seed for the field values")
+        ->capture_default_str();
     addOutput(app, options->output);
     return [options] { return sample(*options); };
 }

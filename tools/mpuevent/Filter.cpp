@@ -177,7 +177,7 @@ void FilterOptions::addOptions(CLI::App& app) {
                 ->allow_extra_args(false)
                 ->group("Filters");
         }
-    app.add_option("--limit", limit, "Stop after so many events")
+    app.add_option("--limit", limit, "Stop after N events")
         ->type_name("N")
         ->check(CLI::Range(std::uint64_t(1), UINT64_MAX).description(""))
         ->group("Filters");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "capture/Capture.h"
+#include "tools/mpuevent/Choices.h"
 #include "tools/mpuevent/Output.h"
 
 #include <algorithm>
@@ -78,22 +79,6 @@ inline void addOutput(CLI::App& app, std::string& file) {
     app.add_option("--output,-o", file, "Where to write; \"-\": standard output")
         ->type_name("FILE")
         ->capture_default_str();
-}
-
-// The names in a table of rows with a `name`.
-template <class Table>
-std::vector<std::string> namesOf(const Table& table) {
-    std::vector<std::string> names;
-    for (const auto& row : table)
-        names.emplace_back(row.name);
-    return names;
-}
-
-// The row of a name that is in the table.
-template <class Table>
-const auto& rowOf(const Table& table, std::string_view name) {
-    return *std::find_if(std::begin(table), std::end(table),
-                         [name](const auto& row) { return row.name == name; });
 }
 
 } // namespace Pegasus::tool

@@ -43,7 +43,7 @@ public:
     void awr8p_dump_bin(const awrEvtHdr_s* item);
 
 private:
-    void parse(mpu::datapath::Entries& entries, mpu::RecordView item);
+    MPUEVENT_LOCAL void parse(mpu::datapath::Entries& entries, mpu::RecordView item);
 
     std::uint32_t summarySet_ = 0;
 };

@@ -9,14 +9,10 @@
 #include <string>
 #include <vector>
 
-namespace Pegasus::formats {}
-
-namespace Pegasus::tool {
-
-using namespace formats;
+namespace Pegasus::formats {
 
 // The smallest and the largest of some numbers.
-struct Span {
+struct Range {
     std::uint32_t first = UINT32_MAX;
     std::uint32_t last = 0;
 
@@ -28,12 +24,12 @@ struct Span {
 
 using SeverityCounts = std::array<std::uint64_t, 4>; // by index of the severity
 
-// Events over time. Remembers moments as coarsely as it takes to keep no more than 4096 of them.
+// Events over time. Keeps at most 4096 moments; when there are more, they become coarser.
 class TimeLine {
 public:
     void add(std::uint32_t time, unsigned severity);
-    // As many equal pieces of the time from first to last.
-    std::vector<SeverityCounts> pieces(std::size_t count, const Span& time) const;
+    // The time from first to last in `count` equal buckets.
+    std::vector<SeverityCounts> buckets(std::size_t count, const Range& time) const;
 
 private:
     std::map<std::uint32_t, SeverityCounts> moments_; // by the time's upper bits
@@ -46,7 +42,7 @@ struct Statistics {
         std::string text;
         unsigned severity; // of the worst one
         std::uint64_t count;
-        Span time;
+        Range time;
     };
 
     void add(Avrel_Event& event);
@@ -55,8 +51,8 @@ struct Statistics {
     std::vector<Title> byTitle() const;
 
     std::uint64_t events = 0;
-    Span time;
-    Span sequence;
+    Range time;
+    Range sequence;
     SeverityCounts severities{};
     std::uint64_t otherTitles = 0; // events whose titles came when there were too many
     TimeLine timeLine;
@@ -66,4 +62,4 @@ private:
     std::map<std::pair<std::string, std::string>, Title> titles_;
 };
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

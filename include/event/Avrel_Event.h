@@ -84,9 +84,8 @@ public:
 
 protected:
     // Takes title, summary and body from `decode`, unless `record` is null.
-    [[gnu::visibility("hidden")]] void take(const EmpEvLogMsg_s* record, int length,
-                                            mpu::DecodeFunction decode);
-    [[gnu::visibility("hidden")]] void take(const mpu::Draft& draft);
+    MPUEVENT_LOCAL void take(const EmpEvLogMsg_s* record, int length, mpu::DecodeFunction decode);
+    MPUEVENT_LOCAL void take(const mpu::Draft& draft);
 
     String enclosureSerialNumber_;
     String controllerSerialNumber_;

@@ -1,7 +1,7 @@
 // The constant parts of the report.
 #pragma once
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 // Events follow.
 inline constexpr char kPageBegin[] = R"(<!DOCTYPE html>
@@ -40,7 +40,7 @@ pre { margin: .5em 0; white-space: pre-wrap }
 <table id="events"><thead><tr><th>Sequence<th>Time<th>Severity<th>Source<th>Event</thead><tbody>
 )";
 
-// The overview follows: facts, picture, table of sources.
+// The overview follows: facts, chart, table of sources.
 inline constexpr char kPageMiddle[] = R"(</tbody></table>
 <section id="overview">
 <h1>Event report</h1>
@@ -94,4 +94,4 @@ filter();
 </html>
 )";
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

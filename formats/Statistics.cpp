@@ -1,11 +1,12 @@
-#include "tools/mpuevent/Statistics.h"
+#include "formats/Statistics.h"
 
+#include "formats/Severity.h"
 #include "formats/Utf8.h"
-#include "tools/mpuevent/Filter.h"
 
 #include <algorithm>
+#include <utility>
 
-namespace Pegasus::tool {
+namespace Pegasus::formats {
 
 namespace {
 
@@ -32,18 +33,18 @@ void TimeLine::add(std::uint32_t time, unsigned severity) {
     }
 }
 
-std::vector<SeverityCounts> TimeLine::pieces(std::size_t count, const Span& time) const {
-    std::vector<SeverityCounts> pieces(count);
+std::vector<SeverityCounts> TimeLine::buckets(std::size_t count, const Range& time) const {
+    std::vector<SeverityCounts> buckets(count);
     const std::uint64_t length = std::uint64_t(time.last) - time.first + 1;
     for (const auto& [moment, counts] : moments_) {
         // A coarse moment may begin before the first event.
         const std::uint32_t begin = std::max(moment << shift_, time.first);
-        SeverityCounts& piece =
-            pieces[static_cast<std::size_t>(std::uint64_t{begin - time.first} * count / length)];
+        SeverityCounts& bucket =
+            buckets[static_cast<std::size_t>(std::uint64_t{begin - time.first} * count / length)];
         for (std::size_t i = 0; i < counts.size(); ++i)
-            piece[i] += counts[i];
+            bucket[i] += counts[i];
     }
-    return pieces;
+    return buckets;
 }
 
 void Statistics::add(Avrel_Event& event) {
@@ -87,4 +88,4 @@ std::vector<Statistics::Title> Statistics::byTitle() const {
     return all;
 }
 
-} // namespace Pegasus::tool
+} // namespace Pegasus::formats

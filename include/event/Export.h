@@ -3,3 +3,5 @@
 #pragma once
 
 #define MPUEVENT_EXPORT __attribute__((visibility("default")))
+// For members of an exported class that only the library calls.
+#define MPUEVENT_LOCAL __attribute__((visibility("hidden")))

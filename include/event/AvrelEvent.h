@@ -21,10 +21,10 @@ public:
 
 protected:
     // Takes a finished run of entries as the body so far.
-    void startBody(std::string_view entries);
+    MPUEVENT_LOCAL void startBody(std::string_view entries);
 
 private:
-    void reserve(int capacity);
+    MPUEVENT_LOCAL void reserve(int capacity);
 
     int bodyLength_ = 0;   // characters appended so far
     int bodyCapacity_ = 0; // characters reserved so far

@@ -53,9 +53,7 @@ TEST(Smis, UnknownCodes) {
 }
 
 TEST(Smis, Bodies) {
-    RecordBuilder message = smis(2013);
-    for (unsigned i = 0; i < 9; ++i)
-        message.u32(32 + 4 * i, 10 + i);
+    RecordBuilder message = smis(2013).words(32, 9, 10);
     const struct {
         RecordBuilder record;
         const char *summary, *body;

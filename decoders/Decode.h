@@ -12,6 +12,10 @@ namespace Pegasus::mpu {
     void decode(const Record& record, Draft& draft);                                               \
     }
 MPUEVENT_DECODER(ncs)
+MPUEVENT_DECODER(sata)
+MPUEVENT_DECODER(scc)
+MPUEVENT_DECODER(smis)
+MPUEVENT_DECODER(startup)
 #undef MPUEVENT_DECODER
 
 } // namespace Pegasus::mpu

@@ -43,7 +43,16 @@ consteval std::array<Row, Count> assumed(const Row (&rows)[Count]) {
     (std::make_index_sequence<Count>());
 }
 
-inline constexpr Row kNoLine[] = {line("")}; // nothing in the summary
+inline constexpr std::string_view kSectors = "\0\0\0\0\x74\x70\x6D\xB0"sv; // of a sample
+
+void putPciCause(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kPciCause{
+    putPciCause,
+    "`PCI_Error_Cause`: the name of the first bit that is set; without one the code is in the "
+    "summary.",
+    {},
+    "\0\0\x01\0"sv,
+    Provenance::Inferred};
 
 // ---- version 1: one object per group of event numbers ------------------------------------------
 
@@ -230,148 +239,74 @@ inline constexpr auto kAsynchronousRows = assumed({
 });
 inline constexpr auto kParameterRows = assumed({hex("Parameter", u32(b(0)))});
 
-// Summaries.
-inline constexpr Row kResponsiveLine[] = {line("Drive %u, Became responsive", u32(b(0)))};
-inline constexpr Row kOfflineLine[] = {line("Drive %u, Offline device", u32(b(0)))};
-inline constexpr Row kBusyLine[] = {line("Drive %u, Busy during discovery", u32(b(0)))};
-inline constexpr Row kRepeatsLine[] = {line("Drive %u, Reported %u events", u32(b(0)), u32(b(4)))};
-inline constexpr Row kStatisticsLine[] = {line("Drive %u Statistics", u32(b(0)))};
-inline constexpr Row kTaskLine[] = {line("Status %u", u32(b(8)))};
-inline constexpr Row kFailureLine[] = {
-    line("Drive %u, Command Failure, PLBN 0x%08x", u32(b(0)), u64(b(16)))};
-inline constexpr Row kTimeoutLine[] = {
-    line("Drive %u, Command Timeout, PLBN 0x%08x", u32(b(0)), u64(b(16)))};
-inline constexpr Row kDriveFailureLine[] = {line("Drive %u Failure", u32(b(0)))};
-inline constexpr Row kCscbLine[] = {line("Status %u", u32(b(48)))};
-inline constexpr Row kRequestLine[] = {
-    line("Drive %u, Command Failure, PLBN 0x%s", u32(b(28)), custom(b(4), 8, kSwapped))};
-inline constexpr Row kDriveLine[] = {line("Drive %u", u32(b(0)))};
-inline constexpr Row kDiscoveryLine[] = {line("Drive %u, Failed Discovery", u32(b(0)))};
+// Summaries. Most are the event's name.
+inline constexpr Row kNameLine = line("%s", eventName);
+inline constexpr Row kFailureLine =
+    line("Drive %u, Command Failure, PLBN 0x%08x", u32(b(0)), u64(b(16)));
+inline constexpr Row kTimeoutLine =
+    line("Drive %u, Command Timeout, PLBN 0x%08x", u32(b(0)), u64(b(16)));
+inline constexpr Row kDriveFailureLine = line("Drive %u Failure", u32(b(0)));
+inline constexpr Row kRequestLine =
+    line("Drive %u, Command Failure, PLBN 0x%s", u32(b(28)), custom(b(4), 8, kSwapped));
 
-enum Object : std::uint8_t {
-    kAddress,
-    kInterrupt,
-    kNumbered,
-    kPlace,
-    kRepeats,
-    kStatistics,
-    kTask,
-    kAdapter,
-    kResponse,
-    kCommand,
-    kValue,
-    kBar,
-    kCscb,
-    kRequest,
-    kQueue,
-    kPhysicalDrive,
-    kAdapterNumber,
-    kRegion,
-    kOperation,
-    kPci,
-    kIdentity,
-    kVector,
-    kChannel,
-    kModel,
-    kAlignment,
-    kResponseQueue,
-    kCounters,
-    kKey,
-    kAsync,
-    kParameter,
-    kObjects,
+// What a number means was settled by us: the objects in the order in which the firmware names them.
+constexpr EventRow numbers(unsigned first, unsigned last, std::string_view title, Row summary,
+                           Pieces pieces) {
+    return {{0, first, last}, title, summary, pieces, Provenance::Assumed};
+}
+inline constexpr EventRow kEventRows[] = {
+    // clang-format off
+    numbers(101, 105, "Fatal Error", kNameLine, {kAddressRows}),
+    numbers(106, 110, "Fatal Error", kNameLine, {kInterruptRows}),
+    numbers(111, 117, "Invalid Parameter", kNameLine, {kNumberedRows}),
+    numbers(118, 120, "Drive Inserted", line("Drive %u, Became responsive", u32(b(0))), {kPlaceRows}),
+    numbers(121, 123, "Drive Removed", line("Drive %u, Offline device", u32(b(0))), {kPlaceRows}),
+    numbers(124, 127, "Failed Discovery", line("Drive %u, Busy during discovery", u32(b(0))), {kPlaceRows}),
+    numbers(128, 131, "Port Error", line("Drive %u, Reported %u events", u32(b(0)), u32(b(4))), {kRepeatsRows}),
+    numbers(132, 135, "Drive Stats", line("Drive %u Statistics", u32(b(0))), {kStatisticsRows}),
+    numbers(136, 143, "Device Error", line("Status %u", u32(b(8))), {kTaskRows}),
+    numbers(144, 151, "Adapter initialization failure", kNameLine, {kAdapterRows}),
+    numbers(152, 159, "Invalid CSCB Response", kNameLine, {kResponseRows}),
+    numbers(160, 169, "Command Failure", kFailureLine, {kCommandRows}),
+    numbers(170, 177, "Command Timeout", kTimeoutLine, {kCommandRows}),
+    numbers(178, 183, "Drive Error", kDriveFailureLine, {kCommandRows}),
+    numbers(184, 187, "Adapter initialization failure", kNameLine, {kValueRows}),
+    numbers(188, 191, "Adapter initialization failure", kNameLine, {kBarRows}),
+    numbers(192, 201, "Invalid CSCB Response", line("Status %u", u32(b(48))), {kCscbRows}),
+    numbers(202, 211, "Command Failure", kRequestLine, {kRequestRows}),
+    numbers(212, 219, "Fatal Error", kNameLine, {kQueueRows}),
+    numbers(220, 225, "Device Offline", kNameLine, {kPhysicalDriveRows}),
+    numbers(226, 230, "Failed to initialize a connected drive", kNameLine, {kPhysicalDriveRows}),
+    numbers(231, 234, "No valid devices discovered", kNameLine, {kAdapterNumberRows}),
+    numbers(235, 244, "Fatal Error", kNameLine, {kRegionRows}),
+    numbers(245, 249, "Drive Operation", line("Drive %u", u32(b(0))), {kOperationRows}),
+    numbers(250, 257, "Asynchronous Adapter Error", kNameLine, {kPciRows, custom(kPciCause, b(4))}),
+    numbers(258, 263, "Drive Discovered", line("Drive %u", u32(b(0))), {kIdentityRows, sample(b(8), kSectors)}),
+    numbers(264, 267, "Interrupt installation failure", kNameLine, {kVectorRows}),
+    numbers(268, 273, "Failed to initialize a connected drive", kNameLine, {kChannelRows}),
+    numbers(274, 277, "Failed Discovery", line("Drive %u, Failed Discovery", u32(b(0))), {kModelRows}),
+    numbers(278, 281, "Structure alignment error", kNameLine, {kAlignmentRows}),
+    numbers(282, 287, "Command response error", kNameLine, {kResponseQueueRows}),
+    numbers(288, 291, "Drive Stats", line("Drive %u Statistics", u32(b(0))), {kCountersRows}),
+    numbers(292, 296, "Command response with invalid key value", kNameLine, {kKeyRows}),
+    numbers(297, 299, "Empty CSCB DRP listhead", kNameLine, {kKeyRows}),
+    numbers(300, 305, "Drive Error", kDriveFailureLine, {kAsynchronousRows}),
+    numbers(306, 309, "Invalid Parameter", kNameLine, {kParameterRows}),
+    // clang-format on
 };
-
-enum Summary : std::uint8_t {
-    kName, // the event's name
-    kResponsive,
-    kOffline,
-    kBusy,
-    kReported,
-    kDriveStatistics,
-    kTaskStatus,
-    kFailure,
-    kTimeout,
-    kDriveFailure,
-    kCscbStatus,
-    kRequestFailure,
-    kDrive,
-    kDiscovery,
-    kSummaries,
+inline constexpr Key kKeys[] = {{149, 1, 1}};
+inline constexpr EventTable kEvents{
+    .heading = "Version 1",
+    .rows = kEventRows,
+    .minor = u32(156),
+    .style = Style::Joined,
+    .keys = kKeys,
+    .note =
+        "Every payload version but 2 and 3, unless the word at 160 is 0xFFFFFFFF: such a record "
+        "is of version 2. A number without a row has the title \"Device Manager Event\" and "
+        "the first 64 bytes of the payload as `Data`.",
 };
-
-using Objects =
-    LayoutSet<Style::Joined, kAddressRows, kInterruptRows, kNumberedRows, kPlaceRows, kRepeatsRows,
-              kStatisticsRows, kTaskRows, kAdapterRows, kResponseRows, kCommandRows, kValueRows,
-              kBarRows, kCscbRows, kRequestRows, kQueueRows, kPhysicalDriveRows, kAdapterNumberRows,
-              kRegionRows, kOperationRows, kPciRows, kIdentityRows, kVectorRows, kChannelRows,
-              kModelRows, kAlignmentRows, kResponseQueueRows, kCountersRows, kKeyRows,
-              kAsynchronousRows, kParameterRows>;
-static_assert(Objects::size == kObjects);
-
-using Summaries = LayoutSet<Style::Joined, kNoLine, kResponsiveLine, kOfflineLine, kBusyLine,
-                            kRepeatsLine, kStatisticsLine, kTaskLine, kFailureLine, kTimeoutLine,
-                            kDriveFailureLine, kCscbLine, kRequestLine, kDriveLine, kDiscoveryLine>;
-static_assert(Summaries::size == kSummaries);
-
-struct Event {
-    std::uint16_t last; // number; the first one follows the row before
-    Object object;
-    Summary summary;
-    FixedString<40> name;
-};
-inline constexpr unsigned kFirstNumber = 101;
-inline constexpr Event kEvents[] = {
-    {105, kAddress, kName, "Fatal Error"},
-    {110, kInterrupt, kName, "Fatal Error"},
-    {117, kNumbered, kName, "Invalid Parameter"},
-    {120, kPlace, kResponsive, "Drive Inserted"},
-    {123, kPlace, kOffline, "Drive Removed"},
-    {127, kPlace, kBusy, "Failed Discovery"},
-    {131, kRepeats, kReported, "Port Error"},
-    {135, kStatistics, kDriveStatistics, "Drive Stats"},
-    {143, kTask, kTaskStatus, "Device Error"},
-    {151, kAdapter, kName, "Adapter initialization failure"},
-    {159, kResponse, kName, "Invalid CSCB Response"},
-    {169, kCommand, kFailure, "Command Failure"},
-    {177, kCommand, kTimeout, "Command Timeout"},
-    {183, kCommand, kDriveFailure, "Drive Error"},
-    {187, kValue, kName, "Adapter initialization failure"},
-    {191, kBar, kName, "Adapter initialization failure"},
-    {201, kCscb, kCscbStatus, "Invalid CSCB Response"},
-    {211, kRequest, kRequestFailure, "Command Failure"},
-    {219, kQueue, kName, "Fatal Error"},
-    {225, kPhysicalDrive, kName, "Device Offline"},
-    {230, kPhysicalDrive, kName, "Failed to initialize a connected drive"},
-    {234, kAdapterNumber, kName, "No valid devices discovered"},
-    {244, kRegion, kName, "Fatal Error"},
-    {249, kOperation, kDrive, "Drive Operation"},
-    {257, kPci, kName, "Asynchronous Adapter Error"},
-    {263, kIdentity, kDrive, "Drive Discovered"},
-    {267, kVector, kName, "Interrupt installation failure"},
-    {273, kChannel, kName, "Failed to initialize a connected drive"},
-    {277, kModel, kDiscovery, "Failed Discovery"},
-    {281, kAlignment, kName, "Structure alignment error"},
-    {287, kResponseQueue, kName, "Command response error"},
-    {291, kCounters, kDriveStatistics, "Drive Stats"},
-    {296, kKey, kName, "Command response with invalid key value"},
-    {299, kKey, kName, "Empty CSCB DRP listhead"},
-    {305, kAsync, kDriveFailure, "Drive Error"},
-    {309, kParameter, kName, "Invalid Parameter"},
-};
-
-// The row of each number from kFirstNumber on.
-inline constexpr auto kRowOf = [] {
-    constexpr std::size_t count = std::end(kEvents)[-1].last - kFirstNumber + 1;
-    std::array<std::uint8_t, count> rows{};
-    for (std::size_t i = 0, row = 0; i < count; ++i) {
-        row += kEvents[row].last < kFirstNumber + i;
-        rows[i] = static_cast<std::uint8_t>(row);
-    }
-    return rows;
-}();
-static_assert(std::is_sorted(std::begin(kEvents), std::end(kEvents),
-                             [](const Event& a, const Event& b) { return a.last < b.last; }));
+static_assert(accepted<kEvents>);
 
 } // namespace v1
 
@@ -391,11 +326,6 @@ inline constexpr Row kCountRows[] = {
 };
 
 inline constexpr Row kPciRows[] = {hex("PCI_Error_Code", u32(b(4)))}; // the cause follows
-
-inline constexpr Row kNotFoundLine[] = {line(
-    "Adapter not Found, Adapter %u, PCIX Bus %u, ID Select 0x%08x", u32(16), u32(20), u32(b(0)))};
-inline constexpr Row kAdapterLine[] = {
-    line("Adapter Error, Adapter %u, PCIX Bus %u", u32(16), u32(20))};
 
 inline constexpr auto kDriveRows = assumed({
     word("Event", name(u32(4), kDriveEvents)),
@@ -436,9 +366,6 @@ inline constexpr auto kAsyncRows = assumed({
     hex("EDMA_Error_Register", u32(b(12))),
     hex("Async_Data", u32(b(16))),
 });
-
-inline constexpr Row kDriveLine[] = {line("Drive %u, %s", u32(b(0)), name(u32(4), kDriveEvents))};
-inline constexpr Row kCommandLine[] = {line(", %s", name(u32(b(8)), kCompletions))};
 
 // Bugchecks: the drive, then the object that failed. Quantities of 64 bits lie at the next offset
 // that is a multiple of 8.
@@ -566,7 +493,7 @@ inline constexpr auto kRingRows = assumed({
     hex("Timed_Out_Response_Entry", u32(b(12))),
 });
 inline constexpr unsigned kListAt = b(16); // segments and ring entries
-inline constexpr auto kEventRows = assumed({dec("Event", u32(b(4)))});
+inline constexpr auto kOtherEventRows = assumed({dec("Event", u32(b(4)))});
 inline constexpr auto kEventTypeRows = assumed({dec("Event_Type", u32(b(4)))});
 inline constexpr auto kInformationRows = assumed({hex("Bugcheck_Information", u32(b(4)))});
 inline constexpr auto kInvalidRows = assumed({
@@ -574,76 +501,121 @@ inline constexpr auto kInvalidRows = assumed({
     hex("Bugcheck_Information", u32(b(8))),
 });
 
-// What follows the bugcheck's name in the summary.
-inline constexpr Row kBugcheckLine[] = {line("%s, Drive %u", name(u32(4), kBugchecks), u32(b(0)))};
-inline constexpr Row kReturnedLine[] = {line(", Status %u", u32(b(4)))};
-inline constexpr Row kSemaphoreLine[] = {
-    line(", Semaphore Valid 0x%08x, Semaphore Value 0x%08x", u32(b(4)), u32(b(8)))};
-inline constexpr Row kConfigurationLine[] = {line(", Hardware Configuration 0x%08x", u32(b(4)))};
-inline constexpr Row kPcixInterruptLine[] = {line(", PCIX Interrupt Status 0x%08x", u32(b(4)))};
-inline constexpr Row kAddressLine[] = {line(", Bad Address 0x%08x", u32(b(4)))};
-inline constexpr Row kDriveCommandLine[] = {line(", Status %u", u32(b(40)))};
-inline constexpr Row kAsyncDataLine[] = {line(", Asynchronous Data 0x%08x", u32(b(4)))};
-inline constexpr Row kInterruptLine[] = {line(", PIR 0x%08x, QMIR 0x%08x", u32(b(4)), u32(b(8)))};
-inline constexpr Row kQueueLine[] = {line(", MSA Queue 0x%08x", u32(b(4)))};
-inline constexpr Row kEventLine[] = {line(", Event %u", u32(b(4)))};
-inline constexpr Row kEventTypeLine[] = {line(", Event Type %u", u32(b(4)))};
-inline constexpr Row kInformationLine[] = {line(", Bugcheck Information 0x%08x", u32(b(4)))};
-inline constexpr Row kInvalidLine[] = {line(", Bugcheck 0x%08x", u32(b(8)))};
+enum EventType : std::uint16_t { kHardware = 1, kDrive = 2, kBugcheck = 3 };
 
-enum Object : std::uint8_t {
-    kFlags,
-    kReturned, // flags, and a status in the summary
-    kSemaphore,
-    kConfiguration,
-    kPcixInterrupt,
-    kAddress,
-    kDriveCommand,
-    kAsyncData,
-    kRequest,
-    kInterrupt,
-    kQueue,
-    kDriveBlock,
-    kTransfer,
-    kPcix,
-    kRing,
-    kEvent,
-    kEventType,
-    kInformation,
-    kInvalid,
-    kObjects,
+inline constexpr Row kDriveLine = line("Drive %u, %s", u32(b(0)), name(u32(4), kDriveEvents));
+inline constexpr Row kCommandLine =
+    line("Drive %u, %s, %s", u32(b(0)), name(u32(4), kDriveEvents), name(u32(b(8)), kCompletions));
+
+void putOutcome(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kOutcome{putOutcome,
+                                      "In the summary: \"No Error\" when the status register has "
+                                      "the error bit and the error register "
+                                      "is 0."};
+void putElapsed(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kElapsedTime{putElapsed, "In the summary: the seconds."};
+
+void putSegments(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kSegmentList{
+    putSegments, "Up to eight segments; an address of 0 ends them.", kSegmentRows,
+    "\x01\x20\0\0\0\0\x10\0\x01\x20\x40\0\0\0\x08\0\0\0\0\0"sv, Provenance::Assumed};
+void putRing(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kRing{
+    putRing,
+    "The words to the end of the payload as `Entry_0`, `Entry_1` ...",
+    {},
+    "\x80\0\0\x11\x80\0\0\x12\x80\0\0\x13"sv,
+    Provenance::Assumed};
+
+constexpr EventRow drive(unsigned code, std::string_view title, Pieces pieces,
+                         Row summary = kDriveLine) {
+    return {{kDrive, code}, title, summary, pieces};
+}
+constexpr EventRow command(unsigned code, Pieces pieces) {
+    return drive(code, "Drive Error", pieces, kCommandLine);
+}
+constexpr EventRow bugcheck(unsigned first, unsigned last, Piece object, Row summary,
+                            Piece list = {}) {
+    return {{kBugcheck, first, last}, "Bugcheck", summary, {kBugcheckRows, object, list}};
+}
+inline constexpr Value kName = name(u32(4), kBugchecks);
+inline constexpr Value kNumber = u32(b(0));
+inline constexpr Row kBugcheckLine = line("%s, Drive %u", kName, kNumber);
+inline constexpr Row kUnlistedLine[] = {kBugcheckLine}; // of a code that no record has
+inline constexpr Row kStatusLine = line("%s, Drive %u, Status %u", kName, kNumber, u32(b(40)));
+inline constexpr Row kSemaphoreLine =
+    line("%s, Drive %u, Semaphore Valid 0x%08x, Semaphore Value 0x%08x", kName, kNumber, u32(b(4)),
+         u32(b(8)));
+inline constexpr Row kAddressLine =
+    line("%s, Drive %u, Bad Address 0x%08x", kName, kNumber, u32(b(4)));
+inline constexpr Row kAsyncDataLine =
+    line("%s, Drive %u, Asynchronous Data 0x%08x", kName, kNumber, u32(b(4)));
+inline constexpr Row kInterruptLine =
+    line("%s, Drive %u, PIR 0x%08x, QMIR 0x%08x", kName, kNumber, u32(b(4)), u32(b(8)));
+inline constexpr Row kQueueLine = line("%s, Drive %u, MSA Queue 0x%08x", kName, kNumber, u32(b(4)));
+
+inline constexpr EventRow kEventRows[] = {
+    // clang-format off
+    {{kHardware, 1}, "Hardware",
+     line("Adapter not Found, Adapter %u, PCIX Bus %u, ID Select 0x%08x", u32(16), u32(20), u32(b(0))),
+     {kHardwareRows, kIdSelectRows, kCountRows}},
+    {{kHardware, 2, 10}, "Hardware", line("Adapter Error, Adapter %u, PCIX Bus %u", u32(16), u32(20)),
+     {kHardwareRows, kPciRows, custom(kPciCause, b(4)), kCountRows}},
+    drive(1, "Drive Error", {kDriveRows, kCountRows}),
+    drive(2, "Drive Error", {kDriveRows, kCountRows}),
+    command(3, {kDriveRows, kCommandRows, kOutcome, kCountRows}),
+    command(4, {kDriveRows, kCommandRows, kOutcome, kCountRows}),
+    drive(5, "Drive Removed", {kDriveRows, kCountRows}),
+    drive(6, "Drive Inserted", {kDriveRows, kCountRows}),
+    command(7, {kDriveRows, kCommandRows, kOutcome, kCountRows}),
+    command(8, {kDriveRows, kCommandRows, kOutcome, kCountRows}),
+    drive(9, "Drive Error", {kDriveRows, kAsyncRows, kCountRows}),
+    command(10, {kDriveRows, kCommandRows, kElapsedTime, kOutcome, kCountRows}),
+    bugcheck(1, 2, kFlagsRows, kBugcheckLine),
+    bugcheck(3, 3, kSemaphoreRows, kSemaphoreLine),
+    bugcheck(4, 4, kFlagsRows, line("%s, Drive %u, Status %u", kName, kNumber, u32(b(4)))),
+    bugcheck(5, 5, kConfigurationRows, line("%s, Drive %u, Hardware Configuration 0x%08x", kName, kNumber, u32(b(4)))),
+    bugcheck(6, 6, kPcixInterruptRows, line("%s, Drive %u, PCIX Interrupt Status 0x%08x", kName, kNumber, u32(b(4)))),
+    bugcheck(7, 7, kAddressRows, kAddressLine),
+    bugcheck(8, 11, kDriveCommandRows, kStatusLine),
+    bugcheck(12, 12, kAsyncDataRows, kAsyncDataLine),
+    bugcheck(13, 13, kRequestRows, kBugcheckLine),
+    bugcheck(14, 15, kInterruptRows, kInterruptLine),
+    bugcheck(16, 16, kQueueRows, kQueueLine),
+    bugcheck(17, 18, kInterruptRows, kInterruptLine),
+    bugcheck(19, 20, kQueueRows, kQueueLine),
+    bugcheck(21, 21, kSemaphoreRows, kSemaphoreLine),
+    bugcheck(22, 22, kQueueRows, kQueueLine),
+    bugcheck(23, 23, kDriveBlockRows, kBugcheckLine),
+    bugcheck(24, 28, kDriveCommandRows, kStatusLine),
+    bugcheck(29, 30, kAddressRows, kAddressLine),
+    bugcheck(31, 31, kDriveCommandRows, kStatusLine),
+    bugcheck(32, 32, kAsyncDataRows, kAsyncDataLine),
+    bugcheck(33, 33, kTransferRows, kBugcheckLine, custom(kSegmentList, kListAt)),
+    bugcheck(34, 34, kDriveCommandRows, kStatusLine),
+    bugcheck(35, 35, kTransferRows, kBugcheckLine, custom(kSegmentList, kListAt)),
+    bugcheck(36, 41, kPcixRows, kBugcheckLine),
+    bugcheck(42, 42, kFlagsRows, kBugcheckLine),
+    bugcheck(43, 43, kRingRows, kBugcheckLine, custom(kRing, kListAt)),
+    bugcheck(44, 44, kOtherEventRows, line("%s, Drive %u, Event %u", kName, kNumber, u32(b(4)))),
+    bugcheck(45, 45, kEventTypeRows, line("%s, Drive %u, Event Type %u", kName, kNumber, u32(b(4)))),
+    bugcheck(46, 46, kInformationRows, line("%s, Drive %u, Bugcheck Information 0x%08x", kName, kNumber, u32(b(4)))),
+    bugcheck(47, 47, kInvalidRows, line("%s, Drive %u, Bugcheck 0x%08x", kName, kNumber, u32(b(8)))),
+    // clang-format on
 };
-
-using Objects =
-    LayoutSet<Style::Joined, kFlagsRows, kFlagsRows, kSemaphoreRows, kConfigurationRows,
-              kPcixInterruptRows, kAddressRows, kDriveCommandRows, kAsyncDataRows, kRequestRows,
-              kInterruptRows, kQueueRows, kDriveBlockRows, kTransferRows, kPcixRows, kRingRows,
-              kEventRows, kEventTypeRows, kInformationRows, kInvalidRows>;
-static_assert(Objects::size == kObjects);
-
-using Summaries =
-    LayoutSet<Style::Joined, kNoLine, kReturnedLine, kSemaphoreLine, kConfigurationLine,
-              kPcixInterruptLine, kAddressLine, kDriveCommandLine, kAsyncDataLine, kNoLine,
-              kInterruptLine, kQueueLine, kNoLine, kNoLine, kNoLine, kNoLine, kEventLine,
-              kEventTypeLine, kInformationLine, kInvalidLine>;
-static_assert(Summaries::size == kObjects);
-
-// By bugcheck code.
-inline constexpr Object kBugcheckObjects[] = {
-    /*  0 */ kFlags,        kFlags,         kFlags,         kSemaphore,
-    /*  4 */ kReturned,     kConfiguration, kPcixInterrupt, kAddress,
-    /*  8 */ kDriveCommand, kDriveCommand,  kDriveCommand,  kDriveCommand,
-    /* 12 */ kAsyncData,    kRequest,       kInterrupt,     kInterrupt,
-    /* 16 */ kQueue,        kInterrupt,     kInterrupt,     kQueue,
-    /* 20 */ kQueue,        kSemaphore,     kQueue,         kDriveBlock,
-    /* 24 */ kDriveCommand, kDriveCommand,  kDriveCommand,  kDriveCommand,
-    /* 28 */ kDriveCommand, kAddress,       kAddress,       kDriveCommand,
-    /* 32 */ kAsyncData,    kTransfer,      kDriveCommand,  kTransfer,
-    /* 36 */ kPcix,         kPcix,          kPcix,          kPcix,
-    /* 40 */ kPcix,         kPcix,          kFlags,         kRing,
-    /* 44 */ kEvent,        kEventType,     kInformation,   kInvalid,
+static_assert(kDriveEvents.codes() == 11 && kBugchecks.codes() == 48);
+inline constexpr Key kKeys[] = {{149, 1, 2}};
+inline constexpr EventTable kEvents{
+    .heading = "Version 2",
+    .rows = kEventRows,
+    .major = u32(152),
+    .minor = u32(156),
+    .style = Style::Joined,
+    .keys = kKeys,
+    .note = "The first code is the event type: 1 hardware, 2 drive, 3 bugcheck. Another one, or a "
+            "code without a row, has no body.",
 };
-static_assert(std::size(kBugcheckObjects) == std::size(kBugcheckTexts));
+static_assert(accepted<kEvents>);
 
 } // namespace v2
 
@@ -852,89 +824,7 @@ inline constexpr Row kSenseRows[] = {
     hex("Information", u32(3)),
 };
 
-// Summaries, with offsets from the event header.
-inline constexpr Row kNameLine[] = {line("%s", name(u32(4), kIdentifiers))};
-inline constexpr Row kDeviceLine[] = {
-    line("%s, Device %u", name(u32(4), kIdentifiers), u32(c(28)))};
-inline constexpr Row kSasStatusLine[] = {line("%s, Device %u, %s", name(u32(4), kIdentifiers),
-                                              u32(c(28)), name(u32(c(104)), kSasStatus))};
-inline constexpr Row kElapsedLine[] = {
-    line("%s, Device %u, %s", name(u32(4), kIdentifiers), u32(c(28)), custom(c(108), 8, kElapsed))};
-inline constexpr Row kIocStatusLine[] = {line("%s, Device %u, %s", name(u32(4), kIdentifiers),
-                                              u32(c(28)), name(u32(c(104)), kIocStatus))};
-inline constexpr Row kPortLine[] = {line("SAS Port %u Information 0x%08x", u32(c(0)), u32(c(20)))};
-inline constexpr Row kErrorLine[] = {line("Drive %u, %s", u32(c(56)), name(u32(4), kIdentifiers))};
-inline constexpr Row kTargetLine[] = {
-    line("Target %u, %s", u32(c(28)), name(u32(c(8)), kDiscoveries))};
-inline constexpr Row kLunLine[] = {line("LUN %u, %s", u32(c(12)), name(u32(c(16)), kDiscoveries))};
-inline constexpr Row kUnitLine[] = {line("LU %u, %s", u32(c(40)), name(u32(c(16)), kDiscoveries))};
-inline constexpr Row kBugcheckLine[] = {
-    line("%s, Line %u", name(u32(c(0)), kComponents), u32(c(4)))};
-
-enum Summary : std::uint8_t {
-    kNameOf,
-    kDeviceOf,
-    kSasStatusOf,
-    kElapsedOf,
-    kIocStatusOf,
-    kPortOf,
-    kErrorOf, // the cause or the sense key follows
-    kTargetOf,
-    kLunOf,
-    kUnitOf,
-    kBugcheckOf,
-    kSummaries,
-};
-
-// What a body is made of: layouts, and steps that look at the record first.
-enum Piece : std::uint8_t {
-    kEnd,
-    kDeviceNumber,
-    kSasStatus,
-    kExceeded,
-    kIocStatus,
-    kIocLog,
-    kTransfer,
-    kDeviceAgain,
-    kElapsedTime,
-    kPort,
-    kZeroReply,
-    kDrive,
-    kSataCounts,
-    kScsiCounts,
-    kKind,
-    kSize,
-    kReset,
-    kIdentify,
-    kTarget,
-    kLun,
-    kUnit,
-    kBugcheck,
-    kTrace,
-    kLayouts,
-
-    kSlots = kLayouts, // command and outcome
-    kSataStatus,
-    kSataCommand,
-    kSataStrings,
-    kScsiSense,
-    kScsiCommand,
-    kScsiStrings,
-    kIdentifyStrings,
-    kUnitStrings,
-};
-
-using Pieces =
-    LayoutSet<Style::Joined, kNoLine, kDeviceRows, kSasStatusRows, kExceededRows, kIocStatusRows,
-              kIocLogRows, kTransferRows, kDeviceAgainRows, kElapsedRows, kPortRows, kZeroReplyRows,
-              kDriveRows, kSataCountsRows, kScsiCountsRows, kKindRows, kSizeRows, kResetRows,
-              kIdentifyRows, kTargetRows, kLunRows, kUnitRows, kBugcheckRows, kTraceRows>;
-static_assert(Pieces::size == kLayouts);
-
-using Summaries =
-    LayoutSet<Style::Joined, kNameLine, kDeviceLine, kSasStatusLine, kElapsedLine, kIocStatusLine,
-              kPortLine, kErrorLine, kTargetLine, kLunLine, kUnitLine, kBugcheckLine>;
-static_assert(Summaries::size == kSummaries);
+// ---- events ----
 
 // Places of the structures that are not on every record. Where the protocol selects one, 0 is SATA
 // and all others are SCSI.
@@ -951,32 +841,140 @@ inline constexpr unsigned kIdentifyStringsAt = 24;
 inline constexpr unsigned kUnitProtocol = 20;
 inline constexpr unsigned kUnitStringsAt = 44;
 
-struct Event {
-    std::uint8_t eventClass;
-    std::uint8_t identifier;
-    Summary summary;
-    Piece pieces[8]; // to kEnd
+// Command and outcome are shown when they are there: FIS of the types 0x27 and 0x34, a CDB of 1 to
+// 16 bytes, sense data with the response code 0x70 or 0x71.
+inline constexpr std::string_view kReadFis = "\x27\x80\x25\0\x10\x20\x30\x40\0\0\0\0\x08\0\0\0"sv;
+inline constexpr std::string_view kBadFis = "\x34\x40\x51\x40\x10\x20\x30\x40\0\0\0\0\x08\0\0\0"sv;
+inline constexpr std::string_view kReadCdb =
+    "\x28\0\0\x10\x20\x30\0\0\x08\0\0\0\0\0\0\0\0\0\0\x0A"sv;
+inline constexpr std::string_view kMediumSense = "\xF0\0\x03\0\x10\x20\x30\x0A\0\0\0\0\x11"sv;
+
+void putXportCommand(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kCommandSlot{
+    putXportCommand, "The command by the protocol: a FIS of SATA (0), else a CDB.", kCommandFisRows,
+    kReadFis, Provenance::Assumed};
+void putXportOutcome(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kOutcomeSlot{
+    putXportOutcome,
+    "The outcome by the protocol: `Error_Cause` and a status FIS, else sense data. The one or "
+    "`Sense_Key` is \"Unknown\" without them.",
+    kStatusFisRows, kBadFis, Provenance::Assumed};
+void putSataStatus(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kSataStatus{putSataStatus,
+                                         "`Error_Cause`, in the summary too, and the status FIS.",
+                                         kStatusFisRows, kBadFis, Provenance::Inferred};
+void putSataCommand(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kSataCommand{putSataCommand, "The command FIS.", kCommandFisRows,
+                                          kReadFis, Provenance::Inferred};
+void putScsiSense(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kScsiSense{putScsiSense,
+                                        "Sense data; the sense key is in the summary too.",
+                                        kSenseRows, kMediumSense, Provenance::Inferred};
+void putScsiCommand(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kScsiCommand{putScsiCommand, "The CDB.", kCdbRows, kReadCdb,
+                                          Provenance::Inferred};
+void putIdentifyStrings(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kIdentifyStrings{
+    putIdentifyStrings,
+    "The strings by the protocol: SATA (0) as here, else those of a SCSI error.",
+    kSataStringRows,
+    {},
+    Provenance::Assumed};
+void putUnitStrings(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kUnitStrings{
+    putUnitStrings,
+    "The strings by the protocol: SATA (0) those of a SATA error, else as here.",
+    kScsiStringRows,
+    {},
+    Provenance::Assumed};
+
+void putHeader(Draft& draft, const Record& record, RecordView data);
+inline constexpr Row kHeaderRows[] = {kPathRows[0], kPathRows[1], kAdapterRows[0], kAdapterRows[1],
+                                      kMissedRows[0]};
+inline constexpr CustomPiece kHeader{
+    putHeader,
+    "Of classes 1 to 3 `Expander` and `PHY` (not with identifiers 15 and 16), `Adapter` and "
+    "`PCI_Bus`; of all classes `Missed_Events`.",
+    kHeaderRows};
+
+// Rows of the class data.
+template <std::size_t Count>
+constexpr Piece d(const Row (&table)[Count]) {
+    return rows(table, kData);
+}
+constexpr Piece d(const CustomPiece& function, unsigned at) {
+    return custom(function, c(at));
+}
+
+inline constexpr Value kIdentifier = name(u32(4), kIdentifiers);
+inline constexpr Row kNameLine = line("%s", kIdentifier);
+inline constexpr Row kDeviceLine = line("%s, Device %u", kIdentifier, u32(c(28)));
+inline constexpr Row kElapsedLine =
+    line("%s, Device %u, %s", kIdentifier, u32(c(28)), custom(c(108), 8, kElapsed));
+inline constexpr Row kErrorLine =
+    line("Drive %u, %s", u32(c(56)), kIdentifier); // the cause follows
+inline constexpr Piece kSataSample = sample(c(kXportProtocol), "\0\0\0\0"sv);
+inline constexpr Piece kScsiSample = sample(c(kUnitProtocol), "\0\0\0\1"sv);
+inline constexpr Piece kTimeSample = sample(c(108), "\0\0\0\x0C\0\0\1\xF4"sv);
+
+// Command, outcome and transfer of an XPort event after what is special, then what follows.
+constexpr EventRow xport(unsigned identifier, Row summary, Piece special, Piece more = {}) {
+    return {{1, identifier},
+            kIdentifierTexts[identifier],
+            summary,
+            {special, d(kCommandSlot, kXportCommand), d(kOutcomeSlot, kXportOutcome),
+             d(kTransferRows), more, d(kElapsedRows), kSataSample, kTimeSample}};
+}
+constexpr EventRow other(unsigned eventClass, unsigned identifier, Row summary, Pieces pieces) {
+    return {{eventClass, identifier}, kIdentifierTexts[identifier], summary, pieces};
+}
+
+inline constexpr EventRow kEventRows[] = {
+    // clang-format off
+    xport(1, line("%s, Device %u, %s", kIdentifier, u32(c(28)), name(u32(c(104)), kSasStatus)), d(kSasStatusRows)),
+    xport(2, kElapsedLine, d(kDeviceRows)),
+    xport(3, kElapsedLine, d(kExceededRows), d(kDeviceAgainRows)),
+    xport(4, line("%s, Device %u, %s", kIdentifier, u32(c(28)), name(u32(c(104)), kIocStatus)), d(kIocStatusRows)),
+    xport(5, kDeviceLine, d(kIocLogRows)),
+    other(1, 15, line("SAS Port %u Information 0x%08x", u32(c(0)), u32(c(20))), {d(kPortRows)}),
+    other(1, 16, kNameLine, {d(kZeroReplyRows)}),
+    other(2, 10, kErrorLine,
+          {d(kDriveRows), d(kSataStatus, kSataErrorStatus), d(kSataCountsRows), d(kSataCommand, kErrorCommand),
+           d(kKindRows), rows(kSataStringRows, c(kSataErrorStrings)), d(kSizeRows), sample(c(24), kSectors)}),
+    other(2, 11, kErrorLine,
+          {d(kDriveRows), d(kScsiSense, kScsiErrorSense), d(kScsiCountsRows), d(kScsiCommand, kErrorCommand),
+           d(kKindRows), rows(kScsiStringRows, c(kScsiErrorStrings)), d(kSizeRows), sample(c(24), kSectors)}),
+    other(2, 12, kNameLine, {d(kResetRows)}),
+    other(2, 13, kNameLine, {d(kIdentifyRows), d(kIdentifyStrings, kIdentifyStringsAt), sample(c(kIdentifyProtocol), "\0\0\0\0"sv)}),
+    other(3, 7, line("Target %u, %s", u32(c(28)), name(u32(c(8)), kDiscoveries)), {d(kTargetRows)}),
+    other(3, 8, line("LUN %u, %s", u32(c(12)), name(u32(c(16)), kDiscoveries)), {d(kLunRows)}),
+    other(3, 9, line("LU %u, %s", u32(c(40)), name(u32(c(16)), kDiscoveries)),
+          {d(kUnitRows), d(kUnitStrings, kUnitStringsAt), kScsiSample, sample(c(32), kSectors)}),
+    {anyOf(4), "Bugcheck", line("%s, Line %u", name(u32(c(0)), kComponents), u32(c(4))), {d(kBugcheckRows)}},
+    {anyOf(5), "DEVMGR Trace Time", kNameLine, {d(kTraceRows)}},
+    // clang-format on
 };
-inline constexpr std::uint8_t kAny = 0xFF;
-inline constexpr Event kEvents[] = {
-    {1, 1, kSasStatusOf, {kSasStatus, kSlots, kTransfer, kElapsedTime}},
-    {1, 2, kElapsedOf, {kDeviceNumber, kSlots, kTransfer, kElapsedTime}},
-    {1, 3, kElapsedOf, {kExceeded, kSlots, kTransfer, kDeviceAgain, kElapsedTime}},
-    {1, 4, kIocStatusOf, {kIocStatus, kSlots, kTransfer, kElapsedTime}},
-    {1, 5, kDeviceOf, {kIocLog, kSlots, kTransfer, kElapsedTime}},
-    {1, 15, kPortOf, {kPort}},
-    {1, 16, kNameOf, {kZeroReply}},
-    {2, 10, kErrorOf, {kDrive, kSataStatus, kSataCounts, kSataCommand, kKind, kSataStrings, kSize}},
-    {2, 11, kErrorOf, {kDrive, kScsiSense, kScsiCounts, kScsiCommand, kKind, kScsiStrings, kSize}},
-    {2, 12, kNameOf, {kReset}},
-    {2, 13, kNameOf, {kIdentify, kIdentifyStrings}},
-    {3, 7, kTargetOf, {kTarget}},
-    {3, 8, kLunOf, {kLun}},
-    {3, 9, kUnitOf, {kUnit, kUnitStrings}},
-    {4, kAny, kBugcheckOf, {kBugcheck}},
-    {5, kAny, kNameOf, {kTrace}},
+inline constexpr Key kKeys[] = {{149, 1, 3}};
+inline constexpr EventTable kEvents{
+    .heading = "Version 3",
+    .rows = kEventRows,
+    .major = u32(152),
+    .minor = u32(156),
+    .style = Style::Joined,
+    .keys = kKeys,
+    .title = line("%s", name(u32(156), kIdentifiers)),
+    .tail = {kHeader},
+    .note =
+        "The first code is the event class: 1 XPort, 2 device, 3 attention, 4 bugcheck, 5 trace "
+        "time; the second the identifier.",
 };
+static_assert(accepted<kEvents>);
 
 } // namespace v3
+
+inline constexpr const EventTable* kTables[] = {&v1::kEvents, &v2::kEvents, &v3::kEvents};
+inline constexpr Module kModule{
+    6,  "SATA8P_Event", "Three generations of records. Elements have no blank between them.", {},
+    {}, kTables};
 
 } // namespace Pegasus::mpu::sata

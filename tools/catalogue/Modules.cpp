@@ -12,7 +12,7 @@
 #include "decoders/protocol/ES_ADAPTERMP_Layouts.h"
 #include "decoders/protocol/ISCSIMP_Layouts.h"
 #include "decoders/protocol/ISNSC_Layouts.h"
-#include "decoders/protocol/SATA8P_Catalogue.h"
+#include "decoders/protocol/SATA8P_Layouts.h"
 
 namespace Pegasus::mpu {
 

@@ -11,15 +11,18 @@ namespace Pegasus::mpu {
 
 enum class Page : std::uint8_t { Text, Markdown };
 
-// Which events are told: all, or those with a code ("1040"), or with both codes ("1/32").
+// Which events are told: all, or those with a code ("1040", as the first or the
+// second), or with both codes ("1/32").
 struct CodeFilter {
     std::optional<std::uint32_t> major;
     std::optional<std::uint32_t> minor;
 
     bool isAll() const { return !minor; }
     bool passes(const Codes& codes) const {
-        return (!major || codes.major == *major) &&
-               (!minor || codes.isAny() || (codes.first <= *minor && *minor <= codes.last));
+        const bool isMinor = minor && codes.first <= *minor && *minor <= codes.last;
+        if (major)
+            return codes.major == *major && isMinor;
+        return !minor || codes.major == *minor || ((codes.major == 0 || !codes.isAny()) && isMinor);
     }
 };
 

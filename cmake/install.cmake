@@ -14,9 +14,23 @@ if(MPUEVENT_PEGASUS STREQUAL "embedded")
     install(DIRECTORY platform/pegasus/Pegasus DESTINATION ${include_dir} COMPONENT development)
 endif()
 
-install(TARGETS MPUEvent mpuevent_pegasus EXPORT MPUEventTargets
+set(libraries mpuevent_static mpuevent_pegasus)
+if(TARGET MPUEvent)
+    list(APPEND libraries MPUEvent)
+endif()
+install(TARGETS ${libraries} EXPORT MPUEventTargets
     LIBRARY COMPONENT library NAMELINK_COMPONENT development
+    ARCHIVE COMPONENT development
     INCLUDES DESTINATION ${include_dir})
+if(whole_program)
+    # Without the compiler's intermediate code, which takes most of the archive's room and which no
+    # other version of the compiler reads.
+    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY "\${CMAKE_INSTALL_PREFIX}"
+        OUTPUT_VARIABLE archive_dir)
+    install(CODE "execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND \"${CMAKE_OBJCOPY}\"
+        -R .gnu.lto_* -R .gnu.debuglto_* \"\$ENV{DESTDIR}${archive_dir}/libMPUEvent.a\")"
+        COMPONENT development)
+endif()
 install(EXPORT MPUEventTargets NAMESPACE MPUEvent:: DESTINATION ${config_dir}
     COMPONENT development)
 configure_package_config_file(cmake/MPUEventConfig.cmake.in MPUEventConfig.cmake
@@ -56,13 +70,29 @@ if(TARGET mpuevent)
         DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT command)
 endif()
 
+# ---- provider ----------------------------------------------------------------------------------
+
+if(TARGET MPURecordLogProvider)
+    install(TARGETS MPURecordLogProvider LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(DIRECTORY provider/mof DESTINATION ${CMAKE_INSTALL_DATADIR}/mpuevent)
+    install(FILES provider/mpuevent-provider.conf DESTINATION ${CMAKE_INSTALL_SYSCONFDIR})
+endif()
+
+if(NOT PROJECT_IS_TOP_LEVEL)
+    return()
+endif()
+
 # ---- Debian packages: cpack in a build folder configured for the prefix /usr -------------------
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "MPUEvent maintainers <maintainers@localhost>")
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL library development)
+set(CPACK_COMPONENTS_ALL development)
+if(TARGET MPUEvent)
+    list(APPEND CPACK_COMPONENTS_ALL library)
+    set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmpuevent1 (= ${PROJECT_VERSION})")
+endif()
 if(TARGET mpuevent)
     list(APPEND CPACK_COMPONENTS_ALL command)
 endif()
@@ -76,8 +106,8 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "Decoder of a storage controller's event log: library")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmpuevent-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmpuevent1 (= ${PROJECT_VERSION})")
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Decoder of a storage controller's event log: headers")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "Decoder of a storage controller's event log: headers and archive")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME mpuevent)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION admin)
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION "Decoder of a storage controller's event log: command")

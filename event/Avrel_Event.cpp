@@ -4,6 +4,7 @@
 #include "event/Draft.h"
 #include "event/Names.h"
 #include "event/Record.h"
+#include "event/SafeText.h"
 #include "platform/trace/ProviderTraceServices.h"
 
 namespace Pegasus {
@@ -264,8 +265,9 @@ String Avrel_Event::xmlize(const char* tag, const char* value) {
 }
 
 String Avrel_Event::xmlizeString(const char* tag, String value) {
+    const String name = toString(tag);
     String element("<");
-    element.append(tag).append(">").append(value).append("</").append(tag).append(">");
+    element.append(name).append(">").append(value).append("</").append(name).append(">");
     return element;
 }
 

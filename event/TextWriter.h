@@ -20,11 +20,6 @@ inline String toString(std::string_view text) {
     return made;
 }
 
-// `text` with everything outside well-formed elements restricted to a safe set of characters; see
-// Avrel_Event::makeSafeString. Linear in the length of the text, constant stack.
-class TextWriter;
-void putSafe(TextWriter& out, std::string_view text);
-
 // What becomes of texts from the record.
 enum class Texts : std::uint8_t {
     Safe, // the finished text is made safe as a whole: assignTo() does that

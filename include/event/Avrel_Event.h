@@ -66,7 +66,7 @@ public:
     // Groups of 16 bytes: "0x0010=0011223344556677 | 8899AABBCCDDEEFF;", without line breaks.
     static String hexifiedStringForBody(const char* bytes, long count);
 
-    // "<tag>value</tag>", nothing escaped.
+    // "<tag>value</tag>", nothing escaped. Bytes that are not UTF-8 become "?".
     static String xmlize(const char* tag, const char* value);
     static String xmlizeString(const char* tag, String value);
 
@@ -78,8 +78,8 @@ public:
     // `text` with everything outside well-formed elements restricted to letters, digits, blanks and
     // common punctuation; "=" becomes ": ", all else "?". Tags pass as they stand, the content of
     // an element is made safe likewise; an element without closing tag is text. `count` bytes, or
-    // up to the NUL when it is 0. Elements nested deeper than 64 and tags longer than 1024
-    // characters are taken for text. Linear in the length, constant stack.
+    // up to the NUL when it is 0. The closing tag of an element is the first "</" after its opening
+    // tag that ">" or the name follows. Time linear in the length, constant stack.
     static String makeSafeString(const char* text, int count);
 
 protected:

@@ -2,6 +2,7 @@
 
 #include "event/Ascii.h"
 #include "event/Draft.h"
+#include "event/HeaderNames.h"
 #include "event/Names.h"
 #include "event/Record.h"
 #include "event/SafeText.h"
@@ -82,6 +83,19 @@ std::size_t byteCount(long count) {
 }
 
 } // namespace
+
+std::string_view mpu::sourceName(std::uint8_t code) {
+    return kSources.find(code);
+}
+
+std::string_view mpu::categoryName(std::uint8_t code) {
+    return kCategories.find(code);
+}
+
+std::string_view mpu::eventTypeName(std::uint8_t code) {
+    const EventType* type = findEventType(code);
+    return type ? type->text : "";
+}
 
 Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
     if (!record)

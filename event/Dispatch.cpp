@@ -1,6 +1,8 @@
 // The one place that knows all decoders: a new one is added by a row here.
 #include "event/Dispatch.h"
 
+#include "decoders/Decode.h"
+
 #include "decoders/datapath/AWR8P_Event.h"
 #include "decoders/datapath/IOMGR8P_Event.h"
 #include "decoders/datapath/MIP8P_Event.h"
@@ -80,7 +82,49 @@ constexpr DecoderFactory kDecoders[] = {
 
 constinit std::atomic<DecoderFactory> registered[256]{};
 
+// By module id.
+constexpr mpu::DecodeFunction kFunctions[] = {
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    mpu::sata::decode,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    mpu::startup::decode,
+    mpu::scc::decode,
+    nullptr,
+    nullptr,
+    nullptr,
+    mpu::scc::decode,
+    mpu::ncs::decode,
+    mpu::scc::decode,
+    nullptr,
+    nullptr,
+    nullptr,
+    mpu::smis::decode,
+    mpu::smis::decode,
+    nullptr,
+    nullptr,
+    nullptr,
+};
+
 } // namespace
+
+mpu::DecodeFunction mpu::decodeFunctionOf(unsigned char source) {
+    return source < std::size(kFunctions) ? kFunctions[source] : nullptr;
+}
 
 DecoderFactory mpu::decoderOf(unsigned char source) {
     if (source < std::size(kDecoders) && kDecoders[source])

@@ -13,6 +13,15 @@ namespace Pegasus::mpu {
 struct Draft {
     explicit Draft(Texts body_ = Texts::Safe) : body(body_) {}
 
+    // For the next record, as constructed without arguments.
+    void clear() {
+        title.clear();
+        summary.clear();
+        summary.setTexts(Texts::Raw);
+        body.clear();
+        body.setTexts(Texts::Safe);
+    }
+
     LineWriter title;
     LineWriter summary;
     BodyWriter body;

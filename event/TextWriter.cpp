@@ -184,6 +184,17 @@ void assignAscii(String& to, std::string_view text) {
 
 namespace {
 
+[[gnu::cold]] void repair(char* text, std::size_t size) {
+    for (;;) {
+        const std::size_t valid = validLength({text, size});
+        if (valid == size)
+            return;
+        text[valid] = '?';
+        text += valid + 1;
+        size -= valid + 1;
+    }
+}
+
 [[gnu::cold]] void assignMended(String& to, std::string_view text) {
     StackWriter<1024> mended;
     for (;;) {
@@ -198,6 +209,18 @@ namespace {
 }
 
 } // namespace
+
+std::string_view TextWriter::finish() {
+    if (markup_) {
+        StackWriter<1024> safe;
+        putSafe(safe, view());
+        clear();
+        bytes(safe.view());
+    }
+    if (unchecked_ && !isAscii(view()))
+        repair(begin_, view().size());
+    return view();
+}
 
 void assignText(String& to, std::string_view text) {
     if (isAscii(text)) [[likely]]

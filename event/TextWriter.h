@@ -92,6 +92,8 @@ public:
 
     // The finished text: made safe when the texts in it have to be, valid in any case.
     void assignTo(String& to) const;
+    // The same as valid UTF-8, in place.
+    std::string_view finish();
     String string() const {
         String made;
         assignTo(made);

@@ -106,22 +106,20 @@ class JsonPrinter : public Printer {
 public:
     explicit JsonPrinter(const PrintOptions& options) : fields_(options.fields) {}
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         JsonWriter& writer = json_.start(out);
         writer.StartObject();
         for (const Column& column : kColumns) {
             json_.key(column.name);
             if (column.number) {
-                writer.Uint(column.number(event));
+                writer.Uint(event.*column.number);
                 continue;
             }
-            utf8_.clear();
-            putUtf8(utf8_, column.text(event));
-            json_.text(utf8_.view());
+            json_.text(event.*column.text);
         }
-        if (fields_) { // the body was the last text
+        if (fields_) {
             json_.key("fields");
-            json_.fields(parser_.parse(utf8_.view()));
+            json_.fields(parser_.parse(event.body));
             json_.key("formatVersion");
             writer.Uint(kFormatVersion);
         }
@@ -132,7 +130,6 @@ public:
 private:
     const bool fields_;
     Json json_;
-    mpu::BodyWriter utf8_;
     BodyParser parser_;
 };
 
@@ -147,21 +144,19 @@ public:
         out.put(fields_ ? ",fields\r\n" : "\r\n");
     }
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         for (const Column& column : kColumns) {
             out.put(&column == kColumns ? "" : ",");
             if (column.number) {
-                out.decimal(column.number(event));
+                out.decimal(event.*column.number);
                 continue;
             }
-            utf8_.clear();
-            putUtf8(utf8_, column.text(event));
-            cell(out, utf8_.view());
+            cell(out, event.*column.text);
         }
         if (fields_) {
             list_.clear();
             json_.start(list_);
-            json_.fields(parser_.parse(utf8_.view()));
+            json_.fields(parser_.parse(event.body));
             cell(out.put(","), list_.view());
         }
         out.put("\r\n");
@@ -188,7 +183,6 @@ private:
 
     const bool fields_;
     Json json_;
-    mpu::BodyWriter utf8_;
     mpu::BodyWriter list_;
     BodyParser parser_;
 };

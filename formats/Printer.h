@@ -1,8 +1,7 @@
 // The formats in which events are written.
 #pragma once
 
-#include "event/Avrel_Event.h"
-#include "event/TextWriter.h"
+#include "formats/DecodedEvent.h"
 
 #include <memory>
 
@@ -13,7 +12,7 @@ class Printer {
 public:
     virtual ~Printer() = default;
     virtual void begin(mpu::TextWriter&) {} // before all events
-    virtual void print(Avrel_Event& event, mpu::TextWriter& out) = 0;
+    virtual void print(const DecodedEvent& event, mpu::TextWriter& out) = 0;
     virtual void end(mpu::TextWriter&) {} // after all events
 };
 

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <utility>
 
 namespace Pegasus::formats {
 
@@ -14,21 +13,15 @@ void ReportPage::begin(mpu::TextWriter& out) {
     out.put(kPageBegin);
 }
 
-void ReportPage::text(mpu::TextWriter& out, const String& value) {
-    utf8_.clear();
-    putUtf8(utf8_, value);
-    putXml(out, utf8_.view());
-}
-
-void ReportPage::add(Avrel_Event& event, mpu::TextWriter& out) {
+void ReportPage::add(const DecodedEvent& event, mpu::TextWriter& out) {
     statistics_.add(event);
-    out.put("<tr class=\"s").decimal(severityOf(std::as_const(event).getEventType()));
-    out.put("\"><td>").decimal(event.getSequenceID());
-    out.put("<td>").decimal(event.getTimestamp()).put("<td>");
-    text(out, event.getEventType());
-    text(out.put("<td>"), event.getSource());
-    text(out.put("<td><details><summary><b>"), event.getEventID());
-    text(out.put("</b> "), event.getSummary());
+    out.put("<tr class=\"s").decimal(severityOf(event.eventType));
+    out.put("\"><td>").decimal(event.sequenceID);
+    out.put("<td>").decimal(event.timestamp);
+    putXml(out.put("<td>"), event.eventTypeText);
+    putXml(out.put("<td>"), event.source);
+    putXml(out.put("<td><details><summary><b>"), event.eventID);
+    putXml(out.put("</b> "), event.summary);
     block_.clear();
     printer_->print(event, block_);
     std::string_view block = block_.view();

@@ -11,14 +11,13 @@ namespace Pegasus::formats {
 class ReportPage {
 public:
     void begin(mpu::TextWriter& out);
-    void add(Avrel_Event& event, mpu::TextWriter& out);
+    void add(const DecodedEvent& event, mpu::TextWriter& out);
     // `faults`: damaged places in what the events came from.
     void end(std::uint64_t faults, mpu::TextWriter& out);
 
     std::uint64_t events() const { return statistics_.events; }
 
 private:
-    void text(mpu::TextWriter& out, const String& value);
     void facts(mpu::TextWriter& out, std::uint64_t faults) const;
     void chart(mpu::TextWriter& out) const;
     void legend(mpu::TextWriter& out) const;
@@ -26,7 +25,6 @@ private:
 
     const std::unique_ptr<Printer> printer_ = makeTextPrinter({});
     Statistics statistics_;
-    mpu::BodyWriter utf8_;
     mpu::BodyWriter block_;
 };
 

@@ -1,5 +1,6 @@
 #include "formats/Schema.h"
 
+#include "event/HeaderNames.h"
 #include "event/MPUEvent.h"
 #include "formats/Body.h"
 #include "formats/Columns.h"
@@ -17,12 +18,6 @@ namespace {
 
 constexpr int kRounds = 4; // of sample records, which are different each time
 
-std::string utf8Of(const String& text) {
-    mpu::BodyWriter out;
-    putUtf8(out, text);
-    return std::string(out.view());
-}
-
 // What the events of a module show, in the order of first use.
 struct Shown {
     std::vector<std::string> titles;
@@ -37,17 +32,15 @@ void add(std::vector<std::string>& names, std::string_view name) {
 Shown shownBy(const mpu::Module& module) {
     Shown shown;
     BodyParser parser;
+    EventDecoder decoder;
     mpu::SampleWriter samples(1);
     for (int round = 0; round < kRounds; ++round)
         for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
-            const std::string sample = samples.message(module, kind);
-            const CMAPMessageHeader header(sample.data());
-            Avrel_memory_istream record(sample.data() + mpu::message_header::kSize,
-                                        sample.size() - mpu::message_header::kSize);
-            const std::unique_ptr<Avrel_Event> event(MPUEvent(header, record).create_Avrel_Event());
-            add(shown.titles, utf8Of(event->getEventID()));
-            const std::string body = utf8Of(event->getBody());
-            for (const BodyItem& item : parser.parse(body))
+            const std::string record = samples.record(module, kind);
+            const DecodedEvent& event = decoder.decode(
+                {reinterpret_cast<const std::uint8_t*>(record.data()), record.size()});
+            add(shown.titles, event.eventID);
+            for (const BodyItem& item : parser.parse(event.body))
                 if (item.type == BodyItem::Element || item.type == BodyItem::Group)
                     add(shown.elements, item.name);
         }
@@ -102,8 +95,11 @@ public:
     }
 
 private:
+    static std::string nameOr(std::string_view name, unsigned code) {
+        return name.empty() ? std::to_string(code) : std::string(name);
+    }
     static std::string sourceOf(unsigned code) {
-        return utf8Of(Avrel_Event(nullptr, 0).sourceFromEmpValue(code));
+        return nameOr(mpu::sourceName(static_cast<std::uint8_t>(code)), code);
     }
 
     void text(std::string_view value) {
@@ -140,7 +136,7 @@ private:
             codes([](unsigned code) { return sourceOf(code); });
         } else if (name == "category") {
             codes([](unsigned code) {
-                return utf8Of(Avrel_Event(nullptr, 0).categoryFromEmpValue(code));
+                return nameOr(mpu::categoryName(static_cast<std::uint8_t>(code)), code);
             });
         } else if (name == "eventType") {
             key("enum");
@@ -182,12 +178,11 @@ private:
 
     static std::vector<std::pair<unsigned, std::string>> eventTypes() {
         std::vector<std::pair<unsigned, std::string>> types;
-        Avrel_Event event(nullptr, 0);
-        for (unsigned code = 0; code < 256; ++code) {
-            event.setEventType(event.eventTypeFromEmpValue(code));
-            if (code == 0 || std::as_const(event).getEventType() != 0)
-                types.emplace_back(code, utf8Of(event.getEventType()));
-        }
+        types.emplace_back(0, "Unknown");
+        for (unsigned code = 1; code < 256; ++code)
+            if (const std::string_view name = mpu::eventTypeName(static_cast<std::uint8_t>(code));
+                !name.empty())
+                types.emplace_back(code, name);
         return types;
     }
 

@@ -1,7 +1,6 @@
 #include "formats/Statistics.h"
 
 #include "formats/Severity.h"
-#include "formats/Utf8.h"
 
 #include <algorithm>
 #include <utility>
@@ -12,12 +11,6 @@ namespace {
 
 constexpr std::size_t kMaxMoments = 4096;
 constexpr std::size_t kMaxTitles = 10000; // records may make up any
-
-std::string utf8Of(const String& text) {
-    mpu::LineWriter out;
-    putUtf8(out, text);
-    return std::string(out.view());
-}
 
 } // namespace
 
@@ -47,16 +40,16 @@ std::vector<SeverityCounts> TimeLine::buckets(std::size_t count, const Range& ti
     return buckets;
 }
 
-void Statistics::add(Avrel_Event& event) {
-    const unsigned severity = severityOf(std::as_const(event).getEventType());
+void Statistics::add(const DecodedEvent& event) {
+    const unsigned severity = severityOf(event.eventType);
     ++events;
-    time.add(event.getTimestamp());
-    sequence.add(event.getSequenceID());
+    time.add(event.timestamp);
+    sequence.add(event.sequenceID);
     ++severities[severity];
-    timeLine.add(event.getTimestamp(), severity);
-    const std::string source = utf8Of(event.getSource());
+    timeLine.add(event.timestamp, severity);
+    const std::string source(event.source);
     ++sources_[source];
-    auto key = std::make_pair(source, utf8Of(event.getEventID()));
+    auto key = std::make_pair(source, std::string(event.eventID));
     auto found = titles_.find(key);
     if (found == titles_.end()) {
         if (titles_.size() == kMaxTitles) {
@@ -69,7 +62,7 @@ void Statistics::add(Avrel_Event& event) {
     Title& title = found->second;
     ++title.count;
     title.severity = std::max(title.severity, severity);
-    title.time.add(event.getTimestamp());
+    title.time.add(event.timestamp);
 }
 
 std::vector<std::pair<std::string, std::uint64_t>> Statistics::bySource() const {

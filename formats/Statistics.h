@@ -1,7 +1,7 @@
 // Counts over many events, in little memory however many there are.
 #pragma once
 
-#include "event/Avrel_Event.h"
+#include "formats/DecodedEvent.h"
 
 #include <array>
 #include <cstdint>
@@ -45,7 +45,7 @@ struct Statistics {
         Range time;
     };
 
-    void add(Avrel_Event& event);
+    void add(const DecodedEvent& event);
     // Sources and titles, the frequent ones first.
     std::vector<std::pair<std::string, std::uint64_t>> bySource() const;
     std::vector<Title> byTitle() const;

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 namespace Pegasus::formats {
 
@@ -59,45 +58,37 @@ class TextPrinter : public Printer {
 public:
     explicit TextPrinter(const PrintOptions& options) : colour_(options.colour) {}
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
-        out.put("Event ").decimal(event.getSequenceID()).put(": ");
-        const unsigned severity = severityOf(std::as_const(event).getEventType());
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
+        out.put("Event ").decimal(event.sequenceID).put(": ");
+        const unsigned severity = severityOf(event.eventType);
         out.put(colour_ ? kColours[severity] : "");
-        inLine(out, event.getEventType());
+        putPrintable(out, event.eventTypeText);
         out.put(colour_ ? kPlain : "").put(", ");
-        inLine(out, event.getSource());
+        putPrintable(out, event.source);
         out.put(", ");
-        inLine(out, event.getCategory());
+        putPrintable(out, event.category);
         out.put("\n");
-        line(out, "Title", event.getEventID());
-        line(out, "Summary", event.getSummary());
-        line(out, "Enclosure", event.getEnclosureSerialNumber());
-        line(out, "Controller", event.getControllerSerialNumber());
-        out.put("  Slot: ").decimal(event.getControllerSlotID());
-        out.put("\n  Log: ").decimal(event.getEventLogInstanceNumber());
-        out.put("\n  Time: ").decimal(event.getTimestamp()).put("\n");
-        body(out, event.getBody());
+        line(out, "Title", event.eventID);
+        line(out, "Summary", event.summary);
+        line(out, "Enclosure", event.enclosureSerialNumber);
+        line(out, "Controller", event.controllerSerialNumber);
+        out.put("  Slot: ").decimal(event.controllerSlotID);
+        out.put("\n  Log: ").decimal(event.eventLogInstanceNumber);
+        out.put("\n  Time: ").decimal(event.timestamp).put("\n");
+        body(out, event.body);
         out.put("\n");
     }
 
 private:
-    void inLine(mpu::TextWriter& out, const String& text) {
-        utf8_.clear();
-        putUtf8(utf8_, text);
-        putPrintable(out, utf8_.view());
-    }
-    void line(mpu::TextWriter& out, const char* name, const String& text) {
-        if (text.size() == 0)
+    static void line(mpu::TextWriter& out, const char* name, std::string_view text) {
+        if (text.empty())
             return;
-        out.put("  ").put(name).put(": ");
-        inLine(out, text);
+        putPrintable(out.put("  ").put(name).put(": "), text);
         out.put("\n");
     }
 
-    void body(mpu::TextWriter& out, const String& text) {
-        utf8_.clear();
-        putUtf8(utf8_, text);
-        const std::vector<BodyItem>& items = parser_.parse(utf8_.view());
+    void body(mpu::TextWriter& out, std::string_view text) {
+        const std::vector<BodyItem>& items = parser_.parse(text);
         if (items.empty())
             return;
         out.put("  Body:\n");
@@ -185,7 +176,6 @@ private:
     }
 
     const bool colour_;
-    mpu::BodyWriter utf8_;
     BodyParser parser_;
 };
 
@@ -194,26 +184,21 @@ class BriefPrinter : public Printer {
 public:
     explicit BriefPrinter(const PrintOptions& options) : colour_(options.colour) {}
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         mpu::StackWriter<16> time;
-        time.decimal(event.getTimestamp());
+        time.decimal(event.timestamp);
         column(out, time.view(), 10);
-        out.put(colour_ ? kColours[severityOf(std::as_const(event).getEventType())] : "");
-        column(out, text(event.getEventType()), 17);
+        out.put(colour_ ? kColours[severityOf(event.eventType)] : "");
+        column(out, event.eventTypeText, 17);
         out.put(colour_ ? kPlain : "");
-        column(out, text(event.getSource()), 11);
-        putPrintable(out, text(event.getEventID()));
-        if (const std::string_view summary = text(event.getSummary()); !summary.empty())
+        column(out, event.source, 11);
+        putPrintable(out, event.eventID);
+        if (const std::string_view summary = event.summary; !summary.empty())
             putPrintable(out.put(": "), summary);
         out.put("\n");
     }
 
 private:
-    std::string_view text(const String& from) {
-        utf8_.clear();
-        putUtf8(utf8_, from);
-        return utf8_.view();
-    }
     static void column(mpu::TextWriter& out, std::string_view text, std::size_t width) {
         putPrintable(out, text);
         for (std::size_t i = text.size(); i < width + 2; ++i)
@@ -221,21 +206,26 @@ private:
     }
 
     const bool colour_;
-    mpu::BodyWriter utf8_;
 };
 
-// The event's own rendering. Line breaks in it are escaped so that an event is one line.
+// As Avrel_Event::str() renders it. Line breaks in it are escaped so that an event is one line.
 class LinePrinter : public Printer {
 public:
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
-        utf8_.clear();
-        putUtf8(utf8_, event.str());
-        putPrintable(out, utf8_.view());
-        out.put("\n");
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
+        putPrintable(out.put("Enclosure Ser#: '"), event.enclosureSerialNumber);
+        putPrintable(out.put("', Card Ser#: '"), event.controllerSerialNumber);
+        out.put("', Slot: ").integer(event.controllerSlotID);
+        out.put(", Log Instance # ").integer(event.eventLogInstanceNumber);
+        out.put(", Sequence ID=").integer(event.sequenceID);
+        out.put(", Timestamp=").integer(event.timestamp);
+        putPrintable(out.put(", Source: '"), event.source);
+        putPrintable(out.put("', Category: '"), event.category);
+        out.put("', EventType=").integer(event.eventType);
+        putPrintable(out.put(", EventID: '"), event.eventID);
+        putPrintable(out.put("', Summary: '"), event.summary);
+        putPrintable(out.put("', Body: '"), event.body);
+        out.put("'\n");
     }
-
-private:
-    mpu::BodyWriter utf8_;
 };
 
 } // namespace

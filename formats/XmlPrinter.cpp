@@ -18,21 +18,19 @@ public:
     }
     void end(mpu::TextWriter& out) override { out.put("</events>\n"); }
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         out.put("<event>\n");
         for (const Column& column : kColumns) {
             out.put("  <").put(column.name).put(">");
             if (column.number) {
-                out.decimal(column.number(event));
+                out.decimal(event.*column.number);
             } else {
-                utf8_.clear();
-                putUtf8(utf8_, column.text(event));
-                putXml(out, utf8_.view());
+                putXml(out, event.*column.text);
             }
             out.put("</").put(column.name).put(">\n");
         }
-        if (fields_) // the body was the last text
-            fields(out, parser_.parse(utf8_.view()));
+        if (fields_)
+            fields(out, parser_.parse(event.body));
         out.put("</event>\n");
     }
 
@@ -65,7 +63,6 @@ private:
     }
 
     const bool fields_;
-    mpu::BodyWriter utf8_;
     BodyParser parser_;
 };
 

@@ -37,7 +37,7 @@ std::string printed(const char* format, bool fields, const std::string& body) {
     options.fields = fields;
     for (const formats::Format& row : formats::kFormats)
         if (row.name == std::string_view(format))
-            row.make(options)->print(event, out);
+            row.make(options)->print(formats::EventDecoder().take(event), out);
     return std::string(out.view());
 }
 

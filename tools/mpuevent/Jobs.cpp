@@ -142,10 +142,10 @@ void ParallelWriter::work() {
     }
 }
 
-void ParallelWriter::decode(Batch& batch, const Filter& filter, Printer& printer) const {
+void ParallelWriter::decode(Batch& batch, Filter& filter, Printer& printer) const {
     for (const Message& message : batch.messages) {
-        const std::unique_ptr<Avrel_Event> event = message.decode();
-        if (!filter.passes(*event))
+        const DecodedEvent* event = filter.decode(message);
+        if (!event)
             continue;
         printer.print(*event, batch.text);
         batch.ends.push_back(batch.text.view().size());

@@ -36,7 +36,7 @@ private:
     };
 
     void work();
-    void decode(Batch& batch, const Filter& filter, Printer& printer) const;
+    void decode(Batch& batch, Filter& filter, Printer& printer) const;
     void submit();
     void retire(Batch& batch);
     void stop();

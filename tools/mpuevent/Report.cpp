@@ -22,7 +22,7 @@ public:
     }
 
     bool take(const Message& message) override {
-        if (const std::unique_ptr<Avrel_Event> event = filter_.decode(message))
+        if (const DecodedEvent* event = filter_.decode(message))
             page_.add(*event, output_.text());
         return output_.proceed() && page_.events() < limit_;
     }
@@ -33,7 +33,7 @@ public:
     }
 
 private:
-    const Filter filter_;
+    Filter filter_;
     const std::uint64_t limit_;
     ReportPage page_;
 };

@@ -20,7 +20,7 @@ public:
     Counter(const FilterOptions& options, Output& output)
         : SerialSink(output), filter_(options), limit_(options.limit.value_or(UINT64_MAX)) {}
     bool take(const Message& message) override {
-        if (const std::unique_ptr<Avrel_Event> event = filter_.decode(message))
+        if (const DecodedEvent* event = filter_.decode(message))
             statistics.add(*event);
         return statistics.events < limit_;
     }
@@ -28,7 +28,7 @@ public:
     Statistics statistics;
 
 private:
-    const Filter filter_;
+    Filter filter_;
     const std::uint64_t limit_;
 };
 

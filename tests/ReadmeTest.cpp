@@ -4,6 +4,7 @@
 #include "tools/catalogue/Modules.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 
@@ -64,6 +65,14 @@ TEST(Generated, ManPageAndCompletionsAreCurrent) {
         EXPECT_EQ(run(std::string("mpuevent --describe ") + c.kind),
                   run(std::string("cat ") + c.file))
             << c.file << ": run scripts/renew";
+}
+
+TEST(Readme, LinksEveryPage) {
+    std::string all;
+    for (const std::string& line : readme())
+        all += line;
+    for (const auto& page : std::filesystem::directory_iterator(MPUEVENT_DOCS_DIR))
+        EXPECT_NE(all.find("(docs/" + page.path().filename().string()), all.npos) << page.path();
 }
 
 TEST(Readme, TableHasEveryDecoder) {

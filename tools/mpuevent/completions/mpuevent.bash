@@ -90,6 +90,8 @@ _mpuevent() {
     follow/--grep) true; return ;;
     follow/--not-grep) true; return ;;
     follow/--limit) true; return ;;
+    formats/--module) _mpuevent_words 'IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event'; return ;;
+    formats/--code) true; return ;;
     formats/--format) _mpuevent_words 'text markdown json-schema'; return ;;
     sample/--module) _mpuevent_words 'IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event'; return ;;
     sample/--count) true; return ;;
@@ -108,8 +110,8 @@ _mpuevent() {
     report/*) _mpuevent_files ;;
     follow/-*) _mpuevent_words '-h --help --input --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
     follow/*) _mpuevent_files ;;
-    formats/-*) _mpuevent_words '-h --help --format' ;;
-    formats/*) _mpuevent_words 'IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event' ;;
+    formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
+    formats/*) true ;;
     sample/-*) _mpuevent_words '-h --help --module --count --seed -o --output' ;;
     sample/*) true ;;
     esac

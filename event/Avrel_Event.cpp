@@ -138,7 +138,7 @@ void Avrel_Event::take(const EmpEvLogMsg_s* record, int length, DecodeFunction d
 }
 
 void Avrel_Event::take(const Draft& draft) {
-    if (!draft.title.view().empty()) // else it stays the event's number
+    if (draft.isTitled || !draft.title.view().empty())
         draft.title.assignTo(eventID_);
     draft.summary.assignTo(summary_);
     draft.body.assignTo(body_);

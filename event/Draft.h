@@ -16,13 +16,15 @@ struct Draft {
     // For the next record, as constructed without arguments.
     void clear() {
         title.clear();
+        isTitled = false;
         summary.clear();
         summary.setTexts(Texts::Raw);
         body.clear();
         body.setTexts(Texts::Safe);
     }
 
-    LineWriter title;
+    LineWriter title;      // when empty, the event's number is the title
+    bool isTitled = false; // unless this says that the empty one is
     LineWriter summary;
     BodyWriter body;
 };

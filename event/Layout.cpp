@@ -166,6 +166,13 @@ void Events::pieces(Draft& draft, Range range, std::string_view name, const Reco
     }
 }
 
+void Events::writeRows(TextWriter& body, const Entry& entry, unsigned first, unsigned n,
+                       RecordView data) const {
+    const Piece* piece = pieceCodes + entry.piece + 1 + first;
+    for (const std::uint16_t start = piece->at; n > 0; --n, ++piece)
+        mpu::write(body, layout(piece->index), data.subview(piece->at - start));
+}
+
 void Events::writeBody(Draft& draft, const Entry& entry, const Record& record,
                        RecordView data) const {
     const std::string_view name = title(entry, 0);

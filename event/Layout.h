@@ -78,6 +78,7 @@ public:
         bool isCustom;
         std::uint8_t index; // of the layout or function
         std::uint16_t at;
+        bool operator==(const Piece&) const = default;
     };
     struct Place { // of a layout
         std::uint16_t code;
@@ -106,6 +107,10 @@ public:
     void write(Draft& draft, const Entry& entry, const Record& record, RecordView data) const;
     // Summary and body alone.
     void writeBody(Draft& draft, const Entry& entry, const Record& record, RecordView data) const;
+    // Some pieces of the entry's body, all of them rows: `n` from number `first` on, which has its
+    // structure at `data`.
+    void writeRows(TextWriter& body, const Entry& entry, unsigned first, unsigned n,
+                   RecordView data) const;
     // What every event of the table has before and after the pieces of its row.
     void writeHead(Draft& draft, const Record& record, RecordView data) const {
         pieces(draft, head, {}, record, data);

@@ -11,7 +11,10 @@ public:
     // The readable extent is what was announced, or what the record claims if that is more. Lengths
     // that no message can carry count as nothing announced.
     explicit Record(const EmpEvLogMsg_s* record, unsigned int announced = 0)
-        : header_(*record), view_(RecordView::of(record, announced)) {}
+        : header_(*record), view_(RecordView::of(record, announced)),
+          payload_(view_.subview(sizeof *record)) {}
+    // A payload alone: the header is all zeros, its bytes are not there.
+    explicit Record(RecordView payload) : header_(kNoHeader), payload_(payload) {}
 
     std::uint8_t source() const { return header_.source; }
     std::uint8_t severity() const { return header_.eventType; }
@@ -21,11 +24,14 @@ public:
     std::uint16_t payloadLength() const { return header_.evStructLength; }
 
     RecordView view() const { return view_; }
-    RecordView payload() const { return view_.subview(sizeof(EmpEvLogMsg_s)); }
+    RecordView payload() const { return payload_; }
 
 private:
+    static constexpr EmpEvLogMsg_s kNoHeader{};
+
     const EmpEvLogMsg_s& header_;
     RecordView view_;
+    RecordView payload_;
 };
 
 } // namespace Pegasus::mpu

@@ -165,6 +165,13 @@ private:
             pieces.push_back({false, used(layout({&row.summary.row, 1})), 0});
         add(row.pieces);
         entry.pieces = static_cast<std::uint8_t>(pieces.size() - entry.piece);
+        // Rows with the same structures share their pieces.
+        const auto run = pieces.begin() + entry.piece;
+        const auto known = std::search(pieces.begin(), run, run, pieces.end());
+        if (known != run) {
+            entry.piece = size16(known - pieces.begin());
+            pieces.erase(run, pieces.end());
+        }
         entry.provenance = weakest_;
         entries.push_back(entry);
         (void)table;

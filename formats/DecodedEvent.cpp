@@ -71,7 +71,7 @@ const DecodedEvent& EventDecoder::decode(std::span<const std::uint8_t> bytes) {
     draft_.clear();
     if (function)
         function(record, draft_);
-    if (draft_.title.view().empty())
+    if (draft_.title.view().empty() && !draft_.isTitled)
         draft_.title.decimal(header->eventId);
     event_.eventID = draft_.title.finish();
     event_.summary = draft_.summary.finish();

@@ -148,9 +148,17 @@ std::string namesOf(const NameTable& table) {
     return text.append("else ").append(table.at(table.count - 1u));
 }
 
+void putNames(Writer& out, const std::string& what, const Row& row) {
+    for (const Value& value : row.values)
+        if (value.kind == Value::Name)
+            out.paragraph(what + ": " + namesOf(*value.names) + ".");
+        else if (value.kind == Value::Bit && value.names != &kTrueFalse)
+            out.paragraph(what + ": 0 " + std::string(value.names->at(0)) + "; 1 " +
+                          std::string(value.names->at(1)) + ".");
+}
+
 void putRows(Writer& out, std::span<const Row> rows) {
     std::vector<Cells> cells{{"Offset", "Field", "Element", "Format", "Layout"}};
-    std::vector<std::string> names;
     for (const Row& row : rows) {
         if (row.kind == Row::Close)
             continue;
@@ -158,16 +166,10 @@ void putRows(Writer& out, std::span<const Row> rows) {
             {joined(row, offsetOf), joined(row, kindOf),
              row.kind == Row::Open ? std::string(row.tag) + " (group)" : std::string(row.tag),
              row.format.empty() ? "" : out.code(row.format), marksOf(row)});
-        for (const Value& value : row.values)
-            if (value.kind == Value::Name)
-                names.push_back(out.code(row.tag) + ": " + namesOf(*value.names) + ".");
-            else if (value.kind == Value::Bit && value.names != &kTrueFalse)
-                names.push_back(out.code(row.tag) + ": 0 " + std::string(value.names->at(0)) +
-                                "; 1 " + std::string(value.names->at(1)) + ".");
     }
     out.table(cells);
-    for (const std::string& line : names)
-        out.paragraph(line);
+    for (const Row& row : rows)
+        putNames(out, out.code(row.tag), row);
 }
 
 std::string keyName(const Key& key) {
@@ -229,12 +231,17 @@ std::string placesOf(const Row& row, std::size_t base) {
     return text;
 }
 
+constexpr const char* kEventName = "the text on the left";
+bool isEventName(const Row& row) {
+    return row.format == "%s" && row.values[0].kind == Value::EventName;
+}
+
 std::string lineOf(const Writer& out, const Row& line) {
     if (line.format.empty())
         return "";
     const std::string places = placesOf(line, 0);
-    const bool isTitle = line.format == "%s" && line.values[0].kind == Value::EventName;
-    return isTitle ? "the title" : out.code(line.format) + (places.empty() ? "" : ": " + places);
+    return isEventName(line) ? kEventName
+                             : out.code(line.format) + (places.empty() ? "" : ": " + places);
 }
 
 std::string pieceOf(const Writer& out, const Piece& piece, Structures& structures) {
@@ -255,8 +262,8 @@ std::string pieceOf(const Writer& out, const Piece& piece, Structures& structure
         return "structure " + structures.number(piece.rows) + at;
     const Row& row = piece.rows[0];
     const std::string places = placesOf(row, piece.at);
-    text.append(out.code(row.tag)).append(places.empty() ? " " : ": ");
-    text.append(places.empty() ? std::string(row.format) : places);
+    text.append(out.code(row.tag)).append(places.empty() && !isEventName(row) ? " " : ": ");
+    text.append(isEventName(row) ? kEventName : places.empty() ? std::string(row.format) : places);
     if (const std::string marks = marksOf(row); !marks.empty())
         text.append(" (").append(marks).append(")");
     return text;
@@ -315,8 +322,11 @@ void putTable(Writer& out, const EventTable& table, std::span<const EventRow* co
     if (table.dataAt != sizeof(EmpEvLogMsg_s))
         say("The data are at record offset ", std::to_string(table.dataAt));
     out.paragraph(text);
+    putNames(out, "Title", table.title);
     out.paragraph(table.note);
-    std::vector<Cells> cells{{"Code", "Title", "Summary", "Body", "Layout"}};
+    // Where all have titles of another kind, the rows' are names.
+    const char* const title = table.title.format.empty() ? "Title" : "Name";
+    std::vector<Cells> cells{{"Code", title, "Summary", "Body", "Layout"}};
     for (const EventRow* row : rows)
         cells.push_back({codesOf(table, row->codes), titleOf(row->title),
                          row->summary.custom ? std::string(row->summary.custom->description)

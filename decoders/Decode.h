@@ -11,11 +11,22 @@ namespace Pegasus::mpu {
     namespace NAME {                                                                               \
     void decode(const Record& record, Draft& draft);                                               \
     }
+MPUEVENT_DECODER(awr)
+MPUEVENT_DECODER(driveAdmin)
+MPUEVENT_DECODER(hacc)
+MPUEVENT_DECODER(ichar)
+MPUEVENT_DECODER(iomgr)
+MPUEVENT_DECODER(mip)
+MPUEVENT_DECODER(msm)
 MPUEVENT_DECODER(ncs)
+MPUEVENT_DECODER(ob0)
+MPUEVENT_DECODER(ob1)
 MPUEVENT_DECODER(sata)
 MPUEVENT_DECODER(scc)
 MPUEVENT_DECODER(smis)
+MPUEVENT_DECODER(snmp)
 MPUEVENT_DECODER(startup)
+MPUEVENT_DECODER(vpi)
 #undef MPUEVENT_DECODER
 
 } // namespace Pegasus::mpu

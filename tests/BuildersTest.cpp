@@ -210,7 +210,7 @@ TEST(Builders, OfIoManagerClasses) {
     compareIoManagerClasses(kAll);
 }
 // Structures have their own size, whatever the data area claims.
-TEST(Builders, DISABLED_OfIoManagerClassesWithoutLength) {
+TEST(Builders, OfIoManagerClassesWithoutLength) {
     compareIoManagerClasses(0);
 }
 
@@ -284,7 +284,7 @@ void compareMipClasses(unsigned length) {
 TEST(Builders, OfMipClasses) {
     compareMipClasses(kAll);
 }
-TEST(Builders, DISABLED_OfMipClassesWithoutLength) {
+TEST(Builders, OfMipClassesWithoutLength) {
     compareMipClasses(0);
 }
 

@@ -3,8 +3,6 @@
 
 #include "event/Avrel_Event.h"
 
-#include <string_view>
-
 namespace Pegasus {
 
 class MPUEVENT_EXPORT AvrelEvent : public Avrel_Event {
@@ -18,10 +16,6 @@ public:
     virtual void addEntry(char* tag, char* format, ...) __attribute__((format(printf, 3, 4)));
     // Appends `text` (UTF-8; invalid bytes become "?") as it stands.
     virtual void appendBody(char* text);
-
-protected:
-    // Takes a finished run of entries as the body so far.
-    MPUEVENT_LOCAL void startBody(std::string_view entries);
 
 private:
     MPUEVENT_LOCAL void reserve(int capacity);

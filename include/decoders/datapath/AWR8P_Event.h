@@ -8,13 +8,6 @@
 
 namespace Pegasus {
 
-namespace mpu {
-class RecordView;
-}
-namespace mpu::datapath {
-class Entries;
-}
-
 // Header of an item; the content lies behind it. Big-endian. A negative length means no content.
 //
 //     | type | length | content                                        |
@@ -43,8 +36,6 @@ public:
     void awr8p_dump_bin(const awrEvtHdr_s* item);
 
 private:
-    MPUEVENT_LOCAL void parse(mpu::datapath::Entries& entries, mpu::RecordView item);
-
     std::uint32_t summarySet_ = 0;
 };
 

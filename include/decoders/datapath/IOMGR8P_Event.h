@@ -70,7 +70,8 @@ public:
     void get_IOMGR8P_event_body(const EmpEvLogMsg_s* record);
 
     // The entries of an event of one class, whatever class its frame names; these set the summary.
-    // The memory behind `event` holds 20 + dataLength bytes.
+    // The memory from `event` on holds the event's structures whole, whatever dataLength says;
+    // lists end with the data area.
     char* get_IOMGR8P_manager_class_event_body(const IOMGR_EVL* event, char* position);
     char* get_IOMGR8P_rebuild_class_event_body(const IOMGR_EVL* event, char* position);
     char* get_IOMGR8P_reconfig_class_event_body(const IOMGR_EVL* event, char* position);
@@ -123,10 +124,10 @@ public:
     char* get_IOMGR8P_ext_event_body(const IOMGR_EVL_EXT* ext, char* position);
     char* get_IOMGR8P_sgt_event_body(const IOMGR_EVL_SGT* sgt, char* position);
 
-    // A volume table and the extent descriptors behind it, to the end of the data area of `event`,
-    // in which `volume` lies.
+    // A volume table and the extent descriptors that follow it, all that begin in the data area of
+    // `event`, where `volume` is.
     char* dump_volume(const IOMGR_EVL* event, char* position, const char* volume);
-    // The scatter-gather groups from `list`, which lies in the data area of `event`, to its end. A
+    // The scatter-gather groups from `list`, which is in the data area of `event`, to its end. A
     // group ends early at an entry with address 0.
     char* dump_sgt_list(const IOMGR_EVL* event, char* position, const char* list);
 };

@@ -11,6 +11,7 @@ namespace Pegasus::mpu {
     namespace NAME {                                                                               \
     void decode(const Record& record, Draft& draft);                                               \
     }
+MPUEVENT_DECODER(esa)
 MPUEVENT_DECODER(ncs)
 MPUEVENT_DECODER(sata)
 MPUEVENT_DECODER(scc)

@@ -12,6 +12,7 @@ namespace Pegasus::mpu {
     void decode(const Record& record, Draft& draft);                                               \
     }
 MPUEVENT_DECODER(esa)
+MPUEVENT_DECODER(iscsi)
 MPUEVENT_DECODER(isns)
 MPUEVENT_DECODER(ncs)
 MPUEVENT_DECODER(sata)

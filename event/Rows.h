@@ -172,9 +172,9 @@ constexpr Row close(std::string_view tag) {
 }
 
 // Text without tags: a title or summary, or a part of one.
-constexpr Row line(std::string_view format, Value a = {}, Value b = {}, Value c = {},
-                   Value d = {}) {
-    Row row("", format, a, b, c, d);
+constexpr Row line(std::string_view format, Value a = {}, Value b = {}, Value c = {}, Value d = {},
+                   Value e = {}) {
+    Row row("", format, a, b, c, d, e);
     row.kind = Row::Line;
     return row;
 }

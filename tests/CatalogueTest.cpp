@@ -57,11 +57,13 @@ TEST(Catalogue, SamplesDecodeAndShowEveryElement) {
         for (const mpu::RecordKind& kind : mpu::kindsOf(module))
             for (const auto& structure : kind.structures())
                 for (const mpu::Row& row : structure.rows)
-                    EXPECT_TRUE(row.tag.empty() || row.tag.find('%') == row.tag.npos
-                                    ? shown.contains(std::string(row.tag)) ||
-                                          shown.contains(elementOf(row))
-                                    : prefixes.contains(elementOf(row)))
-                        << module.decoder << ", " << kind.title() << ": " << row.tag;
+                    if (row.kind != mpu::Row::Line) {
+                        EXPECT_TRUE(row.tag.find('%') == row.tag.npos
+                                        ? shown.contains(std::string(row.tag)) ||
+                                              shown.contains(elementOf(row))
+                                        : prefixes.contains(elementOf(row)))
+                            << module.decoder << ", " << kind.title() << ": " << row.tag;
+                    }
     }
 }
 

@@ -196,8 +196,12 @@ class Structures {
 public:
     explicit Structures(const Module& module) : prefix_(std::to_string(module.source) + ".") {}
 
-    // One of a single row is told where it is used instead.
-    static bool isShort(std::span<const Row> rows) { return rows.size() == 1; }
+    // One of a single row without names is told where it is used instead.
+    static bool isShort(std::span<const Row> rows) {
+        return rows.size() == 1 &&
+               std::none_of(std::begin(rows[0].values), std::end(rows[0].values),
+                            [](const Value& value) { return value.kind == Value::Name; });
+    }
     std::string number(std::span<const Row> rows) {
         const auto found = std::find_if(all_.begin(), all_.end(), [&](std::span<const Row> known) {
             return known.data() == rows.data() && known.size() == rows.size();
@@ -228,6 +232,8 @@ std::string placesOf(const Row& row, std::size_t base) {
                 .append(kindOf(row, value))
                 .append(" at ")
                 .append(std::to_string(base + value.at));
+        else if (value.kind == Value::EventName)
+            text.append(text.empty() ? "" : ", ").append("the title");
     return text;
 }
 
@@ -316,6 +322,9 @@ void putTable(Writer& out, const EventTable& table, std::span<const EventRow* co
         say(table.major.kind != Value::None ? "The second is the " : "The code is the ",
             selectorOf(table.minor));
     say("The title is ", lineOf(out, table.title));
+    for (const Value& value : table.title.values)
+        if (value.kind == Value::Name)
+            say("Titles: ", namesOf(*value.names));
     say("Before the data: ", piecesOf(out, table.frame, structures));
     say("Every body begins with: ", piecesOf(out, table.head, structures));
     say("Every body ends with: ", piecesOf(out, table.tail, structures));

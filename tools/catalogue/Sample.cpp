@@ -34,6 +34,21 @@ std::uint32_t codeOf(const EventTable& table, const EventRow& row) {
     return code;
 }
 
+// Whether the row is for what no other row has, by a number in the data that a field may be, too.
+bool isOpen(const EventTable& table, const EventRow& row) {
+    return row.codes.isAny() && table.minor.at >= kHeader;
+}
+
+// Whether the record is one of another row, of those that have its major number.
+bool isOfAnother(std::string_view record, const EventTable& table, const EventRow& row) {
+    const RecordView view(record.data(), record.size());
+    const std::uint32_t code = view.u32(table.minor.at) >> (32 - 8 * table.minor.size);
+    return std::any_of(table.rows.begin(), table.rows.end(), [&](const EventRow& other) {
+        return other.codes.major == row.codes.major && !other.codes.isAny() &&
+               other.codes.first <= code && code <= other.codes.last;
+    });
+}
+
 } // namespace
 
 void SampleWriter::fill(std::string& record, const Row& row, const Value& value, std::size_t at) {
@@ -91,7 +106,8 @@ std::string SampleWriter::record(const Module& module, const RecordKind& kind) {
     for (const RecordKind::Structure& structure : structures)
         putBytes(record, structure.at, structure.sample);
 
-    EmpEvLogMsg_s header{};
+    EmpEvLogMsg_s header; // a title's row may have filled the event id
+    std::memcpy(&header, record.data(), kHeader);
     const std::uint32_t slot = 1 + below(2);
     std::memcpy(header.enclosureSerialNumber, "ENC0004711", 10);
     std::memcpy(header.controllerSerialNumber, slot == 1 ? "CTL0000815" : "CTL0000816", 10);
@@ -105,6 +121,10 @@ std::string SampleWriter::record(const Module& module, const RecordKind& kind) {
     record.replace(0, kHeader, reinterpret_cast<const char*>(&header), kHeader);
     for (const Key& key : kind.keys())
         putNumber(record, key.at, key.size, key.value);
+    if (kind.row && isOpen(*kind.table, *kind.row) && isOfAnother(record, *kind.table, *kind.row)) {
+        const Value& minor = kind.table->minor;
+        putNumber(record, minor.at, minor.size, codeOf(*kind.table, *kind.row));
+    }
     putNumber(record, offsetof(EmpEvLogMsg_s, evStructLength), 2, record.size() - kHeader);
     return record;
 }
@@ -162,7 +182,8 @@ std::vector<Key> RecordKind::keys() const {
             keys.push_back({number.at, static_cast<std::uint8_t>(number.size), code});
     };
     select(table->major, row->codes.major);
-    select(table->minor, codeOf(*table, *row));
+    if (!isOpen(*table, *row))
+        select(table->minor, codeOf(*table, *row));
     return keys;
 }
 

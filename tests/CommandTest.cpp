@@ -41,7 +41,7 @@ TEST_F(CommandTest, Usage) {
         {"decode --format yaml",
          "mpuevent: --format: yaml not in {text,brief,line,json,xml,csv}; \"mpuevent "
          "--help\" tells more\n"},
-        {"decode --input pcap", "mpuevent: --input: pcap not in {cmap,record,hex,hex-record}; "
+        {"decode --input pcap", "mpuevent: --input: pcap not in {auto,cmap,record,hex,hex-record}; "
                                 "\"mpuevent --help\" tells more\n"},
         {"decode --formt json",
          "mpuevent: The following argument was not expected: --formt; \"mpuevent --help\" tells "

@@ -1,11 +1,12 @@
 #include "tools/mpuevent/Inputs.h"
 
+#include "capture/Recognise.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
-#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,14 +16,14 @@ namespace {
 
 struct Input {
     const char* name;
-    Framing framing;
-    bool hex;
+    InputHints hints;
 };
 constexpr Input kInputs[] = {
-    {"cmap", Framing::Message, false},
-    {"record", Framing::Record, false},
-    {"hex", Framing::Message, true},
-    {"hex-record", Framing::Record, true},
+    {"auto", {}},
+    {"cmap", {Framing::Message, false}},
+    {"record", {Framing::Record, false}},
+    {"hex", {Framing::Message, true}},
+    {"hex-record", {Framing::Record, true}},
 };
 
 constexpr unsigned kMaxReports = 20; // of one file; the rest is counted
@@ -105,26 +106,40 @@ private:
 void InputKind::addOption(CLI::App& app) {
     app.add_option("--input", name_,
                    "What a file holds: messages (cmap), bare records (record), or either as hex "
-                   "text (hex, hex-record)")
+                   "or base64 text (hex, hex-record). Recognised by its first bytes (auto) are "
+                   "those, such text in its usual forms, and gzip, xz and zstd data")
         ->check(CLI::IsMember(namesOf(kInputs)))
         ->capture_default_str();
 }
 
 InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Sink& sink) const {
-    const Input& input = rowOf(kInputs, name_);
     std::uint64_t faults = 0;
+    std::vector<std::string> early; // found before it is said what the input is
+    bool said = false;
     const Report report = [&](const std::string& what) {
-        if (++faults <= kMaxReports)
-            sink.complaint(kDamaged, fmt::format("{}: {}", name, what));
+        if (++faults > kMaxReports)
+            return;
+        std::string line = fmt::format("{}: {}", name, what);
+        said ? sink.complaint(kDamaged, line) : early.push_back(std::move(line));
     };
-    std::optional<HexSource> hex;
-    if (input.hex)
-        hex.emplace(bytes, report);
-    Capture capture(input.framing, report);
-    capture.open(hex ? static_cast<ByteSource&>(*hex) : bytes);
+    const auto say = [&](Status status, const std::string& what) {
+        if (!what.empty())
+            sink.complaint(status, fmt::format("{}: {}", name, what));
+        for (const std::string& line : early)
+            sink.complaint(kDamaged, line);
+        said = true;
+    };
+    const RecognisedInput input(bytes, rowOf(kInputs, name_).hints, report);
     bool more = true;
-    for (Message message; more && capture.next(message);)
-        more = sink.take(message);
+    if (!input.refusal().empty()) {
+        say(kFailed, input.failure() == 0 ? input.refusal() : "");
+    } else {
+        say(kFine, input.description().empty() ? "" : "recognised as " + input.description());
+        Capture capture(input.framing(), report);
+        capture.open(input.bytes());
+        for (Message message; more && capture.next(message);)
+            more = sink.take(message);
+    }
     if (faults > kMaxReports)
         sink.complaint(kDamaged, fmt::format("{}: {} more faults", name, faults - kMaxReports));
     return {more, faults};

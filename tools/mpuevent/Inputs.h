@@ -19,7 +19,7 @@ public:
     virtual ~Sink() = default;
     // Returns false when it wants no more.
     virtual bool take(const Message& message) = 0;
-    // What is wrong with an input at this place, and what it makes of the exit status.
+    // What is to be said of an input at this place, and what it makes of the exit status.
     virtual void complaint(Status status, const std::string& text) = 0;
 };
 
@@ -56,7 +56,7 @@ public:
     Result read(const std::string& name, ByteSource& bytes, Sink& sink) const;
 
 private:
-    std::string name_ = "cmap";
+    std::string name_ = "auto";
 };
 
 class Inputs {

@@ -98,7 +98,7 @@ void ParallelWriter::retire(Batch& batch) {
             more_ = output_.write(
                 batch.text.view().substr(0, batch.ends[static_cast<std::size_t>(events - 1)]));
         more_ = more_ && left_ != 0;
-        if (more_ && batch.status != kFine) {
+        if (more_ && !batch.complaint.empty()) {
             status_ = std::max(status_, batch.status);
             output_.flush();
             complain(batch.complaint);
@@ -108,6 +108,7 @@ void ParallelWriter::retire(Batch& batch) {
     batch.bytes.clear();
     batch.messages.clear();
     batch.status = kFine;
+    batch.complaint.clear();
     batch.text.clear();
     batch.ends.clear();
 }

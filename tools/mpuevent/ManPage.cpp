@@ -81,8 +81,15 @@ std::string manPage(const CLI::App& app) {
                 page += " [\\fI" + argument.type + "\\fR]" + (argument.repeats ? "..." : "");
         page += "\n.br\n";
     }
-    page += ".SH DESCRIPTION\n" + roff(app.get_description()) +
-            "\nA capture holds the controller's messages, or their bare records, back to back.\n";
+    page +=
+        ".SH DESCRIPTION\n" + roff(app.get_description()) +
+        "\nA capture holds the controller's messages, or their bare records. What a file is, is\n"
+        "recognised by its first bytes: messages or records as they are, also inside other bytes\n"
+        "such as a pcap file or a disk image; as text (xxd, hexdump, od \\-tx1, tcpdump \\-X or\n"
+        "\\-xx, C arrays, plain hexadecimal digits, base64), which may be quoted with \"> \" or "
+        "have\n"
+        "other text around it; and gzip, xz or zstd data of any of that. What is not a plain\n"
+        "capture is named on standard error.\n";
     page += ".SH COMMANDS\n";
     for (const CLI::App* command : commands) {
         page +=

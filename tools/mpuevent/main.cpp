@@ -46,8 +46,8 @@ constexpr char kExamples[] = R"(Examples:
     mpuevent report eventlog.cap --output report.html
   As it happens:
     mpuevent follow --severity warning --format brief eventlog.cap
-  A record that came by mail:
-    mpuevent decode --input hex mail.txt
+  A hex dump that came by mail:
+    mpuevent decode mail.txt
 
 Exit status: 0 all well, 1 some of the input was damaged, 2 wrong usage,
 3 could not read or write.)";

@@ -101,9 +101,11 @@ Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
     if (!record)
         return;
     const RecordView header(record, sizeof *record);
-    assignText(enclosureSerialNumber_, header.text(0, sizeof record->enclosureSerialNumber));
-    assignText(controllerSerialNumber_, header.text(offsetof(EmpEvLogMsg_s, controllerSerialNumber),
-                                                    sizeof record->controllerSerialNumber));
+    assignText(enclosureSerialNumber_, header.text(0, sizeof record->enclosureSerialNumber).raw());
+    assignText(controllerSerialNumber_, header
+                                            .text(offsetof(EmpEvLogMsg_s, controllerSerialNumber),
+                                                  sizeof record->controllerSerialNumber)
+                                            .raw());
     controllerSlotID_ = record->slotId;
     eventLogInstanceNumber_ = record->logInstance;
     sequenceID_ = record->sequenceId;
@@ -275,7 +277,7 @@ String Avrel_Event::hexifiedStringForBody(const char* bytes, long count) {
 
 String Avrel_Event::xmlize(const char* tag, const char* value) {
     BodyWriter out;
-    return out.element(tag, value, "").string();
+    return out.element(tag, Untrusted(value), "").string();
 }
 
 String Avrel_Event::xmlizeString(const char* tag, String value) {

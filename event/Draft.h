@@ -3,10 +3,6 @@
 
 #include "event/TextWriter.h"
 
-namespace Pegasus {
-class Avrel_Event;
-}
-
 namespace Pegasus::mpu {
 
 // An event under construction: three texts of 8 bits.

@@ -109,11 +109,11 @@ void write(TextWriter& out, const Layout& layout, RecordView view, std::string_v
         }
         case Opcode::Text:
         case Opcode::Trimmed: {
-            std::string_view found = view.text(i->at, i->extra ? i->extra : RecordView::kToEnd);
+            Untrusted found = view.text(i->at, i->extra ? i->extra : RecordView::kToEnd);
             if (i->op == Opcode::Trimmed)
-                found = trimBlanks(found);
+                found = Untrusted(trimBlanks(found.raw()));
             out.commit(next);
-            out.text(found);
+            out.untrusted(found);
             next = out.reserve(layout.room);
             break;
         }

@@ -74,9 +74,8 @@ TextWriter& TextWriter::close(std::string_view tag) {
     return *this;
 }
 
-TextWriter& TextWriter::element(std::string_view tag, std::string_view value,
-                                std::string_view after) {
-    return open(tag).text(value).close(tag).put(after);
+TextWriter& TextWriter::element(std::string_view tag, Untrusted value, std::string_view after) {
+    return open(tag).untrusted(value).close(tag).put(after);
 }
 
 char* putSafeRun(char* out, std::string_view text) {
@@ -94,11 +93,12 @@ char* putSafeRun(char* out, std::string_view text) {
     }
 }
 
-TextWriter& TextWriter::text(std::string_view text) {
+TextWriter& TextWriter::untrusted(Untrusted from) {
+    const std::string_view text = from.raw();
     if (texts_ == Texts::Safe && !markup_)
         markup_ = text.find('<') != std::string_view::npos;
     if (texts_ == Texts::Raw || markup_)
-        return bytes(text);
+        return raw(from);
     commit(putSafeRun(reserve(2 * text.size()), text));
     return *this;
 }
@@ -215,7 +215,7 @@ std::string_view TextWriter::finish() {
         StackWriter<1024> safe;
         putSafe(safe, view());
         clear();
-        bytes(safe.view());
+        raw(Untrusted(safe.view()));
     }
     if (unchecked_ && !isAscii(view()))
         repair(begin_, view().size());

@@ -3,6 +3,7 @@
 
 #include "event/Digits.h"
 #include "event/FixedString.h"
+#include "event/RecordView.h"
 
 #include <Pegasus/Common/String.h>
 
@@ -62,23 +63,24 @@ public:
     TextWriter& hexUpper(std::uint64_t value, unsigned minDigits);
     TextWriter& hexLower(std::uint64_t value, unsigned minDigits);
     TextWriter& hexBytes(std::string_view bytes);
+    TextWriter& hexBytes(Untrusted bytes) { return hexBytes(bytes.raw()); }
     // A text from the record. Where the finished text is made safe, a text without "<" can be made
     // safe at once with the same result; one with "<" leaves itself and all that follow it to the
     // general pass of assignTo().
-    TextWriter& text(std::string_view text);
+    TextWriter& untrusted(Untrusted text);
 
     // Bytes from the record that stand as they are in either case: tags, and what the general pass
     // is to judge.
-    TextWriter& bytes(std::string_view run) {
+    TextWriter& raw(Untrusted run) {
         unchecked_ = true;
-        return put(run);
+        return put(run.raw());
     }
 
     // Constant texts that are known when this is compiled.
     TextWriter& open(std::string_view tag);
     TextWriter& close(std::string_view tag);
     // An element whose value is a text from the record; the tag is used as it stands.
-    TextWriter& element(std::string_view tag, std::string_view value, std::string_view after);
+    TextWriter& element(std::string_view tag, Untrusted value, std::string_view after);
 
     std::string_view view() const { return {begin_, static_cast<std::size_t>(next_ - begin_)}; }
     void clear() {
@@ -87,7 +89,7 @@ public:
     }
     // Before anything is written.
     void setTexts(Texts texts) { texts_ = texts; }
-    // Says that bytes() are to come that may hold markup.
+    // Says that raw() bytes are to come that may hold markup.
     void expectMarkup() { markup_ = true; }
 
     // The finished text: made safe when the texts in it have to be, valid in any case.

@@ -13,9 +13,9 @@ namespace Pegasus::formats {
 
 namespace {
 
-std::string_view finished(mpu::TextWriter& to, std::string_view fromRecord) {
+std::string_view finished(mpu::TextWriter& to, mpu::Untrusted fromRecord) {
     to.clear();
-    return to.bytes(fromRecord).finish();
+    return to.raw(fromRecord).finish();
 }
 
 std::string_view nameOr(std::string_view name, std::uint8_t code, mpu::TextWriter& number) {

@@ -5,7 +5,7 @@
 namespace Pegasus::mpu {
 
 void writePayload(TextWriter& body, const Record& record) {
-    const std::string_view payload = record.payload().bytes(0, record.payloadLength());
+    const Untrusted payload = record.payload().bytes(0, record.payloadLength());
     body.reserve(2 * payload.size() + sizeof "<Hex></Hex>"); // grows at most once
     body.put("<Hex>").hexBytes(payload).put("</Hex>");
 }

@@ -73,7 +73,7 @@ public:
     bool next();
     std::uint32_t type() const { return type_; }
     RecordView content() const { return content_; }
-    std::string_view text() const { return content_.text(0); }
+    Untrusted text() const { return content_.text(0); }
 
 private:
     RecordView tree_;
@@ -116,13 +116,14 @@ bool Items::next() {
     }
 }
 
-void putLines(TextWriter& body, std::string_view bytes) {
+void putLines(TextWriter& body, Untrusted dumped) {
+    const std::string_view bytes = dumped.raw();
     for (std::size_t at = 0; at < bytes.size(); at += kLine) {
         char tag[kHexRoom + 1] = "_";
         const char* end = putHex(tag + 1, at, 4, Case::Lower);
         char line[kLineRoom];
         putEntry(body, {tag, static_cast<std::size_t>(end - tag)},
-                 {line, putLine(line, bytes.substr(at, kLine))});
+                 Untrusted({line, putLine(line, bytes.substr(at, kLine))}));
     }
 }
 
@@ -148,10 +149,10 @@ void awr::putTree(Draft& draft, const Record&, RecordView data) {
         putItem(draft.body, items);
         if (items.type() == kText && !summarySet) {
             summarySet = true;
-            draft.summary.text(items.text());
+            draft.summary.untrusted(items.text());
         } else if (items.type() == kName) {
             draft.title.clear();
-            draft.title.text(items.text());
+            draft.title.untrusted(items.text());
             draft.isTitled = true;
         }
     }
@@ -180,9 +181,9 @@ void AWR8P_Event::awr8p_parse_evt(const awrEvtHdr_s* item) {
         addEntries(*this, entries, kTextTag);
         if (items.type() == kText && summarySet_ == 0) {
             summarySet_ = 1;
-            assignText(summary_, items.text());
+            assignText(summary_, items.text().raw());
         } else if (items.type() == kName) {
-            assignText(eventID_, items.text());
+            assignText(eventID_, items.text().raw());
         }
     }
 }

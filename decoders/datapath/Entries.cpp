@@ -2,9 +2,10 @@
 
 namespace Pegasus::mpu::datapath {
 
-void putEntry(TextWriter& body, std::string_view tag, std::string_view value) {
+void putEntry(TextWriter& body, std::string_view tag, Untrusted text) {
+    const std::string_view value = text.raw();
     const bool escapes = value.ends_with('\\') && !value.ends_with("\\\\");
-    body.open(tag).text(value.substr(0, value.size() - escapes));
+    body.open(tag).untrusted(Untrusted(value.substr(0, value.size() - escapes)));
     body.put(escapes ? "." : "").close(tag);
 }
 

@@ -8,7 +8,7 @@ namespace Pegasus::mpu::datapath {
 
 // Adds an entry as AvrelEvent::addEntry() writes it: a backslash that would escape the closing tag
 // becomes ".".
-void putEntry(TextWriter& body, std::string_view tag, std::string_view value);
+void putEntry(TextWriter& body, std::string_view tag, Untrusted text);
 
 // Adds a run of finished entries to an event, one by one through the virtual addEntry(), where a
 // subclass sees them. The one tagged `text` holds a text from the record and is the last. Changes

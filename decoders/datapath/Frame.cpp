@@ -11,14 +11,14 @@ std::size_t leftOf(const Record& record, RecordView data) {
     return end > at ? end - at : 0;
 }
 
-std::string_view assertFile(const Record& record) {
+Untrusted assertFile(const Record& record) {
     constexpr std::size_t kLongest = 127;
     const RecordView payload = record.payload();
     return payload.text(kDataAt, std::min<std::size_t>(payload.u32(kLengthAt), kLongest));
 }
 
 void putFileSummary(Draft& draft, const Record& record, RecordView) {
-    draft.summary.text(assertFile(record));
+    draft.summary.untrusted(assertFile(record));
 }
 
 void traceLength(const char* source, int line, const char* what, RecordView payload) {

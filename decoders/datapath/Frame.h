@@ -20,7 +20,7 @@ inline constexpr std::size_t kMaxData = 0xFFFF;
 std::size_t leftOf(const Record& record, RecordView data);
 
 // The file name in the data area of an assert: a text of at most 127 characters.
-std::string_view assertFile(const Record& record);
+Untrusted assertFile(const Record& record);
 
 // Traces `what` and the length of the data area in hexadecimal.
 void traceLength(const char* source, int line, const char* what, RecordView payload);

@@ -33,7 +33,7 @@ char* mip::putIrq(char* out, const std::uint8_t* at) {
 }
 
 void mip::putBadData(Draft& draft, const Record& record, RecordView data) {
-    const std::string_view area = data.bytes(0, leftOf(record, data));
+    const std::string_view area = data.bytes(0, leftOf(record, data)).raw();
     constexpr std::size_t kAt = kBadDataAt - kBadLengthAt;
     putHexElement(draft.body, area.substr(std::min(kAt, area.size()), data.u32(0)));
 }

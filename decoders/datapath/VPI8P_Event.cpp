@@ -19,7 +19,7 @@ constexpr std::size_t kLongestKey = 1000; // surely a tag
 constexpr const Events& events = kEventsOf<vpi::kEvents>;
 
 std::string_view textOf(const Record& record) {
-    return record.payload().text(0, record.payloadLength());
+    return record.payload().text(0, record.payloadLength()).raw();
 }
 
 // `text` without the characters of `set` at its start.
@@ -41,7 +41,7 @@ void putPair(TextWriter& out, std::string_view key, std::string_view value) {
         out.expectMarkup();
     out.put("<");
     putKey(out, key);
-    out.put(">").text(value).put("</");
+    out.put(">").untrusted(Untrusted(value)).put("</");
     putKey(out, key);
     out.put("> ");
 }
@@ -72,7 +72,7 @@ void putBody(TextWriter& body, std::string_view text) {
         text.remove_prefix(std::min(line.size() + 1, text.size()));
         if (putPairs(body, line))
             continue;
-        body.put("<Text").decimal(counter).put(">").text(line);
+        body.put("<Text").decimal(counter).put(">").untrusted(Untrusted(line));
         body.put("</Text").decimal(counter).put("> ");
         ++counter;
     }
@@ -82,7 +82,7 @@ void putBody(TextWriter& body, std::string_view text) {
 
 void vpi::putFirstLine(Draft& draft, const Record& record, RecordView) {
     const std::string_view text = textOf(record);
-    draft.summary.text(text.substr(0, text.find('\n')));
+    draft.summary.untrusted(Untrusted(text.substr(0, text.find('\n'))));
 }
 
 void vpi::putLines(Draft& draft, const Record& record, RecordView) {

@@ -98,7 +98,7 @@ String get_NCS_dump_event_body(const EmpEvLogMsg_s* record, int length) {
 }
 
 String get_NCS_text_event_summary(const EmpEvLogMsg_s* record) {
-    return toString(Record(record).payload().text(0, 255));
+    return toString(Record(record).payload().text(0, 255).raw());
 }
 
 } // namespace Pegasus

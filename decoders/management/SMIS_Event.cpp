@@ -49,7 +49,7 @@ constexpr std::size_t kPlainKey = 64;
 // The tag of the last pair is its key as it stands.
 void putKey(TextWriter& body, std::string_view key, bool last) {
     if (last) {
-        body.bytes(key);
+        body.raw(Untrusted(key));
         return;
     }
     char* out = body.reserve(key.size());
@@ -64,7 +64,7 @@ void putPair(TextWriter& body, std::string_view key, std::string_view value, boo
         body.expectMarkup();
     body.put("<");
     putKey(body, key, last);
-    body.put(">").text(value).put("</");
+    body.put(">").untrusted(Untrusted(value)).put("</");
     putKey(body, key, last);
     body.put(last ? ">\n" : "> ");
 }
@@ -112,7 +112,7 @@ LocatedRecord located(const Record& record, unsigned int code = 0) {
     return {record.view(), code == kMessage ? Block::WhenLonger : Block::Always};
 }
 
-std::string_view textAfterObject(RecordView data) {
+Untrusted textAfterObject(RecordView data) {
     return data.text(kObjectAt + std::size_t{data.u16(kObjectSizeAt)});
 }
 
@@ -138,11 +138,11 @@ void smis::putObjectText(Draft& draft, const Record&, RecordView data) {
 }
 
 void smis::putObjectSentence(Draft& draft, const Record&, RecordView data) {
-    draft.summary.text(summarize(textAfterObject(data), 0));
+    draft.summary.untrusted(Untrusted(summarize(textAfterObject(data).raw(), 0)));
 }
 
 void smis::putSentence(Draft& draft, const Record&, RecordView data) {
-    draft.summary.text(summarize(data.text(0), 0));
+    draft.summary.untrusted(Untrusted(summarize(data.text(0).raw(), 0)));
 }
 
 void smis::putDump(Draft& draft, const Record& record, RecordView data) {
@@ -152,7 +152,7 @@ void smis::putDump(Draft& draft, const Record& record, RecordView data) {
 void smis::putPairs(Draft& draft, const Record& record, RecordView data) {
     const LocatedRecord::Behind area = located(record).behind(data.text(0));
     if (area.holdsText)
-        writePairs(draft.body, area.data.bytes(0, static_cast<std::size_t>(area.left)));
+        writePairs(draft.body, area.data.bytes(0, static_cast<std::size_t>(area.left)).raw());
 }
 
 void smis::putTrailer(Draft& draft, const Record& record, RecordView) {

@@ -29,16 +29,16 @@ void putLine(TextWriter& body, std::string_view line, unsigned int& counter) {
         return;
     if (isSpace(line.back()))
         line.remove_suffix(1);
-    body.put("<Text").decimal(counter).put(">").text(line);
+    body.put("<Text").decimal(counter).put(">").untrusted(Untrusted(line));
     body.put("</Text").decimal(counter).put("> ");
     ++counter;
 }
 
 // `length` decides which elements are written.
 void writeChannel(TextWriter& body, RecordView payload, int length) {
-    const std::string_view text = payload.text(0);
+    const std::string_view text = payload.text(0).raw();
     const RecordView header = payload.subview((text.size() + 4) / 4 * 4);
-    body.element("Text", firstLine(text), " ").open("MMCH_contents");
+    body.element("Text", Untrusted(firstLine(text)), " ").open("MMCH_contents");
     write(body, kLayout<kChannelSlice<0, 3>>, header);
     for (const ChannelPart& part : kChannelParts)
         if (length > part.above)
@@ -61,11 +61,11 @@ String bodyOf(unsigned int code, const EmpEvLogMsg_s* bytes) {
 } // namespace
 
 void startup::putFirstLine(Draft& draft, const Record& record, RecordView data) {
-    draft.summary.text(firstLine(data.text(0, record.payloadLength())));
+    draft.summary.untrusted(Untrusted(firstLine(data.text(0, record.payloadLength()).raw())));
 }
 
 void startup::putLines(Draft& draft, const Record&, RecordView data) {
-    std::string_view text = data.text(0);
+    std::string_view text = data.text(0).raw();
     unsigned int counter = 1;
     while (!text.empty()) {
         const std::string_view line = firstLine(text);

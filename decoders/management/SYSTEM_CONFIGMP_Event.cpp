@@ -55,7 +55,7 @@ String bodyOf(unsigned int code, const EmpEvLogMsg_s* bytes, char* summary) {
 } // namespace
 
 void scc::putSentence(Draft& draft, const Record&, RecordView data) {
-    draft.summary.text(summarize(data.text(0), 0));
+    draft.summary.untrusted(Untrusted(summarize(data.text(0).raw(), 0)));
 }
 
 void scc::putDump(Draft& draft, const Record& record, RecordView data) {

@@ -42,8 +42,8 @@ void esa::putFunction(Draft& draft, const Record&, RecordView data) {
 }
 
 void esa::tellMessage(Draft& draft, const Record&, RecordView data) {
-    const std::string_view message = data.text(0);
-    draft.summary.put(draft.title.view()).put(message.empty() ? "" : ": ").text(message);
+    const Untrusted message = data.text(0);
+    draft.summary.put(draft.title.view()).put(message.empty() ? "" : ": ").untrusted(message);
 }
 
 void esa::putBuffer(Draft& draft, const Record& record, RecordView data) {

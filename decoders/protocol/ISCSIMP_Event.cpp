@@ -20,7 +20,7 @@ void put(TextWriter& out, RecordView view) {
     write(out, kLayout<Rows, Style::Joined>, view);
 }
 
-void putElement(Draft& draft, std::string_view tag, std::string_view text) {
+void putElement(Draft& draft, std::string_view tag, Untrusted text) {
     draft.body.element(tag, text, "");
 }
 
@@ -30,9 +30,9 @@ public:
     TextRun(RecordView data, unsigned at) : data_(data), at_(at - kLengthsAt) {}
 
     // The next one, whose length is at `lengthAt`.
-    std::string_view next(std::size_t lengthAt) {
+    Untrusted next(std::size_t lengthAt) {
         const std::size_t length = data_.u16(lengthAt);
-        const std::string_view text = data_.text(at_, length);
+        const Untrusted text = data_.text(at_, length);
         at_ += length;
         return text;
     }
@@ -44,7 +44,7 @@ private:
 
 void putNames(Draft& draft, RecordView data, unsigned textsAt) {
     TextRun texts(data, textsAt);
-    const std::string_view initiator = texts.next(kInitiatorLength);
+    const Untrusted initiator = texts.next(kInitiatorLength);
     if (data.u32(kInitiatorLength) == 0) // both lengths
         return;
     putElement(draft, "TargetName", texts.next(kTargetLength));
@@ -146,8 +146,8 @@ void iscsi::putParameterTexts(Draft& draft, const Record&, RecordView data) {
     TextRun texts(data, kParameterTexts);
     texts.next(kInitiatorLength);
     texts.next(kTargetLength);
-    const std::string_view key = texts.next(kKeyLength);
-    const std::string_view offer = texts.next(kOfferLength);
+    const Untrusted key = texts.next(kKeyLength);
+    const Untrusted offer = texts.next(kOfferLength);
     if (data.u16(kKeyLength) != 0)
         putElement(draft, "Parameter", key);
     if (data.u16(kAnswerLength) != 0) {

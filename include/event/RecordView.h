@@ -8,6 +8,21 @@
 
 namespace Pegasus::mpu {
 
+// Bytes of a record, which may be anything. A writer takes them in untrusted() and raw() alone, so
+// that none of them gets into an event by way of a text of ours; who has to look at them says so.
+class Untrusted {
+public:
+    Untrusted() = default;
+    explicit Untrusted(std::string_view bytes) : bytes_(bytes) {}
+
+    std::string_view raw() const { return bytes_; }
+    std::size_t size() const { return bytes_.size(); }
+    bool empty() const { return bytes_.empty(); }
+
+private:
+    std::string_view bytes_;
+};
+
 // A bounded run of bytes. Every operation is total: past the end bytes read as zero (a number that
 // straddles the end keeps its inside bytes), texts end and runs of bytes are cut.
 class RecordView {
@@ -34,23 +49,20 @@ public:
     std::uint64_t u64(std::size_t at) const { return load<std::uint64_t>(at); }
 
     // The bytes from `at` on, at most `count`.
-    std::string_view bytes(std::size_t at, std::size_t count = kToEnd) const {
+    Untrusted bytes(std::size_t at, std::size_t count = kToEnd) const {
         if (at >= size_)
             return {};
-        return {reinterpret_cast<const char*>(data_) + at, std::min(count, size_ - at)};
+        return Untrusted({reinterpret_cast<const char*>(data_) + at, std::min(count, size_ - at)});
     }
 
     // The text from `at` to its NUL, at most `width` bytes.
-    std::string_view text(std::size_t at, std::size_t width = kToEnd) const {
-        const std::string_view run = bytes(at, width);
-        const void* nul = run.empty() ? nullptr : std::memchr(run.data(), 0, run.size());
-        return nul ? run.substr(
-                         0, static_cast<std::size_t>(static_cast<const char*>(nul) - run.data()))
-                   : run;
+    Untrusted text(std::size_t at, std::size_t width = kToEnd) const {
+        const std::string_view run = bytes(at, width).raw();
+        return Untrusted(run.substr(0, run.find('\0')));
     }
 
     RecordView subview(std::size_t at, std::size_t count = kToEnd) const {
-        const std::string_view run = bytes(at, count);
+        const std::string_view run = bytes(at, count).raw();
         return {run.data(), run.size()};
     }
 

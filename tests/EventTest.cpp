@@ -491,6 +491,33 @@ TEST(Dispatch, DecodersForModulesWithoutOne) {
     EXPECT_EQ(summary(200), "");
 }
 
+TEST(Dispatch, ModulesDecodedLikeOthers) {
+    SuppressTrace quiet;
+    const auto summary = [](unsigned source) {
+        return utf8(RecordBuilder(source, 1).decode()->getSummary());
+    };
+    const auto other = [](const EmpEvLogMsg_s* record, int length) -> Avrel_Event* {
+        std::unique_ptr<Avrel_Event> event(custom(record, length));
+        event->setSummary("other");
+        return event.release();
+    };
+    for (const auto& [source, like] : {std::pair(1, 0), std::pair(4, 3)}) {
+        const auto set = [](int module, DecoderFactory factory) {
+            ASSERT_TRUE(MPUEvent::registerDecoder(static_cast<unsigned char>(module), factory));
+        };
+        set(like, custom);
+        EXPECT_EQ(summary(source), "custom");
+        set(source, other);
+        EXPECT_EQ(summary(source), "other");
+        EXPECT_EQ(summary(like), "custom");
+        set(like, nullptr);
+        EXPECT_EQ(summary(like), "");
+        EXPECT_EQ(summary(source), "other");
+        set(source, nullptr);
+        EXPECT_EQ(summary(source), "");
+    }
+}
+
 TEST(Unhandled, NamedAndDumped) {
     const struct {
         std::uint8_t source;

@@ -1,5 +1,6 @@
 // The library from many threads at once. Run under the thread sanitizer by .ci/run.
 #include "fuzz/Invariants.h"
+#include "platform/cmap/ManagedObject.h"
 #include "tools/catalogue/Modules.h"
 #include "tools/catalogue/Sample.h"
 
@@ -111,18 +112,29 @@ Avrel_Event* custom(const EmpEvLogMsg_s* record, int length) {
     return event.release();
 }
 
-TEST(Threads, DecodersAreRegisteredMeanwhile) {
+class Custom_Object : public ManagedObject {
+public:
+    String render(const void*, unsigned int) const override { return "custom "; }
+};
+
+TEST(Threads, DecodersAndClassesAreRegisteredMeanwhile) {
     const SuppressTrace quiet;
     std::atomic<unsigned> wrong{0};
     together([&](unsigned i) {
         for (unsigned n = 0; n < 300; ++n) {
             if (i == 0)
                 MPUEvent::registerDecoder(200, n % 2 ? custom : nullptr);
+            if (i == 1)
+                ManagedObject::registerClass(
+                    200, n % 2 ? +[]() -> ManagedObject* { return new Custom_Object; } : nullptr);
             const std::string summary = utf8(RecordBuilder(200, 1).decode()->getSummary());
             wrong += !summary.empty() && summary != "custom";
+            const std::string body = utf8(RecordBuilder(29, 2018).u8(32, 200).decode()->getBody());
+            wrong += !body.starts_with("custom ") && !body.starts_with("<ClassName>");
         }
     });
     MPUEvent::registerDecoder(200, nullptr);
+    ManagedObject::registerClass(200, nullptr);
     EXPECT_EQ(wrong, 0u);
 }
 

@@ -51,7 +51,7 @@ constexpr const Layout* objectLayout(std::uint8_t classId) {
     }
 }
 
-// Writes the object as ManagedObject::render() does.
+// Writes the object as render() of its class gives it, one that is registered among them.
 void writeObject(TextWriter& out, std::uint8_t classId, RecordView data);
 
 } // namespace Pegasus::mpu

@@ -7,7 +7,14 @@
 
 namespace Pegasus {
 
+class ManagedObject;
+
+// Makes an object of one class: `new SomeObject`. May throw; null stands for one that renders as
+// nothing.
+using ManagedObjectFactory = ManagedObject* (*)();
+
 // The base of all object classes, and itself the class of objects that have none of their own.
+// Decoders show an object as render() of its class does.
 class MPUEVENT_EXPORT ManagedObject {
 public:
     ManagedObject() : ManagedObject(0) {}
@@ -17,6 +24,12 @@ public:
     // behind each: ClassName, the attributes whose places are known, and Hex with all bytes. Texts
     // stand as the object has them.
     virtual String render(const void* data, unsigned int length) const;
+
+    // Sets the class of an identifier that is not among those below; null takes it away. False, and
+    // no change, for one that is. What it renders is shown up to its first NUL, made safe with the
+    // body around it. Decoding threads may run meanwhile: each object is rendered by the class that
+    // is set when it starts.
+    static bool registerClass(unsigned char classId, ManagedObjectFactory factory);
 
 protected:
     explicit ManagedObject(unsigned char classId) : classId_(classId) {}

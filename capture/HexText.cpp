@@ -283,7 +283,7 @@ void TextSource::takeDump(std::string_view text, std::size_t at) {
     if (text[at] == '#')
         return;
     if (text[at] == '*' && skipBlanks(text, at + 1) == text.size()) {
-        repeated_ = expected_ ? line_ : 0;
+        repeated_ = expected_ && !last_.empty() ? line_ : 0;
         return;
     }
     const bool colon = form_.kind == TextForm::Colon;
@@ -303,14 +303,14 @@ void TextSource::takeDump(std::string_view text, std::size_t at) {
     if (!follows && !found.whole)
         return; // a word that looks like a number
     if (!follows && count == 0 && offset->value < *expected_ &&
-        *expected_ - offset->value < form_.width) {
-        size_ -= static_cast<std::size_t>(*expected_ - offset->value);
+        *expected_ - offset->value < form_.width) { // the end, and what was padding
+        size_ -= std::min(static_cast<std::size_t>(*expected_ - offset->value), size_ - handedOut_);
         expected_.reset();
         return;
     }
     if (!follows)
-        report_(fmt::format("{}: offset {}, but {} bytes follow the offset before", place(at),
-                            text.substr(at, offset->end - at), last_.size()));
+        report_(fmt::format("{}: offset {}, although the line before has {} bytes", place(at),
+                            text.substr(at, offset->end - at - colon), last_.size()));
     endRepetition();
     size_ += count;
     if (count != 0)
@@ -327,10 +327,11 @@ void TextSource::repeat(std::uint64_t until) {
                             kMaxRepeated));
         count = kMaxRepeated;
     }
-    std::uint8_t* const out = room(count);
-    for (std::size_t i = 0; i < count; ++i)
+    const auto size = static_cast<std::size_t>(count);
+    std::uint8_t* const out = room(size);
+    for (std::size_t i = 0; i < size; ++i)
         out[i] = last_[i % last_.size()];
-    size_ += count;
+    size_ += size;
     expected_ = until;
     repeated_ = 0;
 }
@@ -391,7 +392,7 @@ void TextSource::takeList(std::string_view text, std::size_t at) {
 void TextSource::takeBase64(std::string_view text, std::size_t at) {
     if (!begun_ && text.substr(at).starts_with("--")) // the boundary of a mail's part
         return;
-    std::uint8_t* out = room(text.size());
+    std::uint8_t* out = room(text.size() + 2); // with a group that began before
     for (; at < text.size(); ++at) {
         for (; digitCount_ == 0 && at + 3 < text.size(); at += 4) {
             const std::uint32_t a = base64Value(text[at]), b = base64Value(text[at + 1]);
@@ -399,7 +400,7 @@ void TextSource::takeBase64(std::string_view text, std::size_t at) {
             if ((a | b | c | d) > 63)
                 break;
             const std::uint32_t group = a << 18 | b << 12 | c << 6 | d;
-            for (const unsigned shift : {16, 8, 0})
+            for (const unsigned shift : {16u, 8u, 0u})
                 *out++ = static_cast<std::uint8_t>(group >> shift);
         }
         if (at == text.size())
@@ -408,7 +409,7 @@ void TextSource::takeBase64(std::string_view text, std::size_t at) {
             digits_ = digits_ << 6 | value;
             if (++digitCount_ < 4)
                 continue;
-            for (const unsigned shift : {16, 8, 0})
+            for (const unsigned shift : {16u, 8u, 0u})
                 *out++ = static_cast<std::uint8_t>(digits_ >> shift);
             digitCount_ = 0;
         } else if (text[at] == '=') {
@@ -465,8 +466,7 @@ std::uint8_t* TextSource::room(std::size_t count) {
 namespace {
 
 constexpr std::size_t kSeen = 1024; // of a line
-// Bytes that decide: the shortest message, in a shorter text a record's header. Nothing can be
-// decoded of less.
+// Bytes that decide: the shortest message. A shorter text may hold a bare record, or be compressed.
 constexpr std::size_t kDecisive = mpu::message_header::kSize + sizeof(EmpEvLogMsg_s);
 constexpr std::size_t kDecisiveAll = 64;
 
@@ -682,8 +682,14 @@ TextRecogniser::TextRecogniser() : forms_(new Forms) {}
 TextRecogniser::~TextRecogniser() = default;
 
 TextVerdict TextRecogniser::look(std::string_view text, bool whole, RecognisedText& found) {
-    if (at_ == 0 && text.starts_with("\xEF\xBB\xBF")) // byte order mark of UTF-8
-        at_ = 3;
+    const std::size_t begin = text.starts_with("\xEF\xBB\xBF") ? 3 : 0; // UTF-8's byte order mark
+    const auto decides = [&](std::size_t end) {
+        const bool decided = forms_->decide(whole && end == text.size(), found);
+        found.start = std::max(found.start, begin);
+        found.end = end;
+        return decided;
+    };
+    at_ = std::max(at_, begin);
     while (at_ < text.size()) {
         const std::size_t end = text.find('\n', at_);
         std::string_view seen = text.substr(at_, std::min(end - at_, kSeen));
@@ -692,11 +698,11 @@ TextVerdict TextRecogniser::look(std::string_view text, bool whole, RecognisedTe
         const bool unfinished = end == text.npos && !whole;
         if (looked_ <= at_ && !(unfinished && seen.size() < kSeen)) {
             looked_ = at_ + 1;
-            found.end = at_ + seen.size();
+            const std::size_t seenEnd = at_ + seen.size();
             if (seen.size() == kSeen)
                 seen = seen.substr(0, separable(seen));
             forms_->look(seen, at_, ++line_);
-            if (forms_->decide(false, found))
+            if (decides(seenEnd))
                 return TextVerdict::Found;
         }
         if (unfinished)
@@ -705,8 +711,7 @@ TextVerdict TextRecogniser::look(std::string_view text, bool whole, RecognisedTe
     }
     if (!whole)
         return TextVerdict::Undecided;
-    found.end = text.size();
-    return forms_->decide(true, found) ? TextVerdict::Found : TextVerdict::Foreign;
+    return decides(text.size()) ? TextVerdict::Found : TextVerdict::Foreign;
 }
 
 } // namespace Pegasus::capture

@@ -217,6 +217,10 @@ const Form kForms[] = {
      .end = " ab..12\n"},
     {.name = "aa:bb", .recognised = "hex text", .line = 18, .after = ":"},
     {.name = "aa-bb", .recognised = "hex text", .before = "", .after = "-"},
+    {.name = "from a Windows editor",
+     .recognised = "hex text",
+     .first = "\xEF\xBB\xBF",
+     .end = "\r\n"},
     {.name = "commented",
      .recognised = "hex text",
      .first = "# a record\n\n",
@@ -243,7 +247,7 @@ std::string base64(const std::string& bytes, std::size_t line, const char* end) 
         unsigned all = 0;
         for (int i = 0; i < 3; ++i)
             all = all << 8 | static_cast<unsigned char>(group[static_cast<unsigned>(i)]);
-        for (const unsigned shift : {18, 12, 6, 0})
+        for (const unsigned shift : {18u, 12u, 6u, 0u})
             text += kDigits[all >> shift & 63];
     }
     const std::size_t padding = (3 - bytes.size() % 3) % 3;
@@ -510,15 +514,20 @@ TEST(TextSource, Lines) {
         {"a lost line",
          "0: 41 42\n4: 43 44\n",
          "ABCD",
-         {"line 2, column 1: offset 4:, but 2 bytes follow the offset before"},
+         {"line 2, column 1: offset 4, although the line before has 2 bytes"},
          kColon},
         {"a lost offset",
          "0: 41 42\n43 44\n4: 45\n",
          "ABE",
          {"line 2, column 1: no offset; the rest of the line is ignored",
-          "line 3, column 1: offset 4:, but 2 bytes follow the offset before"},
+          "line 3, column 1: offset 4, although the line before has 2 bytes"},
          kColon},
         {"words that look like offsets", "0: 41\nad: hoc\n1: 42", "AB", {}, kColon},
+        {"nothing repeated",
+         "0: # none\n*\n8: 41\n",
+         "A",
+         {"line 3, column 1: offset 8, although the line before has 0 bytes"},
+         kColon},
         {"repeated without end",
          "0: 41\n*\n",
          "A",
@@ -536,7 +545,7 @@ TEST(TextSource, Lines) {
          "0000000 41 4g 43\n0000002 44\n",
          "AD",
          {"line 1, column 13: \"g\" is not a hexadecimal digit; the rest of the line is ignored",
-          "line 2, column 1: offset 0000002, but 1 bytes follow the offset before"},
+          "line 2, column 1: offset 0000002, although the line before has 1 bytes"},
          kOctal},
         {"words", "0000000 4241 0043\n0000003\n", "ABC", {}, kWords},
         {"list",
@@ -553,6 +562,7 @@ TEST(TextSource, Lines) {
          kList},
         {"odd number", "0x41 0x424", "A",
          digit("line 1, column 6", "a number has an even number of hexadecimal digits"), kList},
+        {"padding of nothing", "0008 \n0007\n", "", {}, kWords},
         {"base64", "QUJD\n REVG Rw==\nSA", "ABCDEFGH", {}, kBase64},
         {"not base64", "QUJD*\nREVG", "ABCDEF",
          digit("line 1, column 5", "\"*\" is not a base64 digit"), kBase64},

@@ -42,7 +42,8 @@ Avrel_Event* make(const EmpEvLogMsg_s* record, int length) {
 
 // Where the records of a module go.
 struct Row {
-    DecoderFactory decoder = nullptr; // null: header fields alone
+    DecoderFactory decoder = nullptr;       // null: header fields alone
+    mpu::DecodeFunction function = nullptr; // what the decoder's constructor calls
     // The module that it is decoded like, by a registered decoder; `decoder` where that has none.
     unsigned char like = kItself;
 
@@ -54,39 +55,39 @@ struct Row {
 // one.
 constexpr Row kRows[] = {
     /*  0 iSCSI 1     */ {},
-    /*  1 iSCSI 2     */ {make<ISCSI28P_Event>, 0},
+    /*  1 iSCSI 2     */ {make<ISCSI28P_Event>, nullptr, 0},
     /*  2 SCSI        */ {},
     /*  3 Cache 1     */ {},
-    /*  4 Cache 2     */ {make<CACHE28P_Event>, 3},
-    /*  5 I/O Mgr     */ {make<IOMGR8P_Event>},
-    /*  6 Dev Mgr     */ {make<SATA8P_Event>},
-    /*  7 MIP         */ {make<MIP8P_Event>},
+    /*  4 Cache 2     */ {make<CACHE28P_Event>, nullptr, 3},
+    /*  5 I/O Mgr     */ {make<IOMGR8P_Event>, mpu::iomgr::decode},
+    /*  6 Dev Mgr     */ {make<SATA8P_Event>, mpu::sata::decode},
+    /*  7 MIP         */ {make<MIP8P_Event>, mpu::mip::decode},
     /*  8 PieMan      */ {},
-    /*  9 AWR         */ {make<AWR8P_Event>},
-    /* 10 VPI         */ {make<VPI8P_Event>},
+    /*  9 AWR         */ {make<AWR8P_Event>, mpu::awr::decode},
+    /* 10 VPI         */ {make<VPI8P_Event>, mpu::vpi::decode},
     /* 11 MIP Local   */ {},
-    /* 12 iChar       */ {make<ICHAR_Event>},
-    /* 13 OB0         */ {make<OB0_Event>},
-    /* 14 OB1         */ {make<OB1_Event>},
-    /* 15 HACC        */ {make<HACCMP_Event>},
-    /* 16 MSM         */ {make<MSMMP_Event>},
+    /* 12 iChar       */ {make<ICHAR_Event>, mpu::ichar::decode},
+    /* 13 OB0         */ {make<OB0_Event>, mpu::ob0::decode},
+    /* 14 OB1         */ {make<OB1_Event>, mpu::ob1::decode},
+    /* 15 HACC        */ {make<HACCMP_Event>, mpu::hacc::decode},
+    /* 16 MSM         */ {make<MSMMP_Event>, mpu::msm::decode},
     /* 17 RCP         */ {},
-    /* 18 Startup     */ {make<STARTUPMP_Event>},
-    /* 19 DDLM        */ {make<DDLMMP_Event>},
+    /* 18 Startup     */ {make<STARTUPMP_Event>, mpu::startup::decode},
+    /* 19 DDLM        */ {make<DDLMMP_Event>, mpu::scc::decode},
     /* 20 Vol Mgr     */ {},
-    /* 21 Drive Admin */ {make<DRIVEADMP_Event>},
-    /* 22 ICS         */ {make<ISCSIMP_Event>},
-    /* 23 SCC         */ {make<SYSTEM_CONFIGMP_Event>},
-    /* 24 NCS         */ {make<NETWORK_CONFIGMP_Event>},
-    /* 25 AIM         */ {make<AIMMP_Event>},
+    /* 21 Drive Admin */ {make<DRIVEADMP_Event>, mpu::driveAdmin::decode},
+    /* 22 ICS         */ {make<ISCSIMP_Event>, mpu::iscsi::decode},
+    /* 23 SCC         */ {make<SYSTEM_CONFIGMP_Event>, mpu::scc::decode},
+    /* 24 NCS         */ {make<NETWORK_CONFIGMP_Event>, mpu::ncs::decode},
+    /* 25 AIM         */ {make<AIMMP_Event>, mpu::scc::decode},
     /* 26 ESM         */ {},
     /* 27 EMP         */ {},
-    /* 28 SNMP        */ {make<SNMPMP_Event>},
-    /* 29 SMIS        */ {make<SMIS_Event>},
-    /* 30 SMIS IND    */ {make<SMI_IND_Event>},
-    /* 31 iSNS        */ {make<ISNSC_Event>},
+    /* 28 SNMP        */ {make<SNMPMP_Event>, mpu::snmp::decode},
+    /* 29 SMIS        */ {make<SMIS_Event>, mpu::smis::decode},
+    /* 30 SMIS IND    */ {make<SMI_IND_Event>, mpu::smis::decode},
+    /* 31 iSNS        */ {make<ISNSC_Event>, mpu::isns::decode},
     /* 32             */ {},
-    /* 33 ESA         */ {make<ES_ADAPTERMP_Event>},
+    /* 33 ESA         */ {make<ES_ADAPTERMP_Event>, mpu::esa::decode},
 };
 
 constexpr Row rowOf(unsigned char source) {
@@ -95,48 +96,10 @@ constexpr Row rowOf(unsigned char source) {
 
 constinit std::atomic<DecoderFactory> registered[256]{};
 
-// By module id.
-constexpr mpu::DecodeFunction kFunctions[] = {
-    /*  0 */ nullptr,
-    /*  1 */ nullptr,
-    /*  2 */ nullptr,
-    /*  3 */ nullptr,
-    /*  4 */ nullptr,
-    /*  5 */ mpu::iomgr::decode,
-    /*  6 */ mpu::sata::decode,
-    /*  7 */ mpu::mip::decode,
-    /*  8 */ nullptr,
-    /*  9 */ mpu::awr::decode,
-    /* 10 */ mpu::vpi::decode,
-    /* 11 */ nullptr,
-    /* 12 */ mpu::ichar::decode,
-    /* 13 */ mpu::ob0::decode,
-    /* 14 */ mpu::ob1::decode,
-    /* 15 */ mpu::hacc::decode,
-    /* 16 */ mpu::msm::decode,
-    /* 17 */ nullptr,
-    /* 18 */ mpu::startup::decode,
-    /* 19 */ mpu::scc::decode,
-    /* 20 */ nullptr,
-    /* 21 */ mpu::driveAdmin::decode,
-    /* 22 */ mpu::iscsi::decode,
-    /* 23 */ mpu::scc::decode,
-    /* 24 */ mpu::ncs::decode,
-    /* 25 */ mpu::scc::decode,
-    /* 26 */ nullptr,
-    /* 27 */ nullptr,
-    /* 28 */ mpu::snmp::decode,
-    /* 29 */ mpu::smis::decode,
-    /* 30 */ mpu::smis::decode,
-    /* 31 */ mpu::isns::decode,
-    /* 32 */ nullptr,
-    /* 33 */ mpu::esa::decode,
-};
-
 } // namespace
 
 mpu::DecodeFunction mpu::decodeFunctionOf(unsigned char source) {
-    return source < std::size(kFunctions) ? kFunctions[source] : nullptr;
+    return rowOf(source).function;
 }
 
 DecoderFactory mpu::decoderOf(unsigned char source) {

@@ -31,6 +31,6 @@ inline constexpr EventTable kEvents{.rows = kEventRows, .minor = u16(150)};
 static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{9, "AWR8P_Event", {}, {}, {}, kTables};
+inline constexpr Module kModule{9, "AWR8P_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::awr

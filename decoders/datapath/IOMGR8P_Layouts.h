@@ -551,7 +551,7 @@ inline constexpr EventTable kEvents{
 static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{
-    5, "IOMGR8P_Event", "Event identifier 1; all others are dumped.", {}, {}, kTables};
+inline constexpr Module kModule{5, "IOMGR8P_Event", "Event identifier 1; all others are dumped.",
+                                kTables};
 
 } // namespace Pegasus::mpu::iomgr

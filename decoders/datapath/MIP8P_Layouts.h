@@ -311,7 +311,7 @@ inline constexpr EventTable kOtherEvents{.rows = kOtherEventRows, .major = kClas
 static_assert(accepted<kOtherEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{7,  "MIP8P_Event", "Event identifier 1; all others are dumped.", {},
-                                {}, kTables};
+inline constexpr Module kModule{7, "MIP8P_Event", "Event identifier 1; all others are dumped.",
+                                kTables};
 
 } // namespace Pegasus::mpu::mip

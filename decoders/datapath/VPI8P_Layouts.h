@@ -23,7 +23,7 @@ inline constexpr EventTable kEvents{.rows = kEventRows, .minor = u16(150)};
 static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{10, "VPI8P_Event", "Event identifier 1; all others are dumped.", {},
-                                {}, kTables};
+inline constexpr Module kModule{10, "VPI8P_Event", "Event identifier 1; all others are dumped.",
+                                kTables};
 
 } // namespace Pegasus::mpu::vpi

@@ -16,7 +16,7 @@ static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
 constexpr Module module(std::uint8_t source, std::string_view decoder) {
-    return {source, decoder, {}, {}, {}, kTables};
+    return {source, decoder, {}, kTables};
 }
 
 } // namespace Pegasus::mpu::unhandled

@@ -79,6 +79,6 @@ inline constexpr EventTable kEvents{
 static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{24, "NETWORK_CONFIGMP_Event", {}, {}, {}, kTables};
+inline constexpr Module kModule{24, "NETWORK_CONFIGMP_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::ncs

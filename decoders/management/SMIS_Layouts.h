@@ -113,6 +113,6 @@ inline constexpr const EventTable* kTables[] = {&kEvents};
 inline constexpr Code kClassIds[] = {MPUEVENT_MANAGED_OBJECTS(MPUEVENT_MANAGED_OBJECT)};
 #undef MPUEVENT_MANAGED_OBJECT
 
-inline constexpr Module kModule{29, "SMIS_Event", {}, {}, kClassIds, kTables};
+inline constexpr Module kModule{29, "SMIS_Event", {}, kTables, kClassIds};
 
 } // namespace Pegasus::mpu::smis

@@ -263,6 +263,6 @@ inline constexpr EventTable kReports{
 static_assert(accepted<kReports>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents, &kReports};
-inline constexpr Module kModule{18, "STARTUPMP_Event", {}, {}, {}, kTables};
+inline constexpr Module kModule{18, "STARTUPMP_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::startup

@@ -217,6 +217,6 @@ inline constexpr EventTable kEvents{
 static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{23, "SYSTEM_CONFIGMP_Event", {}, {}, {}, kTables};
+inline constexpr Module kModule{23, "SYSTEM_CONFIGMP_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::scc

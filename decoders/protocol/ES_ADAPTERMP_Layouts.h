@@ -267,6 +267,6 @@ inline constexpr EventTable kEvents{
 static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{33, "ES_ADAPTERMP_Event", {}, {}, {}, kTables};
+inline constexpr Module kModule{33, "ES_ADAPTERMP_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::esa

@@ -357,6 +357,6 @@ inline constexpr EventTable kEvents{
 static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{22, "ISCSIMP_Event", {}, {}, {}, kTables};
+inline constexpr Module kModule{22, "ISCSIMP_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::iscsi

@@ -149,6 +149,6 @@ inline constexpr EventTable kEvents{
 static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{31, "ISNSC_Event", {}, {}, {}, kTables};
+inline constexpr Module kModule{31, "ISNSC_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::isns

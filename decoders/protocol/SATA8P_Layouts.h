@@ -974,7 +974,7 @@ static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&v1::kEvents, &v2::kEvents, &v3::kEvents};
 inline constexpr Module kModule{
-    6,  "SATA8P_Event", "Three generations of records. Elements have no blank between them.", {},
-    {}, kTables};
+    6, "SATA8P_Event", "Three generations of records. Elements have no blank between them.",
+    kTables};
 
 } // namespace Pegasus::mpu::sata

@@ -29,7 +29,7 @@ void mpu::writeObject(TextWriter& out, std::uint8_t classId, RecordView data) {
         writeKnown(out, classId, data);
     } else if (const std::unique_ptr<const ManagedObject> object{factory()}) {
         const String text = object->render(data.data(), static_cast<unsigned int>(data.size()));
-        out.text(static_cast<const char*>(text.getCString()));
+        out.untrusted(Untrusted(static_cast<const char*>(text.getCString())));
     }
 }
 

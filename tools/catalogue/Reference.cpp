@@ -3,7 +3,6 @@
 #include "event/Avrel_Event.h"
 
 #include <algorithm>
-#include <map>
 #include <vector>
 
 namespace Pegasus::mpu {
@@ -365,21 +364,6 @@ void putModule(Writer& out, const Module& module, const CodeFilter& wanted) {
         for (const Code& code : module.codes)
             rows.push_back({std::to_string(code.code), std::string(code.text)});
         out.table(rows);
-    }
-    std::map<const Row*, std::string> shown; // in which section
-    for (const Section& section : module.sections) {
-        out.heading(3, std::string(section.title));
-        const std::string keys = keysOf(section.keys);
-        out.paragraph(keys.empty() ? keys : "Record: " + keys + ".");
-        out.paragraph(section.note);
-        for (const Part& part : section.parts) {
-            const auto [first, fresh] = shown.emplace(part.rows.data(), section.title);
-            const std::string at =
-                std::string(part.title) + ", from record offset " + std::to_string(part.at);
-            out.paragraph(at + (fresh ? ":" : ": as under \"" + first->second + "\"."));
-            if (fresh)
-                putRows(out, part.rows);
-        }
     }
 }
 

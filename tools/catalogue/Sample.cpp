@@ -139,8 +139,6 @@ std::string SampleWriter::message(const Module& module, const RecordKind& kind) 
 
 std::vector<RecordKind> kindsOf(const Module& module) {
     std::vector<RecordKind> kinds;
-    for (const Section& section : module.sections)
-        kinds.push_back({nullptr, nullptr, &section});
     for (const EventTable* table : module.tables)
         for (const EventRow& row : table->rows)
             kinds.push_back({table, &row});
@@ -154,7 +152,7 @@ std::vector<RecordKind> shapesOf(const Module& module) {
     std::vector<RecordKind> shapes;
     for (const RecordKind& kind : kindsOf(module))
         if (std::none_of(shapes.begin(), shapes.end(), [&](const RecordKind& known) {
-                return kind.table && known.table == kind.table &&
+                return known.table == kind.table &&
                        std::equal(kind.row->pieces.begin(), kind.row->pieces.end(),
                                   known.row->pieces.begin(), isSame);
             }))
@@ -163,8 +161,6 @@ std::vector<RecordKind> shapesOf(const Module& module) {
 }
 
 std::string RecordKind::title() const {
-    if (section)
-        return std::string(section->title);
     std::string text(table->heading);
     text.append(text.empty() ? "" : ": ");
     if (row->codes.major != 0)
@@ -174,8 +170,6 @@ std::string RecordKind::title() const {
 }
 
 std::vector<Key> RecordKind::keys() const {
-    if (section)
-        return {section->keys.begin(), section->keys.end()};
     std::vector<Key> keys(table->keys.begin(), table->keys.end());
     const auto select = [&](const Value& number, std::uint32_t code) {
         if (number.kind != Value::None)
@@ -189,13 +183,6 @@ std::vector<Key> RecordKind::keys() const {
 
 std::vector<RecordKind::Structure> RecordKind::structures() const {
     std::vector<Structure> all;
-    if (section) {
-        for (const Part& part : section->parts)
-            all.push_back({part.rows, part.at, {}});
-        for (const Fill& fill : section->fills)
-            all.push_back({{}, fill.at, fill.bytes});
-        return all;
-    }
     const auto add = [&](std::span<const Piece> pieces, std::size_t base) {
         for (const Piece& piece : pieces)
             if (piece.kind == Piece::Custom)

@@ -14,7 +14,6 @@ namespace Pegasus::mpu {
 struct RecordKind {
     const EventTable* table;
     const EventRow* row;
-    const Section* section = nullptr; // instead of these
 
     // For people: "1040 LAG Port Status Event".
     std::string title() const;

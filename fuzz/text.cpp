@@ -139,14 +139,14 @@ void bodies(std::string_view text) {
              {static_cast<mpu::TextWriter*>(&safe), static_cast<mpu::TextWriter*>(&raw)}) {
             const std::string_view tag = kTags[i % std::size(kTags)];
             if (i % 4 == 3)
-                out->text(piece).put(" ");
+                out->untrusted(mpu::Untrusted(piece)).put(" ");
             else if (i % 4 == 1)
                 out->put("<Group>")
-                    .element(tag, piece, " ")
-                    .element("Code", "", "")
+                    .element(tag, mpu::Untrusted(piece), " ")
+                    .element("Code", mpu::Untrusted(""), "")
                     .put("</Group>");
             else
-                out->element(tag, piece, i % 4 == 0 ? " " : "");
+                out->element(tag, mpu::Untrusted(piece), i % 4 == 0 ? " " : "");
             out->open("Number").decimal(i).put(", 0x").hexUpper(i * 977u, 8).close("Number");
         }
         text.remove_prefix(n);

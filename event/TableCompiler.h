@@ -207,8 +207,10 @@ private:
     }
 
     constexpr std::uint8_t function(const CustomPiece& custom) {
-        if (!custom.rows.empty()) // for people only, and checked like the others
-            checkOnly(custom.rows);
+        if (std::find(customs_.begin(), customs_.end(), &custom) == customs_.end()) {
+            customs_.push_back(&custom);
+            checkOnly(custom.rows); // for people only, and checked like the others
+        }
         weakest_ = std::max(weakest_, custom.provenance);
         for (std::size_t i = 0; i < functions.size(); ++i)
             if (functions[i] == custom.write)
@@ -517,6 +519,7 @@ private:
     std::vector<LayoutKey> keys_;         // of the layouts
     std::vector<Provenance> provenances_; // likewise
     std::vector<Value> operandKeys_;
+    std::vector<const CustomPiece*> customs_;
     std::string_view group_;  // tag of the open one; groups don't nest
     std::size_t pending_ = 0; // literal characters since the last instruction
     std::size_t extent_ = 0;

@@ -14,7 +14,6 @@ namespace {
 constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kValueEnds = ", \t";
 constexpr std::string_view kGroup = "Values";
-constexpr std::size_t kLongestKey = 1000; // surely a tag
 
 constexpr const Events& events = kEventsOf<vpi::kEvents>;
 
@@ -35,9 +34,9 @@ void putKey(TextWriter& out, std::string_view key) {
 }
 
 void putPair(TextWriter& out, std::string_view key, std::string_view value) {
-    // The closing tag of such a key would pass for that of the group; without a name or with a very
-    // long one it is no tag at all. Only a look at the whole body can tell what becomes of it.
-    if (key.starts_with(kGroup) || key.empty() || key.size() > kLongestKey)
+    // The closing tag of such a key would pass for that of the group; without a name it is no tag
+    // at all. Only a look at the whole body can tell what becomes of it.
+    if (key.starts_with(kGroup) || key.empty())
         out.expectMarkup();
     out.put("<");
     putKey(out, key);

@@ -134,19 +134,19 @@ void bodies(std::string_view text) {
     mpu::StackWriter<64> raw(mpu::Texts::Raw);
     for (unsigned i = 0;; ++i) {
         const std::size_t n = std::min(text.size(), std::size_t{1} + i * i % 37);
-        const std::string_view piece = text.substr(0, n);
+        const mpu::Untrusted piece(text.substr(0, n));
         for (mpu::TextWriter* out :
              {static_cast<mpu::TextWriter*>(&safe), static_cast<mpu::TextWriter*>(&raw)}) {
             const std::string_view tag = kTags[i % std::size(kTags)];
             if (i % 4 == 3)
-                out->untrusted(mpu::Untrusted(piece)).put(" ");
+                out->untrusted(piece).put(" ");
             else if (i % 4 == 1)
                 out->put("<Group>")
-                    .element(tag, mpu::Untrusted(piece), " ")
-                    .element("Code", mpu::Untrusted(""), "")
+                    .element(tag, piece, " ")
+                    .element("Code", mpu::Untrusted(), "")
                     .put("</Group>");
             else
-                out->element(tag, mpu::Untrusted(piece), i % 4 == 0 ? " " : "");
+                out->element(tag, piece, i % 4 == 0 ? " " : "");
             out->open("Number").decimal(i).put(", 0x").hexUpper(i * 977u, 8).close("Number");
         }
         text.remove_prefix(n);

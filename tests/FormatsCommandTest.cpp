@@ -186,7 +186,7 @@ TEST_F(FormatsCommandTest, Brief) {
 TEST_F(FormatsCommandTest, JsonSchema) {
     SuppressTrace quiet;
     EXPECT_TRUE(committedSchema() == formats::jsonSchema(mpu::modules()))
-        << "renew it: mpuevent formats --format json-schema > docs/events.schema.json";
+        << "docs/events.schema.json: run scripts/renew";
     EXPECT_EQ(run("formats --format json-schema").out, committedSchema());
 
     Judge judge;

@@ -26,6 +26,11 @@ std::size_t FileSource::read(std::uint8_t* to, std::size_t room) {
     }
 }
 
+bool FileSource::ready() {
+    pollfd input{descriptor_, POLLIN, 0};
+    return ::poll(&input, 1, 0) != 0; // a failure shows when it is read
+}
+
 std::size_t MemorySource::read(std::uint8_t* to, std::size_t room) {
     const std::size_t count = std::min(room, left_);
     if (count != 0)
@@ -123,8 +128,8 @@ void HexSource::endToken() {
 }
 
 void HexSource::wrong(std::uint64_t column, const std::string& what) {
-    report_(fmt::format("line {}, column {}: {}; the rest of the line is ignored", line_, column,
-                        what));
+    onFault_(fmt::format("line {}, column {}: {}; the rest of the line is ignored", line_, column,
+                         what));
     half_ = -1;
     now_.ended = true;
 }

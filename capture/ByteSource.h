@@ -11,7 +11,7 @@
 namespace Pegasus::capture {
 
 // Takes what is wrong with an input: its place, a colon and the fault.
-using Report = std::function<void(const std::string&)>;
+using FaultHandler = std::function<void(const std::string&)>;
 
 class ByteSource {
 public:
@@ -19,6 +19,8 @@ public:
     // Reads up to `room` bytes, as many as there are without waiting for more; 0 at the end and
     // after a failure.
     virtual std::size_t read(std::uint8_t* to, std::size_t room) = 0;
+    // Whether reading returns at once. Who reads has time for other things before, if not.
+    virtual bool ready() { return true; }
     // The errno of the failure that ended the reading, or 0.
     virtual int failure() const { return 0; }
     // Whether there may be more than was read so far, although nothing is there now.
@@ -30,6 +32,7 @@ class FileSource : public ByteSource {
 public:
     explicit FileSource(int descriptor) : descriptor_(descriptor) {}
     std::size_t read(std::uint8_t* to, std::size_t room) override;
+    bool ready() override;
     int failure() const override { return failure_; }
 
 private:
@@ -57,8 +60,9 @@ private:
 // A line with anything else is reported with line and column (from 1) and counts up to there.
 class HexSource : public ByteSource {
 public:
-    HexSource(ByteSource& text, Report report) : text_(text), report_(std::move(report)) {}
+    HexSource(ByteSource& text, FaultHandler onFault) : text_(text), onFault_(std::move(onFault)) {}
     std::size_t read(std::uint8_t* to, std::size_t room) override;
+    bool ready() override { return taken_ != bytes_.size() || text_.ready(); }
     int failure() const override { return text_.failure(); }
 
 private:
@@ -71,7 +75,7 @@ private:
     void wrong(std::uint64_t column, const std::string& what);
 
     ByteSource& text_;
-    Report report_;
+    FaultHandler onFault_;
     std::vector<std::uint8_t> chunk_ =
         std::vector<std::uint8_t>(std::size_t{64} * 1024); // of the text
     std::vector<std::uint8_t> bytes_;                      // decoded from it

@@ -25,8 +25,6 @@ constexpr Input kInputs[] = {
     {"hex-record", Framing::Record, true},
 };
 
-constexpr unsigned kMaxReports = 20; // of one file; the rest is counted
-
 class File {
 public:
     explicit File(const std::string& path)
@@ -108,25 +106,29 @@ void InputKind::addOption(CLI::App& app) {
                    "text (hex, hex-record)")
         ->check(CLI::IsMember(namesOf(kInputs)))
         ->capture_default_str();
+    app.add_option("--max-reports", maxReports_,
+                   "Report N faults of a file, count the rest; 0 = report all")
+        ->type_name("N")
+        ->capture_default_str();
 }
 
 InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Sink& sink) const {
     const Input& input = rowOf(kInputs, name_);
     std::uint64_t faults = 0;
-    const Report report = [&](const std::string& what) {
-        if (++faults <= kMaxReports)
+    const FaultHandler onFault = [&](const std::string& what) {
+        if (++faults <= maxReports_ || maxReports_ == 0)
             sink.complaint(kDamaged, fmt::format("{}: {}", name, what));
     };
     std::optional<HexSource> hex;
     if (input.hex)
-        hex.emplace(bytes, report);
-    Capture capture(input.framing, report);
+        hex.emplace(bytes, onFault);
+    Capture capture(input.framing, [&](const Damage& damage) { onFault(damage.str()); });
     capture.open(hex ? static_cast<ByteSource&>(*hex) : bytes);
     bool more = true;
     for (Message message; more && capture.next(message);)
         more = sink.take(message);
-    if (faults > kMaxReports)
-        sink.complaint(kDamaged, fmt::format("{}: {} more faults", name, faults - kMaxReports));
+    if (faults > maxReports_ && maxReports_ != 0)
+        sink.complaint(kDamaged, fmt::format("{}: {} more faults", name, faults - maxReports_));
     return {more, faults};
 }
 

@@ -56,6 +56,7 @@ public:
 
 private:
     std::string name_ = "cmap";
+    std::uint64_t maxReports_ = 20;
 };
 
 class Inputs {

@@ -66,15 +66,15 @@ std::vector<Stream> grouped(NameOf nameOf) {
     std::vector<Stream> streams;
     mpu::SampleWriter samples(1);
     for (const mpu::Module& module : mpu::modules())
-        for (const mpu::Section& section : module.sections) {
-            const std::string name = nameOf(module, section);
+        for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
+            const std::string name = nameOf(module, kind);
             Stream* stream = nullptr;
             for (Stream& known : streams)
                 if (known.name == name)
                     stream = &known;
             if (!stream)
                 stream = &streams.emplace_back(Stream{name, {}});
-            stream->messages.push_back(samples.message(module, section));
+            stream->messages.push_back(samples.message(module, kind));
         }
     return streams;
 }
@@ -82,23 +82,24 @@ std::vector<Stream> grouped(NameOf nameOf) {
 } // namespace
 
 std::vector<Stream> kinds() {
-    return grouped([](const mpu::Module& module, const mpu::Section& section) {
-        return std::string(module.decoder) + ": " + std::string(section.title);
+    return grouped([](const mpu::Module& module, const mpu::RecordKind& kind) {
+        return std::string(module.decoder) + ": " + kind.title();
     });
 }
 
 std::vector<Stream> decoders() {
-    return grouped(
-        [](const mpu::Module& module, const mpu::Section&) { return std::string(module.decoder); });
+    return grouped([](const mpu::Module& module, const mpu::RecordKind&) {
+        return std::string(module.decoder);
+    });
 }
 
 std::vector<Stream> families() {
     return grouped(
-        [](const mpu::Module& module, const mpu::Section&) { return familyOf(module.source); });
+        [](const mpu::Module& module, const mpu::RecordKind&) { return familyOf(module.source); });
 }
 
 Stream mixed() {
-    return grouped([](const mpu::Module&, const mpu::Section&) { return "mixed"; }).at(0);
+    return grouped([](const mpu::Module&, const mpu::RecordKind&) { return "mixed"; }).at(0);
 }
 
 std::size_t decodeOne(const std::string& message) {

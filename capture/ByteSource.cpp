@@ -1,11 +1,8 @@
 #include "capture/ByteSource.h"
 
-#include "event/Ascii.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fmt/format.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -40,98 +37,23 @@ std::size_t MemorySource::read(std::uint8_t* to, std::size_t room) {
     return count;
 }
 
-std::size_t HexSource::read(std::uint8_t* to, std::size_t room) {
-    while (taken_ == bytes_.size()) {
-        bytes_.clear();
-        taken_ = 0;
-        const std::size_t got = text_.read(chunk_.data(), chunk_.size());
-        if (got == 0) {
-            endToken();
-            if (bytes_.empty())
-                return 0;
-        }
-        for (std::size_t i = 0; i < got; ++i)
-            take(static_cast<char>(chunk_[i]));
-    }
-    const std::size_t count = std::min(room, bytes_.size() - taken_);
-    std::memcpy(to, bytes_.data() + taken_, count);
+bool LookaheadSource::lookFurther() {
+    if (ended_ || size_ == kSize)
+        return false;
+    buffer_.resize(kSize);
+    const std::size_t got = source_.read(buffer_.data() + size_, kSize - size_);
+    size_ += got;
+    ended_ = got == 0 && !source_.growing();
+    return got != 0;
+}
+
+std::size_t LookaheadSource::read(std::uint8_t* to, std::size_t room) {
+    if (taken_ == size_)
+        return ended_ ? 0 : source_.read(to, room);
+    const std::size_t count = std::min(room, size_ - taken_);
+    std::memcpy(to, buffer_.data() + taken_, count);
     taken_ += count;
     return count;
-}
-
-void HexSource::take(char c) {
-    ++column_;
-    if (c == '\n') {
-        endToken();
-        now_ = {};
-        ++line_;
-        column_ = 0;
-    } else if (now_.ended) {
-        return;
-    } else if (c == '#') {
-        endToken();
-        now_.ended = true;
-    } else if (mpu::isSpace(c)) {
-        endToken();
-        if (++now_.blanks == 2 && now_.offset && now_.bytes)
-            now_.ended = true;
-    } else if (mpu::isDigit(c)) {
-        add(static_cast<std::uint8_t>(c - '0'));
-    } else if (const char lower = static_cast<char>(c | 0x20); lower >= 'a' && lower <= 'f') {
-        add(static_cast<std::uint8_t>(lower - 'a' + 10));
-    } else if (c == ':' && !now_.settled && now_.firstCount != 0) {
-        now_.settled = now_.offset = true;
-    } else {
-        settleFirst();
-        wrong(column_, mpu::isPrintable(c) ? fmt::format("\"{}\" is not a hexadecimal digit", c)
-                                           : fmt::format("byte 0x{:02X} is not a hexadecimal digit",
-                                                         static_cast<unsigned char>(c)));
-    }
-}
-
-void HexSource::add(std::uint8_t digit) {
-    now_.blanks = 0;
-    if (!now_.settled) {
-        if (now_.firstCount < kMaxOffsetDigits) {
-            now_.first[now_.firstCount++] = digit;
-            digitColumn_ = column_;
-            return;
-        }
-        settleFirst();
-    }
-    digitColumn_ = column_;
-    if (half_ < 0) {
-        half_ = digit;
-        return;
-    }
-    bytes_.push_back(static_cast<std::uint8_t>(half_ << 4 | digit));
-    half_ = -1;
-    now_.bytes = true;
-}
-
-// The first digits are data.
-void HexSource::settleFirst() {
-    if (now_.settled)
-        return;
-    now_.settled = true;
-    const std::uint64_t column = digitColumn_;
-    for (unsigned i = 0; i < now_.firstCount; ++i)
-        add(now_.first[i]);
-    digitColumn_ = column;
-}
-
-void HexSource::endToken() {
-    if (now_.firstCount != 0)
-        settleFirst();
-    if (half_ >= 0)
-        wrong(digitColumn_, "a byte has two digits");
-}
-
-void HexSource::wrong(std::uint64_t column, const std::string& what) {
-    onFault_(fmt::format("line {}, column {}: {}; the rest of the line is ignored", line_, column,
-                         what));
-    half_ = -1;
-    now_.ended = true;
 }
 
 } // namespace Pegasus::capture

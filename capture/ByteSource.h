@@ -1,10 +1,10 @@
 // Where the bytes of a capture come from.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -52,51 +52,29 @@ private:
     std::size_t left_;
 };
 
-// The bytes that a hex text stands for. The text has
-//   - plain lines: bytes of two digits, with or without blanks between them;
-//   - xxd lines: an offset and a colon, which are skipped, then bytes as above; two blanks behind a
-//     byte end them, the characters that follow are not looked at;
-//   - comments from "#" to the end of the line, and empty lines.
-// A line with anything else is reported with line and column (from 1) and counts up to there.
-class HexSource : public ByteSource {
+// A source whose first bytes can be looked at before they are read. The source stays the caller's.
+class LookaheadSource : public ByteSource {
 public:
-    HexSource(ByteSource& text, FaultHandler onFault) : text_(text), onFault_(std::move(onFault)) {}
+    static constexpr std::size_t kSize = std::size_t{64} * 1024;
+
+    explicit LookaheadSource(ByteSource& source) : source_(source) {}
+    // Looks further, as far as one read of the source leads. False when the look-ahead is full or
+    // the source has no more for now.
+    bool lookFurther();
+    std::span<const std::uint8_t> ahead() const { return {buffer_.data(), size_}; }
+    // Passes over as many bytes, which have been looked at.
+    void skip(std::size_t count) { taken_ += count; }
     std::size_t read(std::uint8_t* to, std::size_t room) override;
-    bool ready() override { return taken_ != bytes_.size() || text_.ready(); }
-    int failure() const override { return text_.failure(); }
+    bool ready() override { return taken_ != size_ || source_.ready(); }
+    int failure() const override { return source_.failure(); }
+    bool growing() const override { return source_.growing(); }
 
 private:
-    static constexpr unsigned kMaxOffsetDigits = 16;
-
-    void take(char c);
-    void add(std::uint8_t digit);
-    void settleFirst();
-    void endToken();
-    void wrong(std::uint64_t column, const std::string& what);
-
-    ByteSource& text_;
-    FaultHandler onFault_;
-    std::vector<std::uint8_t> chunk_ =
-        std::vector<std::uint8_t>(std::size_t{64} * 1024); // of the text
-    std::vector<std::uint8_t> bytes_;                      // decoded from it
-    std::size_t taken_ = 0;                                // of these
-
-    // Where we are.
-    std::uint64_t line_ = 1;
-    std::uint64_t column_ = 0;
-    std::uint64_t digitColumn_ = 0;
-    int half_ = -1; // first digit of a byte
-
-    // What this line is. Its first digits may turn out an offset.
-    struct {
-        std::array<std::uint8_t, kMaxOffsetDigits> first;
-        unsigned firstCount = 0;
-        bool settled = false; // whether the first digits are an offset
-        bool offset = false;  // they are: an xxd line
-        bool bytes = false;   // has bytes
-        bool ended = false;   // nothing more counts
-        int blanks = 0;       // directly before the next character
-    } now_;
+    ByteSource& source_;
+    std::vector<std::uint8_t> buffer_;
+    std::size_t size_ = 0;  // filled
+    std::size_t taken_ = 0; // handed out
+    bool ended_ = false;    // the source's reads have come to an end
 };
 
 } // namespace Pegasus::capture

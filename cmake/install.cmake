@@ -9,34 +9,28 @@ set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MPUEvent)
 
 # Public is what a caller or a decoder outside of the library needs. None of it may include what is
 # not installed: scripts/test-install compiles each header by itself.
-file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
-    decoders/*/*_Event.h platform/cmap/*.h)
-list(FILTER headers EXCLUDE REGEX "_Layouts\\.h$")
-list(APPEND headers
-    decoders/datapath/Records.h
-    decoders/generic/Unhandled.h
-    decoders/management/LocationBlock.h
-    event/AvrelEvent.h
-    event/Avrel_Event.h
-    event/BigEndian.h
-    event/EmpEvLogMsg_s.h
-    event/Export.h
-    event/MPUEvent.h
-    event/RecordView.h
-    event/StringFormat.h
-    event/XmlString.h
-    platform/trace/ProviderTraceServices.h)
-foreach(header IN LISTS headers)
-    cmake_path(GET header PARENT_PATH folder)
-    install(FILES ${header} DESTINATION ${include_dir}/${folder} COMPONENT development)
-endforeach()
+install(DIRECTORY include/ DESTINATION ${include_dir} COMPONENT development)
 if(MPUEVENT_PEGASUS STREQUAL "embedded")
     install(DIRECTORY platform/pegasus/Pegasus DESTINATION ${include_dir} COMPONENT development)
 endif()
 
-install(TARGETS MPUEvent mpuevent_pegasus EXPORT MPUEventTargets
+set(libraries mpuevent_static mpuevent_pegasus)
+if(TARGET MPUEvent)
+    list(APPEND libraries MPUEvent)
+endif()
+install(TARGETS ${libraries} EXPORT MPUEventTargets
     LIBRARY COMPONENT library NAMELINK_COMPONENT development
+    ARCHIVE COMPONENT development
     INCLUDES DESTINATION ${include_dir})
+if(whole_program)
+    # Without the compiler's intermediate code, which takes most of the archive's room and which no
+    # other version of the compiler reads.
+    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY "\${CMAKE_INSTALL_PREFIX}"
+        OUTPUT_VARIABLE archive_dir)
+    install(CODE "execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND \"${CMAKE_OBJCOPY}\"
+        -R .gnu.lto_* -R .gnu.debuglto_* \"\$ENV{DESTDIR}${archive_dir}/libMPUEvent.a\")"
+        COMPONENT development)
+endif()
 install(EXPORT MPUEventTargets NAMESPACE MPUEvent:: DESTINATION ${config_dir}
     COMPONENT development)
 configure_package_config_file(cmake/MPUEventConfig.cmake.in MPUEventConfig.cmake
@@ -68,20 +62,24 @@ install(FILES docs/libMPUEvent.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPON
 if(TARGET mpuevent)
     install(TARGETS mpuevent RUNTIME COMPONENT command)
 
-    # Manual page and completions come from the option table of the program just built.
-    set(describe ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:mpuevent> --describe)
-    add_custom_command(OUTPUT mpuevent.1 mpuevent.bash _mpuevent
-        COMMAND ${describe} man > mpuevent.1
-        COMMAND ${describe} bash > mpuevent.bash
-        COMMAND ${describe} zsh > _mpuevent
-        DEPENDS mpuevent VERBATIM)
-    add_custom_target(mpuevent_describe ALL DEPENDS mpuevent.1 mpuevent.bash _mpuevent)
-    install(FILES ${PROJECT_BINARY_DIR}/mpuevent.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
-        COMPONENT command)
-    install(FILES ${PROJECT_BINARY_DIR}/mpuevent.bash RENAME mpuevent
+    # Written by scripts/renew from the command's own options.
+    install(FILES docs/mpuevent.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+    install(FILES tools/mpuevent/completions/mpuevent.bash RENAME mpuevent
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command)
-    install(FILES ${PROJECT_BINARY_DIR}/_mpuevent
+    install(FILES tools/mpuevent/completions/_mpuevent
         DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT command)
+endif()
+
+# ---- provider ----------------------------------------------------------------------------------
+
+if(TARGET MPURecordLogProvider)
+    install(TARGETS MPURecordLogProvider LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(DIRECTORY provider/mof DESTINATION ${CMAKE_INSTALL_DATADIR}/mpuevent)
+    install(FILES provider/mpuevent-provider.conf DESTINATION ${CMAKE_INSTALL_SYSCONFDIR})
+endif()
+
+if(NOT PROJECT_IS_TOP_LEVEL)
+    return()
 endif()
 
 # ---- Debian packages: cpack in a build folder configured for the prefix /usr -------------------
@@ -90,7 +88,11 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "MPUEvent maintainers <maintainers@localhost>")
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL library development)
+set(CPACK_COMPONENTS_ALL development)
+if(TARGET MPUEvent)
+    list(APPEND CPACK_COMPONENTS_ALL library)
+    set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmpuevent1 (= ${PROJECT_VERSION})")
+endif()
 if(TARGET mpuevent)
     list(APPEND CPACK_COMPONENTS_ALL command)
 endif()
@@ -104,8 +106,8 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "Decoder of a storage controller's event log: library")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmpuevent-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmpuevent1 (= ${PROJECT_VERSION})")
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Decoder of a storage controller's event log: headers")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "Decoder of a storage controller's event log: headers and archive")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME mpuevent)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION admin)
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION "Decoder of a storage controller's event log: command")

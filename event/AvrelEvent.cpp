@@ -68,11 +68,6 @@ void AvrelEvent::appendBody(char* text) {
     body_.append(mpu::toString(text));
 }
 
-void AvrelEvent::startBody(std::string_view entries) {
-    mpu::assignText(body_, entries);
-    bodyLength_ = bodyCapacity_ = static_cast<int>(entries.size());
-}
-
 void AvrelEvent::reserve(int capacity) {
     bodyCapacity_ = capacity;
     body_.reserveCapacity(static_cast<Uint32>(capacity));

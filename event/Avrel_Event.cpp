@@ -1,8 +1,11 @@
 #include "event/Avrel_Event.h"
 
 #include "event/Ascii.h"
+#include "event/Draft.h"
+#include "event/HeaderNames.h"
 #include "event/Names.h"
-#include "event/RecordView.h"
+#include "event/Record.h"
+#include "event/SafeText.h"
 #include "platform/trace/ProviderTraceServices.h"
 
 namespace Pegasus {
@@ -81,13 +84,28 @@ std::size_t byteCount(long count) {
 
 } // namespace
 
+std::string_view mpu::sourceName(std::uint8_t code) {
+    return kSources.find(code);
+}
+
+std::string_view mpu::categoryName(std::uint8_t code) {
+    return kCategories.find(code);
+}
+
+std::string_view mpu::eventTypeName(std::uint8_t code) {
+    const EventType* type = findEventType(code);
+    return type ? type->text : "";
+}
+
 Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
     if (!record)
         return;
     const RecordView header(record, sizeof *record);
-    assignText(enclosureSerialNumber_, header.text(0, sizeof record->enclosureSerialNumber));
-    assignText(controllerSerialNumber_, header.text(offsetof(EmpEvLogMsg_s, controllerSerialNumber),
-                                                    sizeof record->controllerSerialNumber));
+    assignText(enclosureSerialNumber_, header.text(0, sizeof record->enclosureSerialNumber).raw());
+    assignText(controllerSerialNumber_, header
+                                            .text(offsetof(EmpEvLogMsg_s, controllerSerialNumber),
+                                                  sizeof record->controllerSerialNumber)
+                                            .raw());
     controllerSlotID_ = record->slotId;
     eventLogInstanceNumber_ = record->logInstance;
     sequenceID_ = record->sequenceId;
@@ -112,6 +130,21 @@ Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
 }
 
 Avrel_Event::~Avrel_Event() = default;
+
+void Avrel_Event::take(const EmpEvLogMsg_s* record, int length, DecodeFunction decode) {
+    if (!record)
+        return;
+    Draft draft;
+    decode(Record(record, static_cast<unsigned int>(length)), draft);
+    take(draft);
+}
+
+void Avrel_Event::take(const Draft& draft) {
+    if (draft.isTitled || !draft.title.view().empty())
+        draft.title.assignTo(eventID_);
+    draft.summary.assignTo(summary_);
+    draft.body.assignTo(body_);
+}
 
 String Avrel_Event::getEnclosureSerialNumber() const {
     return enclosureSerialNumber_;
@@ -244,12 +277,13 @@ String Avrel_Event::hexifiedStringForBody(const char* bytes, long count) {
 
 String Avrel_Event::xmlize(const char* tag, const char* value) {
     BodyWriter out;
-    return out.element(tag, value, "").string();
+    return out.element(tag, Untrusted(value), "").string();
 }
 
 String Avrel_Event::xmlizeString(const char* tag, String value) {
+    const String name = toString(tag);
     String element("<");
-    element.append(tag).append(">").append(value).append("</").append(tag).append(">");
+    element.append(name).append(">").append(value).append("</").append(name).append(">");
     return element;
 }
 

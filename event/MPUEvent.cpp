@@ -7,6 +7,7 @@
 #include "platform/cmap/CMAPOperationFailedException.h"
 
 #include <algorithm>
+#include <cxxabi.h>
 
 namespace Pegasus {
 
@@ -29,11 +30,14 @@ namespace {
     return event.release();
 }
 
-Avrel_Event* decode(const EmpEvLogMsg_s* record, std::uint32_t length) {
+Avrel_Event* decode(const std::uint8_t* bytes, std::uint32_t length) {
+    const auto* record = reinterpret_cast<const EmpEvLogMsg_s*>(bytes);
     Avrel_Event* event = nullptr;
     if (const DecoderFactory factory = decoderOf(record->source)) {
         try {
             event = factory(record, static_cast<int>(length));
+        } catch (const abi::__forced_unwind&) {
+            throw; // the thread is being cancelled
         } catch (...) {
             return undecoded(record, length);
         }
@@ -52,20 +56,14 @@ MPUEvent::MPUEvent(const CMAPMessageHeader& header, Avrel_istream& in) : MPUEven
 }
 
 MPUEvent::MPUEvent(const MPUEvent& other)
-    : header_(other.header_), record_(new std::uint8_t[other.length_]), length_(other.length_) {
-    if (length_ != 0)
-        std::memcpy(record_.get(), other.record_.get(), length_);
-}
+    : header_(other.header_), record_(other.record_.padded(other.record_.size())) {}
 
 MPUEvent& MPUEvent::operator=(const MPUEvent& other) {
-    if (this != &other) {
-        MPUEvent copy(other);
-        header_ = copy.header_;
-        record_.swap(copy.record_);
-        length_ = copy.length_;
-    }
-    return *this;
+    return *this = MPUEvent(other);
 }
+
+MPUEvent::MPUEvent(MPUEvent&& other) noexcept = default;
+MPUEvent& MPUEvent::operator=(MPUEvent&& other) noexcept = default;
 
 MPUEvent::~MPUEvent() = default;
 
@@ -79,10 +77,10 @@ void MPUEvent::setCMAPMessageHeader(const CMAPMessageHeader& header) {
 
 [[gnu::cold]] String MPUEvent::str() const {
     LineWriter line;
-    if (!record_) {
+    if (!record_.data()) {
         line.put("<No MMSG Data!>");
     } else {
-        const RecordView r(record_.get(), length_);
+        const RecordView r(record_.data(), record_.size());
         line.put("SequenceId: ").integer(r.u32(136)).put(", time: ").integer(r.u32(140));
         line.put(", len: ").integer(r.u16(144)).put(", source: ").integer(r.u8(146));
         line.put(", type: ").integer(r.u8(147)).put(", category: ").integer(r.u8(148));
@@ -94,14 +92,14 @@ void MPUEvent::setCMAPMessageHeader(const CMAPMessageHeader& header) {
 
 Avrel_istream& MPUEvent::deserialize(Avrel_istream& in) {
     // Modulo 65536, as the length field counts.
-    length_ = static_cast<std::uint16_t>(header_.getMessageLength() - message_header::kSize);
-    record_.reset(new std::uint8_t[length_]);
-    in.read(reinterpret_cast<char*>(record_.get()), length_);
+    Bytes bytes(static_cast<std::uint16_t>(header_.getMessageLength() - message_header::kSize));
+    in.read(reinterpret_cast<char*>(bytes.data()), bytes.size());
     const int delivered = in.gcount();
-    if (delivered < 0 || static_cast<std::uint32_t>(delivered) != length_) {
-        const std::uint32_t came =
-            delivered < 0 ? 0 : std::min(static_cast<std::uint32_t>(delivered), length_);
-        std::fill(record_.get() + came, record_.get() + length_, std::uint8_t{0});
+    const std::uint32_t came = delivered < 0 ? 0 : static_cast<std::uint32_t>(delivered);
+    if (came < bytes.size())
+        std::fill(bytes.data() + came, bytes.data() + bytes.size(), std::uint8_t{0});
+    record_ = std::move(bytes);
+    if (delivered < 0 || came != record_.size()) {
         const Uint32 code = CMAPErrorCodes::getCode(delivered < 0 ? CMAPErrorCodes::kReadFailed
                                                                   : CMAPErrorCodes::kReadShort);
         throw CMAPOperationFailedException(
@@ -111,17 +109,14 @@ Avrel_istream& MPUEvent::deserialize(Avrel_istream& in) {
 }
 
 Avrel_Event* MPUEvent::create_Avrel_Event() const {
-    if (!record_)
+    if (!record_.data())
         return nullptr;
-    const RecordView view(record_.get(), length_);
-    const std::size_t extent = sizeof(EmpEvLogMsg_s) + view.u16(144);
-    if (length_ >= extent)
-        return decode(record(), length_);
+    const std::uint32_t extent =
+        sizeof(EmpEvLogMsg_s) + RecordView(record_.data(), record_.size()).u16(144);
+    if (record_.size() >= extent)
+        return decode(record_.data(), record_.size());
     // Shorter than its header, or than it claims: decoders get zeros for what is missing.
-    const std::unique_ptr<std::uint8_t[]> padded(new std::uint8_t[extent]());
-    if (length_ != 0)
-        std::memcpy(padded.get(), record_.get(), length_);
-    return decode(reinterpret_cast<const EmpEvLogMsg_s*>(padded.get()), length_);
+    return decode(record_.padded(extent).data(), record_.size());
 }
 
 } // namespace Pegasus

@@ -10,7 +10,7 @@
 namespace Pegasus::mpu {
 
 // What stands for a code without a name.
-enum class Otherwise : std::uint8_t {
+enum class Fallback : std::uint8_t {
     Unknown, // "Unknown (n)", n unsigned
     Number,  // "%d"
     Decimal, // "%u"
@@ -22,7 +22,7 @@ struct NameTable {
     const char* text;
     std::uint16_t count;
     std::uint16_t room; // longest text this table can give
-    Otherwise otherwise;
+    Fallback fallback;
 
     constexpr std::string_view at(std::size_t i) const {
         return {text + starts[i], static_cast<std::size_t>(starts[i + 1] - starts[i])};
@@ -32,9 +32,7 @@ struct NameTable {
         return code < codes() ? at(static_cast<std::size_t>(code)) : std::string_view();
     }
     // Codes run from 0 to codes() - 1.
-    constexpr std::size_t codes() const {
-        return otherwise == Otherwise::Last ? count - 1u : count;
-    }
+    constexpr std::size_t codes() const { return fallback == Fallback::Last ? count - 1u : count; }
     // Writes the name of `code`, or what stands for it; `out` has `room` characters.
     char* put(char* out, std::uint64_t code) const;
     void put(TextWriter& out, std::uint64_t code) const {
@@ -73,11 +71,11 @@ inline constexpr auto kPackedNames = [] {
 // The table of the texts in `Texts`, an array of string views in the order of their codes. An empty
 // text leaves its code without a name.
 template <const auto& Texts>
-constexpr NameTable names(Otherwise otherwise = Otherwise::Unknown) {
+constexpr NameTable names(Fallback fallback = Fallback::Unknown) {
     constexpr auto& packed = kPackedNames<Texts>;
     constexpr std::uint16_t unknown = kDecimalRoom + sizeof "Unknown ()";
     return {packed.starts.data(), packed.text.data(), std::size(Texts),
-            std::max(packed.longest, unknown), otherwise};
+            std::max(packed.longest, unknown), fallback};
 }
 
 inline constexpr std::string_view kTrueFalseTexts[] = {"FALSE", "TRUE"};

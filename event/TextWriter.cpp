@@ -1,6 +1,7 @@
 #include "event/TextWriter.h"
 
 #include "event/Ascii.h"
+#include "event/SafeText.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -73,9 +74,8 @@ TextWriter& TextWriter::close(std::string_view tag) {
     return *this;
 }
 
-TextWriter& TextWriter::element(std::string_view tag, std::string_view value,
-                                std::string_view after) {
-    return open(tag).text(value).close(tag).put(after);
+TextWriter& TextWriter::element(std::string_view tag, Untrusted value, std::string_view after) {
+    return open(tag).untrusted(value).close(tag).put(after);
 }
 
 char* putSafeRun(char* out, std::string_view text) {
@@ -93,11 +93,12 @@ char* putSafeRun(char* out, std::string_view text) {
     }
 }
 
-TextWriter& TextWriter::text(std::string_view text) {
+TextWriter& TextWriter::untrusted(Untrusted from) {
+    const std::string_view text = from.raw();
     if (texts_ == Texts::Safe && !markup_)
         markup_ = text.find('<') != std::string_view::npos;
     if (texts_ == Texts::Raw || markup_)
-        return bytes(text);
+        return raw(from);
     commit(putSafeRun(reserve(2 * text.size()), text));
     return *this;
 }
@@ -120,82 +121,6 @@ void TextWriter::assignTo(String& to) const {
         assignText(to, view());
     } else {
         assignAscii(to, view());
-    }
-}
-
-namespace {
-
-// Elements nested deeper are taken for text. Ours nest twice; the limit keeps hostile nesting from
-// costing more than a constant times the length of the text, and so does the one on tag names.
-constexpr unsigned kMaxDepth = 64;
-constexpr std::size_t kMaxTag = 1024;
-
-struct Element {
-    std::size_t content;   // behind the opening tag
-    std::size_t closer;    // at the "</" that ends the content
-    std::size_t closerEnd; // behind the closing tag
-};
-
-// Finds the element that opens at `at`, all of it before `end`. A name has at least one character,
-// so a ">" directly behind the "<" belongs to it. "</>" closes any element; else the first "</"
-// that the name follows does, and the character behind the name passes for the ">".
-bool findElement(std::string_view text, std::size_t at, std::size_t end, Element& found) {
-    const std::size_t gt = text.find('>', at + 2);
-    if (gt >= end || gt - at > kMaxTag)
-        return false;
-    const std::string_view name = text.substr(at + 1, gt - at - 1);
-    found.content = gt + 1;
-    for (std::size_t i = text.find("</", gt + 1); i < end; i = text.find("</", i + 1)) {
-        const std::size_t behind = i + 2 + name.size();
-        if (i + 2 < end && text[i + 2] == '>')
-            found.closerEnd = i + 3;
-        else if (behind < end && text.compare(i + 2, name.size(), name) == 0)
-            found.closerEnd = behind + 1;
-        else
-            continue;
-        found.closer = i;
-        return true;
-    }
-    return false;
-}
-
-void putRun(TextWriter& out, std::string_view text) {
-    out.commit(putSafeRun(out.reserve(2 * text.size()), text));
-}
-
-} // namespace
-
-void putSafe(TextWriter& out, std::string_view text) {
-    struct {
-        std::size_t closerEnd;
-        std::size_t end;
-    } outer[kMaxDepth];
-    unsigned depth = 0;
-    std::size_t at = 0;
-    std::size_t end = text.size();
-    for (;;) {
-        const std::size_t tag = std::min(text.find('<', at), end);
-        putRun(out, text.substr(at, tag - at));
-        Element element;
-        if (tag == end) {
-            if (depth == 0)
-                return;
-            --depth;
-            at = outer[depth].closerEnd;
-            out.put(text.substr(end, at - end));
-            end = outer[depth].end;
-        } else if (depth < kMaxDepth && findElement(text, tag, end, element)) {
-            out.put(text.substr(tag, element.content - tag));
-            outer[depth++] = {element.closerEnd, end};
-            at = element.content;
-            end = element.closer;
-        } else if (depth < kMaxDepth) {
-            putRun(out, text.substr(tag, end - tag));
-            at = end;
-        } else {
-            putRun(out, text.substr(tag, 1));
-            at = tag + 1;
-        }
     }
 }
 
@@ -259,6 +184,17 @@ void assignAscii(String& to, std::string_view text) {
 
 namespace {
 
+[[gnu::cold]] void repair(char* text, std::size_t size) {
+    for (;;) {
+        const std::size_t valid = validLength({text, size});
+        if (valid == size)
+            return;
+        text[valid] = '?';
+        text += valid + 1;
+        size -= valid + 1;
+    }
+}
+
 [[gnu::cold]] void assignMended(String& to, std::string_view text) {
     StackWriter<1024> mended;
     for (;;) {
@@ -273,6 +209,18 @@ namespace {
 }
 
 } // namespace
+
+std::string_view TextWriter::finish() {
+    if (markup_) {
+        StackWriter<1024> safe;
+        putSafe(safe, view());
+        clear();
+        raw(Untrusted(safe.view()));
+    }
+    if (unchecked_ && !isAscii(view()))
+        repair(begin_, view().size());
+    return view();
+}
 
 void assignText(String& to, std::string_view text) {
     if (isAscii(text)) [[likely]]

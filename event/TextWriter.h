@@ -2,7 +2,8 @@
 #pragma once
 
 #include "event/Digits.h"
-#include "event/Label.h"
+#include "event/FixedString.h"
+#include "event/RecordView.h"
 
 #include <Pegasus/Common/String.h>
 
@@ -19,11 +20,6 @@ inline String toString(std::string_view text) {
     assignText(made, text);
     return made;
 }
-
-// `text` with everything outside well-formed elements restricted to a safe set of characters; see
-// Avrel_Event::makeSafeString. Linear in the length of the text, constant stack.
-class TextWriter;
-void putSafe(TextWriter& out, std::string_view text);
 
 // What becomes of texts from the record.
 enum class Texts : std::uint8_t {
@@ -56,7 +52,7 @@ public:
         return *this;
     }
     template <std::size_t Capacity>
-    TextWriter& put(const Label<Capacity>& label) {
+    TextWriter& put(const FixedString<Capacity>& label) {
         commit(label.put(reserve(Capacity)));
         return *this;
     }
@@ -67,34 +63,39 @@ public:
     TextWriter& hexUpper(std::uint64_t value, unsigned minDigits);
     TextWriter& hexLower(std::uint64_t value, unsigned minDigits);
     TextWriter& hexBytes(std::string_view bytes);
+    TextWriter& hexBytes(Untrusted bytes) { return hexBytes(bytes.raw()); }
     // A text from the record. Where the finished text is made safe, a text without "<" can be made
     // safe at once with the same result; one with "<" leaves itself and all that follow it to the
     // general pass of assignTo().
-    TextWriter& text(std::string_view text);
+    TextWriter& untrusted(Untrusted text);
 
     // Bytes from the record that stand as they are in either case: tags, and what the general pass
     // is to judge.
-    TextWriter& bytes(std::string_view run) {
+    TextWriter& raw(Untrusted run) {
         unchecked_ = true;
-        return put(run);
+        return put(run.raw());
     }
 
     // Constant texts that are known when this is compiled.
     TextWriter& open(std::string_view tag);
     TextWriter& close(std::string_view tag);
     // An element whose value is a text from the record; the tag is used as it stands.
-    TextWriter& element(std::string_view tag, std::string_view value, std::string_view after);
+    TextWriter& element(std::string_view tag, Untrusted value, std::string_view after);
 
     std::string_view view() const { return {begin_, static_cast<std::size_t>(next_ - begin_)}; }
     void clear() {
         next_ = begin_;
         markup_ = unchecked_ = false;
     }
-    // Says that bytes() are to come that may hold markup.
+    // Before anything is written.
+    void setTexts(Texts texts) { texts_ = texts; }
+    // Says that raw() bytes are to come that may hold markup.
     void expectMarkup() { markup_ = true; }
 
     // The finished text: made safe when the texts in it have to be, valid in any case.
     void assignTo(String& to) const;
+    // The same as valid UTF-8, in place.
+    std::string_view finish();
     String string() const {
         String made;
         assignTo(made);

@@ -22,10 +22,10 @@ public:
         : AvrelEvent(record, static_cast<unsigned>(length)) {
         // Bounded: past the end of the record numbers are 0 and texts end.
         const mpu::RecordView payload =
-            mpu::RecordView::of(record, static_cast<unsigned>(length)).from(sizeof *record);
+            mpu::RecordView::of(record, static_cast<unsigned>(length)).subview(sizeof *record);
         const unsigned pump = payload.u16(0);
         const unsigned speed = payload.u16(2);
-        const std::string_view note = payload.text(4);
+        const std::string_view note = payload.text(4).raw();
 
         // Whatever comes from a record may be anything, invalid UTF-8 too, which a String refuses
         // with an exception: make it safe first.

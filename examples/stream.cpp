@@ -63,10 +63,10 @@ std::string demonstration() {
 int main(int argc, char** argv) {
     ProviderTraceServices::ptsSetTraceStream(stderr); // standard output is ours
     std::ifstream file;
-    std::istringstream made(demonstration());
+    std::istringstream sample(demonstration());
     if (argc > 1)
         file.open(argv[1], std::ios::binary);
-    StandardStream in(argc > 1 ? static_cast<std::istream&>(file) : made);
+    StandardStream in(argc > 1 ? static_cast<std::istream&>(file) : sample);
     try {
         while (const std::unique_ptr<MPUEvent> message = next(in))
             if (const std::unique_ptr<Avrel_Event> event{message->create_Avrel_Event()})

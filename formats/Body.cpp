@@ -66,31 +66,31 @@ void BodyParser::addText(std::string_view text) {
     while (!text.empty() && mpu::isSpace(text.back()))
         text.remove_suffix(1);
     if (!text.empty())
-        pieces_.push_back({Piece::Text, {}, text});
+        items_.push_back({BodyItem::Text, {}, text});
 }
 
-const std::vector<Piece>& BodyParser::parse(std::string_view body) {
+const std::vector<BodyItem>& BodyParser::parse(std::string_view body) {
     findTags(body);
     matchTags();
-    pieces_.clear();
+    items_.clear();
     std::size_t done = 0;
     for (std::size_t i = 0; i < tags_.size(); ++i) {
         const Tag& tag = tags_[i];
         addText(body.substr(done, tag.begin - done));
         done = tag.end;
         if (tag.closes) {
-            pieces_.push_back({Piece::End, tag.name, {}});
+            items_.push_back({BodyItem::End, tag.name, {}});
         } else if (i + 1 < tags_.size() && tags_[i + 1].closes) {
             // Tags that are left match, so this one is ours.
             const Tag& closer = tags_[++i];
-            pieces_.push_back({Piece::Element, tag.name, body.substr(done, closer.begin - done)});
+            items_.push_back({BodyItem::Element, tag.name, body.substr(done, closer.begin - done)});
             done = closer.end;
         } else {
-            pieces_.push_back({Piece::Group, tag.name, {}});
+            items_.push_back({BodyItem::Group, tag.name, {}});
         }
     }
     addText(body.substr(done));
-    return pieces_;
+    return items_;
 }
 
 } // namespace Pegasus::formats

@@ -8,28 +8,28 @@
 namespace Pegasus::formats {
 
 // A body is a run of elements, flat but for groups of elements, and of text between them.
-struct Piece {
-    enum Kind : unsigned char {
+struct BodyItem {
+    enum Type : unsigned char {
         Text,    // outside elements, without the blanks around it
         Element, // name and value
-        Group,   // an element that has elements; its pieces follow
+        Group,   // an element that has elements; its items follow
         End,     // of the group
     };
-    Kind kind;
+    Type type;
     std::string_view name;
     std::string_view text;
 };
 
-// Splits a body; the pieces point into it. Total: a tag without partner is text, and so is one with
+// Splits a body; the items point into it. Total: a tag without partner is text, and so is one with
 // more than 32 open ones inside it. Groups and ends match. Linear in the length of the body.
 class BodyParser {
 public:
-    const std::vector<Piece>& parse(std::string_view body);
+    const std::vector<BodyItem>& parse(std::string_view body);
 
 private:
     struct Tag {
         std::size_t begin; // "<"
-        std::size_t end;   // behind ">"
+        std::size_t end;   // after ">"
         std::string_view name;
         std::size_t partner; // index of the closing tag, or none
         bool closes;
@@ -40,7 +40,7 @@ private:
 
     std::vector<Tag> tags_;
     std::vector<std::size_t> open_; // indices of tags without a partner so far
-    std::vector<Piece> pieces_;
+    std::vector<BodyItem> items_;
 };
 
 } // namespace Pegasus::formats

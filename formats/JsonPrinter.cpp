@@ -69,26 +69,26 @@ public:
     }
 
     // [{"name": .., "value": ..}, {"name": .., "fields": [..]}]; text outside elements has no name.
-    void fields(const std::vector<Piece>& pieces) {
+    void fields(const std::vector<BodyItem>& items) {
         writer_.StartArray();
-        for (const Piece& piece : pieces) {
-            if (piece.kind != Piece::End) {
+        for (const BodyItem& item : items) {
+            if (item.type != BodyItem::End) {
                 writer_.StartObject();
                 key("name");
-                text(piece.name);
+                text(item.name);
             }
-            switch (piece.kind) {
-            case Piece::Text:
-            case Piece::Element:
+            switch (item.type) {
+            case BodyItem::Text:
+            case BodyItem::Element:
                 key("value");
-                text(piece.text);
+                text(item.text);
                 writer_.EndObject();
                 break;
-            case Piece::Group:
+            case BodyItem::Group:
                 key("fields");
                 writer_.StartArray();
                 break;
-            case Piece::End:
+            case BodyItem::End:
                 writer_.EndArray();
                 writer_.EndObject();
                 break;
@@ -104,24 +104,22 @@ private:
 
 class JsonPrinter : public Printer {
 public:
-    explicit JsonPrinter(const Style& style) : fields_(style.fields) {}
+    explicit JsonPrinter(const PrintOptions& options) : fields_(options.fields) {}
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         JsonWriter& writer = json_.start(out);
         writer.StartObject();
-        for (const Key& row : kKeys) {
-            json_.key(row.name);
-            if (row.number) {
-                writer.Uint(row.number(event));
+        for (const Column& column : kColumns) {
+            json_.key(column.name);
+            if (column.number) {
+                writer.Uint(event.*column.number);
                 continue;
             }
-            utf8_.clear();
-            putUtf8(utf8_, row.text(event));
-            json_.text(utf8_.view());
+            json_.text(event.*column.text);
         }
-        if (fields_) { // the body was the last text
+        if (fields_) {
             json_.key("fields");
-            json_.fields(parser_.parse(utf8_.view()));
+            json_.fields(parser_.parse(event.body));
             json_.key("formatVersion");
             writer.Uint(kFormatVersion);
         }
@@ -132,36 +130,33 @@ public:
 private:
     const bool fields_;
     Json json_;
-    mpu::BodyWriter utf8_;
     BodyParser parser_;
 };
 
 // RFC 4180, with the JSON keys for a header line; fields are the JSON list in one cell.
 class CsvPrinter : public Printer {
 public:
-    explicit CsvPrinter(const Style& style) : fields_(style.fields) {}
+    explicit CsvPrinter(const PrintOptions& options) : fields_(options.fields) {}
 
     void begin(mpu::TextWriter& out) override {
-        for (const Key& row : kKeys)
-            out.put(&row == kKeys ? "" : ",").put(row.name);
+        for (const Column& column : kColumns)
+            out.put(&column == kColumns ? "" : ",").put(column.name);
         out.put(fields_ ? ",fields\r\n" : "\r\n");
     }
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
-        for (const Key& row : kKeys) {
-            out.put(&row == kKeys ? "" : ",");
-            if (row.number) {
-                out.decimal(row.number(event));
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
+        for (const Column& column : kColumns) {
+            out.put(&column == kColumns ? "" : ",");
+            if (column.number) {
+                out.decimal(event.*column.number);
                 continue;
             }
-            utf8_.clear();
-            putUtf8(utf8_, row.text(event));
-            cell(out, utf8_.view());
+            cell(out, event.*column.text);
         }
         if (fields_) {
             list_.clear();
             json_.start(list_);
-            json_.fields(parser_.parse(utf8_.view()));
+            json_.fields(parser_.parse(event.body));
             cell(out.put(","), list_.view());
         }
         out.put("\r\n");
@@ -188,19 +183,18 @@ private:
 
     const bool fields_;
     Json json_;
-    mpu::BodyWriter utf8_;
     mpu::BodyWriter list_;
     BodyParser parser_;
 };
 
 } // namespace
 
-std::unique_ptr<Printer> makeJsonPrinter(const Style& style) {
-    return std::make_unique<JsonPrinter>(style);
+std::unique_ptr<Printer> makeJsonPrinter(const PrintOptions& options) {
+    return std::make_unique<JsonPrinter>(options);
 }
 
-std::unique_ptr<Printer> makeCsvPrinter(const Style& style) {
-    return std::make_unique<CsvPrinter>(style);
+std::unique_ptr<Printer> makeCsvPrinter(const PrintOptions& options) {
+    return std::make_unique<CsvPrinter>(options);
 }
 
 } // namespace Pegasus::formats

@@ -1,28 +1,22 @@
 #include "formats/Schema.h"
 
-#include "capture/Capture.h"
+#include "event/HeaderNames.h"
+#include "event/MPUEvent.h"
 #include "formats/Body.h"
 #include "formats/Columns.h"
 #include "formats/Utf8.h"
 #include "tools/catalogue/Sample.h"
 
 #include <algorithm>
+#include <memory>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 
 namespace Pegasus::formats {
 
-using capture::Message;
-
 namespace {
 
 constexpr int kRounds = 4; // of sample records, which are different each time
-
-std::string utf8Of(const String& text) {
-    mpu::BodyWriter out;
-    putUtf8(out, text);
-    return std::string(out.view());
-}
 
 // What the events of a module show, in the order of first use.
 struct Shown {
@@ -38,17 +32,17 @@ void add(std::vector<std::string>& names, std::string_view name) {
 Shown shownBy(const mpu::Module& module) {
     Shown shown;
     BodyParser parser;
+    EventDecoder decoder;
     mpu::SampleWriter samples(1);
     for (int round = 0; round < kRounds; ++round)
-        for (const mpu::Section& section : module.sections) {
-            const std::string record = samples.record(module, section);
-            const auto* bytes = reinterpret_cast<const std::uint8_t*>(record.data());
-            const auto event = Message{0, {}, {bytes, record.size()}}.decode();
-            add(shown.titles, utf8Of(event->getEventID()));
-            const std::string body = utf8Of(event->getBody());
-            for (const Piece& piece : parser.parse(body))
-                if (piece.kind == Piece::Element || piece.kind == Piece::Group)
-                    add(shown.elements, piece.name);
+        for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
+            const std::string record = samples.record(module, kind);
+            const DecodedEvent& event = decoder.decode(
+                {reinterpret_cast<const std::uint8_t*>(record.data()), record.size()});
+            add(shown.titles, event.eventID);
+            for (const BodyItem& item : parser.parse(event.body))
+                if (item.type == BodyItem::Element || item.type == BodyItem::Group)
+                    add(shown.elements, item.name);
         }
     return shown;
 }
@@ -68,13 +62,13 @@ public:
         pair("type", "object");
         key("required");
         json_.StartArray();
-        for (const Key& row : kKeys)
-            text(row.name);
+        for (const Column& column : kColumns)
+            text(column.name);
         json_.EndArray();
         key("properties");
         json_.StartObject();
-        for (const Key& row : kKeys)
-            property(row);
+        for (const Column& column : kColumns)
+            property(column);
         key("fields");
         reference("fields");
         key("formatVersion");
@@ -101,8 +95,11 @@ public:
     }
 
 private:
+    static std::string nameOr(std::string_view name, unsigned code) {
+        return name.empty() ? std::to_string(code) : std::string(name);
+    }
     static std::string sourceOf(unsigned code) {
-        return utf8Of(Avrel_Event(nullptr, 0).sourceFromEmpValue(code));
+        return nameOr(mpu::sourceName(static_cast<std::uint8_t>(code)), code);
     }
 
     void text(std::string_view value) {
@@ -129,17 +126,17 @@ private:
         json_.EndObject();
     }
 
-    void property(const Key& row) {
-        const std::string_view name = row.name;
+    void property(const Column& column) {
+        const std::string_view name = column.name;
         key(name);
         json_.StartObject();
-        pair("description", row.meaning);
-        pair("type", row.number ? "integer" : "string");
+        pair("description", column.meaning);
+        pair("type", column.number ? "integer" : "string");
         if (name == "source") {
             codes([](unsigned code) { return sourceOf(code); });
         } else if (name == "category") {
             codes([](unsigned code) {
-                return utf8Of(Avrel_Event(nullptr, 0).categoryFromEmpValue(code));
+                return nameOr(mpu::categoryName(static_cast<std::uint8_t>(code)), code);
             });
         } else if (name == "eventType") {
             key("enum");
@@ -152,7 +149,7 @@ private:
             for (const auto& [code, meaning] : eventTypes())
                 names.push_back(meaning);
             texts("enum", names);
-        } else if (row.number) {
+        } else if (column.number) {
             key("minimum");
             json_.Uint(0);
             key("maximum");
@@ -181,12 +178,11 @@ private:
 
     static std::vector<std::pair<unsigned, std::string>> eventTypes() {
         std::vector<std::pair<unsigned, std::string>> types;
-        Avrel_Event event(nullptr, 0);
-        for (unsigned code = 0; code < 256; ++code) {
-            event.setEventType(event.eventTypeFromEmpValue(code));
-            if (code == 0 || std::as_const(event).getEventType() != 0)
-                types.emplace_back(code, utf8Of(event.getEventType()));
-        }
+        types.emplace_back(0, "Unknown");
+        for (unsigned code = 1; code < 256; ++code)
+            if (const std::string_view name = mpu::eventTypeName(static_cast<std::uint8_t>(code));
+                !name.empty())
+                types.emplace_back(code, name);
         return types;
     }
 

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 namespace Pegasus::formats {
 
@@ -40,11 +39,11 @@ bool isLongHex(std::string_view text) {
            std::all_of(text.begin(), text.end(), [](char c) { return isHexDigit(c); });
 }
 
-// Where the next group of an offset-marked dump ("0x0010=..; 0x0020=..") begins, behind the first.
+// Where the next group of an offset-marked dump ("0x0010=..; 0x0020=..") begins, after the first.
 std::size_t nextGroup(std::string_view text) {
     for (std::size_t at = text.find("0x", 1); at != std::string_view::npos;
          at = text.find("0x", at + 1)) {
-        if (text[at - 1] != ';' && text[at - 1] != '?') // "?": a ";" made safe
+        if (text[at - 1] != ';' && text[at - 1] != '?') // "?": a sanitized ";"
             continue;
         std::size_t end = at + 2;
         while (end < text.size() && isHexDigit(text[end]))
@@ -57,65 +56,57 @@ std::size_t nextGroup(std::string_view text) {
 
 class TextPrinter : public Printer {
 public:
-    explicit TextPrinter(const Style& style) : colour_(style.colour) {}
+    explicit TextPrinter(const PrintOptions& options) : colour_(options.colour) {}
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
-        out.put("Event ").decimal(event.getSequenceID()).put(": ");
-        const unsigned severity = severityOf(std::as_const(event).getEventType());
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
+        out.put("Event ").decimal(event.sequenceID).put(": ");
+        const unsigned severity = severityOf(event.eventType);
         out.put(colour_ ? kColours[severity] : "");
-        inLine(out, event.getEventType());
+        putPrintable(out, event.eventTypeText);
         out.put(colour_ ? kPlain : "").put(", ");
-        inLine(out, event.getSource());
+        putPrintable(out, event.source);
         out.put(", ");
-        inLine(out, event.getCategory());
+        putPrintable(out, event.category);
         out.put("\n");
-        line(out, "Title", event.getEventID());
-        line(out, "Summary", event.getSummary());
-        line(out, "Enclosure", event.getEnclosureSerialNumber());
-        line(out, "Controller", event.getControllerSerialNumber());
-        out.put("  Slot: ").decimal(event.getControllerSlotID());
-        out.put("\n  Log: ").decimal(event.getEventLogInstanceNumber());
-        out.put("\n  Time: ").decimal(event.getTimestamp()).put("\n");
-        body(out, event.getBody());
+        line(out, "Title", event.eventID);
+        line(out, "Summary", event.summary);
+        line(out, "Enclosure", event.enclosureSerialNumber);
+        line(out, "Controller", event.controllerSerialNumber);
+        out.put("  Slot: ").decimal(event.controllerSlotID);
+        out.put("\n  Log: ").decimal(event.eventLogInstanceNumber);
+        out.put("\n  Time: ").decimal(event.timestamp).put("\n");
+        body(out, event.body);
         out.put("\n");
     }
 
 private:
-    void inLine(mpu::TextWriter& out, const String& text) {
-        utf8_.clear();
-        putUtf8(utf8_, text);
-        putPrintable(out, utf8_.view());
-    }
-    void line(mpu::TextWriter& out, const char* name, const String& text) {
-        if (text.size() == 0)
+    static void line(mpu::TextWriter& out, const char* name, std::string_view text) {
+        if (text.empty())
             return;
-        out.put("  ").put(name).put(": ");
-        inLine(out, text);
+        putPrintable(out.put("  ").put(name).put(": "), text);
         out.put("\n");
     }
 
-    void body(mpu::TextWriter& out, const String& text) {
-        utf8_.clear();
-        putUtf8(utf8_, text);
-        const std::vector<Piece>& pieces = parser_.parse(utf8_.view());
-        if (pieces.empty())
+    void body(mpu::TextWriter& out, std::string_view text) {
+        const std::vector<BodyItem>& items = parser_.parse(text);
+        if (items.empty())
             return;
         out.put("  Body:\n");
         std::size_t depth = 2;
-        for (const Piece& piece : pieces) {
-            switch (piece.kind) {
-            case Piece::Element:
-                named(out, depth, piece.name, piece.text);
+        for (const BodyItem& item : items) {
+            switch (item.type) {
+            case BodyItem::Element:
+                named(out, depth, item.name, item.text);
                 break;
-            case Piece::Group:
+            case BodyItem::Group:
                 indent(out, depth++);
-                out.put(piece.name).put(":\n");
+                out.put(item.name).put(":\n");
                 break;
-            case Piece::End:
+            case BodyItem::End:
                 --depth;
                 break;
-            case Piece::Text:
-                block(out, depth, piece.text);
+            case BodyItem::Text:
+                block(out, depth, item.text);
                 break;
             }
         }
@@ -126,7 +117,7 @@ private:
             out.put("  ");
     }
 
-    // A value of one line behind its name, any other below it.
+    // A value of one line after its name, any other below it.
     static void named(mpu::TextWriter& out, std::size_t depth, std::string_view name,
                       std::string_view value) {
         while (!value.empty() && value.back() == '\n')
@@ -185,35 +176,29 @@ private:
     }
 
     const bool colour_;
-    mpu::BodyWriter utf8_;
     BodyParser parser_;
 };
 
 // What happened and when, on one line: time, severity, source, title, summary.
 class BriefPrinter : public Printer {
 public:
-    explicit BriefPrinter(const Style& style) : colour_(style.colour) {}
+    explicit BriefPrinter(const PrintOptions& options) : colour_(options.colour) {}
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         mpu::StackWriter<16> time;
-        time.decimal(event.getTimestamp());
+        time.decimal(event.timestamp);
         column(out, time.view(), 10);
-        out.put(colour_ ? kColours[severityOf(std::as_const(event).getEventType())] : "");
-        column(out, text(event.getEventType()), 17);
+        out.put(colour_ ? kColours[severityOf(event.eventType)] : "");
+        column(out, event.eventTypeText, 17);
         out.put(colour_ ? kPlain : "");
-        column(out, text(event.getSource()), 11);
-        putPrintable(out, text(event.getEventID()));
-        if (const std::string_view summary = text(event.getSummary()); !summary.empty())
+        column(out, event.source, 11);
+        putPrintable(out, event.eventID);
+        if (const std::string_view summary = event.summary; !summary.empty())
             putPrintable(out.put(": "), summary);
         out.put("\n");
     }
 
 private:
-    std::string_view text(const String& from) {
-        utf8_.clear();
-        putUtf8(utf8_, from);
-        return utf8_.view();
-    }
     static void column(mpu::TextWriter& out, std::string_view text, std::size_t width) {
         putPrintable(out, text);
         for (std::size_t i = text.size(); i < width + 2; ++i)
@@ -221,34 +206,39 @@ private:
     }
 
     const bool colour_;
-    mpu::BodyWriter utf8_;
 };
 
-// The event's own rendering. Line breaks in it are escaped so that an event is one line.
+// As Avrel_Event::str() renders it. Line breaks in it are escaped so that an event is one line.
 class LinePrinter : public Printer {
 public:
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
-        utf8_.clear();
-        putUtf8(utf8_, event.str());
-        putPrintable(out, utf8_.view());
-        out.put("\n");
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
+        putPrintable(out.put("Enclosure Ser#: '"), event.enclosureSerialNumber);
+        putPrintable(out.put("', Card Ser#: '"), event.controllerSerialNumber);
+        out.put("', Slot: ").integer(event.controllerSlotID);
+        out.put(", Log Instance # ").integer(event.eventLogInstanceNumber);
+        out.put(", Sequence ID=").integer(event.sequenceID);
+        out.put(", Timestamp=").integer(event.timestamp);
+        putPrintable(out.put(", Source: '"), event.source);
+        putPrintable(out.put("', Category: '"), event.category);
+        out.put("', EventType=").integer(event.eventType);
+        putPrintable(out.put(", EventID: '"), event.eventID);
+        putPrintable(out.put("', Summary: '"), event.summary);
+        putPrintable(out.put("', Body: '"), event.body);
+        out.put("'\n");
     }
-
-private:
-    mpu::BodyWriter utf8_;
 };
 
 } // namespace
 
-std::unique_ptr<Printer> makeTextPrinter(const Style& style) {
-    return std::make_unique<TextPrinter>(style);
+std::unique_ptr<Printer> makeTextPrinter(const PrintOptions& options) {
+    return std::make_unique<TextPrinter>(options);
 }
 
-std::unique_ptr<Printer> makeBriefPrinter(const Style& style) {
-    return std::make_unique<BriefPrinter>(style);
+std::unique_ptr<Printer> makeBriefPrinter(const PrintOptions& options) {
+    return std::make_unique<BriefPrinter>(options);
 }
 
-std::unique_ptr<Printer> makeLinePrinter(const Style&) {
+std::unique_ptr<Printer> makeLinePrinter(const PrintOptions&) {
     return std::make_unique<LinePrinter>();
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 class XmlPrinter : public Printer {
 public:
-    explicit XmlPrinter(const Style& style) : fields_(style.fields) {}
+    explicit XmlPrinter(const PrintOptions& options) : fields_(options.fields) {}
 
     void begin(mpu::TextWriter& out) override {
         out.put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<events formatVersion=\"");
@@ -18,45 +18,43 @@ public:
     }
     void end(mpu::TextWriter& out) override { out.put("</events>\n"); }
 
-    void print(Avrel_Event& event, mpu::TextWriter& out) override {
+    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         out.put("<event>\n");
-        for (const Key& row : kKeys) {
-            out.put("  <").put(row.name).put(">");
-            if (row.number) {
-                out.decimal(row.number(event));
+        for (const Column& column : kColumns) {
+            out.put("  <").put(column.name).put(">");
+            if (column.number) {
+                out.decimal(event.*column.number);
             } else {
-                utf8_.clear();
-                putUtf8(utf8_, row.text(event));
-                putXml(out, utf8_.view());
+                putXml(out, event.*column.text);
             }
-            out.put("</").put(row.name).put(">\n");
+            out.put("</").put(column.name).put(">\n");
         }
-        if (fields_) // the body was the last text
-            fields(out, parser_.parse(utf8_.view()));
+        if (fields_)
+            fields(out, parser_.parse(event.body));
         out.put("</event>\n");
     }
 
 private:
-    static void fields(mpu::TextWriter& out, const std::vector<Piece>& pieces) {
+    static void fields(mpu::TextWriter& out, const std::vector<BodyItem>& items) {
         out.put("  <fields>\n");
         std::size_t depth = 2;
-        for (const Piece& piece : pieces) {
-            depth -= piece.kind == Piece::End;
+        for (const BodyItem& item : items) {
+            depth -= item.type == BodyItem::End;
             for (std::size_t i = 0; i < depth; ++i)
                 out.put("  ");
-            switch (piece.kind) {
-            case Piece::Text: // outside elements
-            case Piece::Element:
-                putXml(out.put("<field name=\""), piece.name);
-                putXml(out.put("\">"), piece.text);
+            switch (item.type) {
+            case BodyItem::Text: // outside elements
+            case BodyItem::Element:
+                putXml(out.put("<field name=\""), item.name);
+                putXml(out.put("\">"), item.text);
                 out.put("</field>\n");
                 break;
-            case Piece::Group:
-                putXml(out.put("<group name=\""), piece.name);
+            case BodyItem::Group:
+                putXml(out.put("<group name=\""), item.name);
                 out.put("\">\n");
                 ++depth;
                 break;
-            case Piece::End:
+            case BodyItem::End:
                 out.put("</group>\n");
                 break;
             }
@@ -65,14 +63,13 @@ private:
     }
 
     const bool fields_;
-    mpu::BodyWriter utf8_;
     BodyParser parser_;
 };
 
 } // namespace
 
-std::unique_ptr<Printer> makeXmlPrinter(const Style& style) {
-    return std::make_unique<XmlPrinter>(style);
+std::unique_ptr<Printer> makeXmlPrinter(const PrintOptions& options) {
+    return std::make_unique<XmlPrinter>(options);
 }
 
 } // namespace Pegasus::formats

@@ -1,4 +1,4 @@
-// Makes hostile records out of the layout tables: a sample of some section, then a few of its
+// Makes hostile records out of the layout tables: a sample of some kind, then a few of its
 // fields set to what decoders stumble over. A new decoder is covered as soon as its tables are in
 // the catalogue.
 #pragma once
@@ -26,22 +26,24 @@ public:
     // A new hostile record.
     std::string record() {
         const mpu::Module& module = pick(mpu::modules());
-        const mpu::Section* section = sectionOf(module);
-        std::string record = section ? samples_.record(module, *section) : plain(module);
-        twist(record, section);
+        const std::vector<mpu::RecordKind> kinds = kindsOf(module);
+        const mpu::RecordKind& kind = pick(kinds);
+        std::string record = samples_.record(module, kind);
+        twist(record, &kind);
         return record;
     }
 
-    // Twists a record, as one of the section whose keys it has, or of any.
+    // Twists a record, as one of the kind whose keys it has, or of any.
     void twist(std::string& record) {
         const std::uint8_t source =
             record.size() > kSource ? static_cast<std::uint8_t>(record[kSource]) : std::uint8_t{0};
         for (const mpu::Module& module : mpu::modules())
             if (module.source == source) {
-                for (const mpu::Section& section : module.sections)
-                    if (hasKeys(record, section) && below(4) != 0)
-                        return twist(record, &section);
-                return twist(record, sectionOf(module));
+                const std::vector<mpu::RecordKind> kinds = kindsOf(module);
+                for (const mpu::RecordKind& kind : kinds)
+                    if (hasKeys(record, kind) && below(4) != 0)
+                        return twist(record, &kind);
+                return twist(record, &pick(kinds));
             }
         twist(record, nullptr);
     }
@@ -50,29 +52,28 @@ private:
     static constexpr std::size_t kSource = offsetof(EmpEvLogMsg_s, source);
     static constexpr std::size_t kClaimed = offsetof(EmpEvLogMsg_s, evStructLength);
 
-    // A module that is decoded as another has no sections of its own.
-    const mpu::Section* sectionOf(const mpu::Module& module) {
-        std::span<const mpu::Section> sections = module.sections;
-        for (int tries = 0; sections.empty() && tries < 8; ++tries)
-            sections = pick(mpu::modules()).sections;
-        return sections.empty() ? nullptr : &pick(sections);
+    // A module that is decoded as another has no kinds of its own.
+    std::vector<mpu::RecordKind> kindsOf(const mpu::Module& module) {
+        std::vector<mpu::RecordKind> kinds = mpu::kindsOf(module);
+        while (kinds.empty())
+            kinds = mpu::kindsOf(pick(mpu::modules()));
+        return kinds;
     }
 
-    std::string plain(const mpu::Module& module) {
-        static constexpr mpu::Section kEmpty{"", {}, {}};
-        return samples_.record(module, kEmpty);
-    }
-
-    static bool hasKeys(const std::string& record, const mpu::Section& section) {
+    static bool hasKeys(const std::string& record, const mpu::RecordKind& kind) {
         const mpu::RecordView view(record.data(), record.size());
-        return std::all_of(section.keys.begin(), section.keys.end(), [&](const mpu::Key& key) {
+        const std::vector<mpu::Key> keys = kind.keys();
+        return std::all_of(keys.begin(), keys.end(), [&](const mpu::Key& key) {
             return (view.u32(key.at) >> (32 - 8 * key.size)) == key.value;
         });
     }
 
-    void twist(std::string& record, const mpu::Section* section) {
+    void twist(std::string& record, const mpu::RecordKind* kind) {
+        std::vector<mpu::RecordKind::Structure> structures;
+        if (kind)
+            structures = kind->structures();
         for (std::uint32_t n = 1 + below(4); n > 0; --n) {
-            switch (below(section && !section->parts.empty() ? 12 : 6)) {
+            switch (below(structures.empty() ? 6 : 12)) {
             case 0: // the payload's end
                 record.resize(below(3) == 0 ? below(1200)
                                             : record.size() - below(5) % (record.size() + 1));
@@ -95,22 +96,22 @@ private:
                 put(record, kClaimed, 2, interesting(static_cast<std::uint32_t>(record.size())));
                 continue;
             default:
-                field(record, pick(section->parts));
+                field(record, pick(structures));
             }
             if (below(8) != 0 && record.size() >= sizeof(EmpEvLogMsg_s))
                 put(record, kClaimed, 2, record.size() - sizeof(EmpEvLogMsg_s));
         }
     }
 
-    void field(std::string& record, const mpu::Part& part) {
+    void field(std::string& record, const mpu::RecordKind::Structure& part) {
         if (part.rows.empty())
             return putNumber(record, part.at + below(64), 4);
         const mpu::Row& row = pick(part.rows);
         for (const mpu::Value& value : row.values) {
-            if (value.kind == mpu::Value::None || value.kind == mpu::Value::Index)
+            if (!value.isRead())
                 continue;
             const std::size_t at =
-                part.at + value.at + (row.count ? below(row.count) * row.step : 0u);
+                part.at + value.at + (row.count ? below(row.count) * row.stride : 0u);
             if (value.kind == mpu::Value::Text || value.kind == mpu::Value::Trimmed)
                 putText(record, at);
             else

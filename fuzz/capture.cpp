@@ -1,6 +1,7 @@
 // Damaged captures: the reader hands out what is in them, says where it passed something over, and
 // does so alike however the bytes come in.
 #include "capture/Capture.h"
+#include "capture/HexText.h"
 #include "fuzz/Invariants.h"
 #include "fuzz/RecordMutator.h"
 
@@ -52,7 +53,7 @@ Found read(Bytes capture, Framing framing, bool hex, std::size_t drop, int failu
     Found found;
     const FaultHandler onFault = [&](const std::string& what) { found.reports.push_back(what); };
     Drops drops(capture, drop, failure);
-    HexSource text(drops, onFault);
+    TextSource text(drops, onFault);
     Capture reader(framing, [&](const Damage& damage) {
         found.reports.push_back(damage.str());
         found.passedOver += damage.passedOver;

@@ -81,6 +81,9 @@ void message(Bytes bytes) {
     require(isUtf8(line) && line.size() < 1024, "a message's line is short text");
     const std::unique_ptr<Avrel_Event> copied(copy.create_Avrel_Event());
     require(said(*copied) == expected, "copies decode alike");
+    const MPUEvent moved(std::move(other));
+    requireSame(utf8(moved.str()), line, "a message moves");
+    require(!other.create_Avrel_Event(), "a record moves");
 
     setAll(*event, *copied);
     requireSame(utf8(event->getSummary()), expected.texts[5], "setters set");

@@ -12,7 +12,7 @@ namespace {
 
 using namespace formats;
 
-std::string printed(const Format& format, bool fields, Avrel_Event& event) {
+std::string printed(const Format& format, bool fields, const DecodedEvent& event) {
     const std::unique_ptr<Printer> printer = format.make({fields, false});
     mpu::BodyWriter once;
     printer->begin(once);
@@ -48,30 +48,32 @@ void requireJson(const std::string& line, const Said& event, bool fields) {
 }
 
 #ifdef MPUEVENT_PARSERS
-void requireCsv(const std::vector<std::vector<std::string>>& rows, Avrel_Event& event,
+void requireCsv(const std::vector<std::vector<std::string>>& rows, const DecodedEvent& event,
                 bool isText) {
     require(rows.size() == 2 && rows[0].size() == rows[1].size(), "a cell for each column");
-    require(rows[0].size() >= std::size(kKeys), "a column for each key");
-    for (std::size_t i = 0; i < std::size(kKeys); ++i) {
-        requireSame(rows[0][i], kKeys[i].name, "a column has its name");
-        if (!isText || !kKeys[i].text)
+    require(rows[0].size() >= std::size(kColumns), "a column for each value");
+    for (std::size_t i = 0; i < std::size(kColumns); ++i) {
+        requireSame(rows[0][i], kColumns[i].name, "a column has its name");
+        if (!isText || !kColumns[i].text)
             continue;
-        std::string text = utf8(kKeys[i].text(event));
+        std::string text(event.*kColumns[i].text);
         for (std::size_t nul; (nul = text.find('\0')) != text.npos;)
             text.replace(nul, 1, "\xEF\xBF\xBD"); // readers of CSV stop at one
-        requireSame(rows[1][i], text, kKeys[i].name);
+        requireSame(rows[1][i], text, kColumns[i].name);
     }
 }
 #endif
 
 void printAll(Avrel_Event& event, bool isText) {
     const Said all = said(event);
+    EventDecoder decoder;
+    const DecodedEvent& decoded = decoder.take(event);
     for (const Format& format : kFormats)
         for (bool fields : {false, true}) {
-            if (fields && !format.fields)
+            if (fields && !format.hasFields)
                 continue;
             const std::string_view name = format.name;
-            const std::string text = printed(format, fields, event);
+            const std::string text = printed(format, fields, decoded);
             require(isUtf8(text), "output is valid UTF-8");
             require(text.ends_with('\n'), "output is whole lines");
             require(name == "csv" || std::none_of(text.begin(), text.end(),
@@ -90,28 +92,28 @@ void printAll(Avrel_Event& event, bool isText) {
             if (name == "xml")
                 requireXml(text);
             if (name == "csv")
-                requireCsv(parseCsv(text), event, isText);
+                requireCsv(parseCsv(text), decoded, isText);
 #endif
         }
 }
 
-// Every name and every text of the pieces lies in the body, in order; groups match.
-void requirePieces(const std::string& body) {
+// Every name and every text of the items lies in the body, in order; groups match.
+void requireItems(const std::string& body) {
     BodyParser parser;
     const char* at = body.data();
     std::vector<std::string_view> open;
-    for (const Piece& piece : parser.parse(body)) {
-        for (std::string_view part : {piece.name, piece.text}) {
+    for (const BodyItem& item : parser.parse(body)) {
+        for (std::string_view part : {item.name, item.text}) {
             if (part.empty())
                 continue;
             require(part.data() >= at && part.data() + part.size() <= body.data() + body.size(),
-                    "pieces lie in the body in order");
+                    "items are in the body in order");
             at = part.data();
         }
-        if (piece.kind == Piece::Group)
-            open.push_back(piece.name);
-        if (piece.kind == Piece::End) {
-            require(!open.empty() && open.back() == piece.name, "groups match");
+        if (item.type == BodyItem::Group)
+            open.push_back(item.name);
+        if (item.type == BodyItem::End) {
+            require(!open.empty() && open.back() == item.name, "groups match");
             open.pop_back();
         }
     }
@@ -133,8 +135,8 @@ void output(Bytes bytes) {
     Avrel_memory_istream in(record.data(), record.size());
     const std::unique_ptr<Avrel_Event> event(MPUEvent(header, in).create_Avrel_Event());
     printAll(*event, true);
-    requirePieces(utf8(event->getBody()));
-    requirePieces(std::string(characters(bytes)));
+    requireItems(utf8(event->getBody()));
+    requireItems(std::string(characters(bytes)));
 
     std::vector<Char16> units;
     for (Input input(bytes); !input.rest().empty();) {

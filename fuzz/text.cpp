@@ -35,17 +35,15 @@ std::string plainOutside(std::string_view text) {
 }
 
 // One element at a time, its content by recursion.
-std::string plainSafe(std::string_view text, int depth = 0) {
-    constexpr int kDepth = 64;
-    constexpr std::size_t kTag = 1024;
+std::string plainSafe(std::string_view text) {
     std::string out;
     for (std::size_t i = 0; i < text.size();) {
-        if (text[i] != '<' || depth == kDepth) {
+        if (text[i] != '<') {
             out += plainOutside(text.substr(i++, 1));
             continue;
         }
         const std::size_t close = text.find('>', i + 2); // a name is not empty
-        if (close == text.npos || close - i > kTag)
+        if (close == text.npos)
             return out + plainOutside(text.substr(i));
         const std::string closing = "</" + std::string(text.substr(i + 1, close - i - 1));
         std::size_t at = close + 1;
@@ -62,7 +60,7 @@ std::string plainSafe(std::string_view text, int depth = 0) {
         if (size == 0)
             return out + plainOutside(text.substr(i));
         out += text.substr(i, close + 1 - i);
-        out += plainSafe(text.substr(close + 1, at - close - 1), depth + 1);
+        out += plainSafe(text.substr(close + 1, at - close - 1));
         out += text.substr(at, size);
         i = at + size;
     }
@@ -136,16 +134,16 @@ void bodies(std::string_view text) {
     mpu::StackWriter<64> raw(mpu::Texts::Raw);
     for (unsigned i = 0;; ++i) {
         const std::size_t n = std::min(text.size(), std::size_t{1} + i * i % 37);
-        const std::string_view piece = text.substr(0, n);
+        const mpu::Untrusted piece(text.substr(0, n));
         for (mpu::TextWriter* out :
              {static_cast<mpu::TextWriter*>(&safe), static_cast<mpu::TextWriter*>(&raw)}) {
             const std::string_view tag = kTags[i % std::size(kTags)];
             if (i % 4 == 3)
-                out->text(piece).put(" ");
+                out->untrusted(piece).put(" ");
             else if (i % 4 == 1)
                 out->put("<Group>")
                     .element(tag, piece, " ")
-                    .element("Code", "", "")
+                    .element("Code", mpu::Untrusted(), "")
                     .put("</Group>");
             else
                 out->element(tag, piece, i % 4 == 0 ? " " : "");
@@ -205,6 +203,8 @@ void names(std::string_view text) {
     const std::string element = "<t>" + upToNul + "</t>";
     requireText(Avrel_Event::xmlize("t", upToNul.c_str()), element, "xmlize");
     requireText(Avrel_Event::xmlizeString("t", mpu::toString(upToNul)), element, "xmlizeString");
+    requireText(Avrel_Event::xmlizeString(upToNul.c_str(), "v"),
+                "<" + plainUtf8(upToNul) + ">v</" + plainUtf8(upToNul) + ">", "xmlizeString's tag");
 }
 
 void numbers(std::string_view text) {

@@ -1,11 +1,14 @@
 // Memory runs out: at each single allocation of a decode, and at it and all that follow.
 #include "fuzz/Invariants.h"
 #include "fuzz/RecordMutator.h"
+#include "platform/cmap/CMAPOperationFailedException.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 #include <new>
+#include <optional>
 #include <utility>
 
 // Every allocation of the library passes here: operator new by replacement, which reaches the C++
@@ -168,12 +171,12 @@ TEST(Allocation, AnyOfADecodeMayFail) {
     const SuppressTrace quiet;
     mpu::SampleWriter samples(5);
     for (const mpu::Module& module : mpu::modules())
-        for (const mpu::Section& section : module.sections) {
-            const std::string record = samples.record(module, section);
-            EXPECT_GT(decodeScarcely(record), 0u) << module.decoder << ", " << section.title;
+        for (const mpu::RecordKind& kind : mpu::shapesOf(module)) {
+            const std::string record = samples.record(module, kind);
+            EXPECT_GT(decodeScarcely(record), 0u) << module.decoder << ", " << kind.title();
             decodeScarcely(record.substr(0, 160)); // padded
             decodeScarcely(record + "<a>\xFF=</a>" + std::string(6000, '='));
-            ASSERT_FALSE(HasFailure()) << module.decoder << ", " << section.title;
+            ASSERT_FALSE(HasFailure()) << module.decoder << ", " << kind.title();
         }
     fuzz::RecordMutator mutator(6);
     for (int i = 0; i < 300; ++i) {
@@ -184,32 +187,81 @@ TEST(Allocation, AnyOfADecodeMayFail) {
 
 TEST(Allocation, AnyOfATracedDecodeMayFail) {
     const CaptureTrace trace;
-    const MPUEvent message =
-        messageOf(mpu::SampleWriter(5).record(mpu::modules()[0], mpu::modules()[0].sections[0]) +
-                  "more than announced");
+    const MPUEvent message = messageOf(
+        mpu::SampleWriter(5).record(mpu::modules()[0], mpu::kindsOf(mpu::modules()[0])[0]) +
+        "more than announced");
     for (bool once : {false, true})
         EXPECT_GT(
             exhaust(once, [&] { std::unique_ptr<Avrel_Event>(message.create_Avrel_Event()); }), 0u);
 }
 
-// A message that cannot be copied or read stays what it was.
+std::string says(const MPUEvent& message) {
+    const Plenty plenty;
+    const std::unique_ptr<Avrel_Event> event(message.create_Avrel_Event());
+    return utf8(message.str()) + (event ? utf8(event->str()) : "");
+}
+
+// Whatever fails on the way, a message is as before or as after, and everything can be done with it
+// again.
 TEST(Allocation, AnyOfAMessageMayFail) {
     const SuppressTrace quiet;
-    const MPUEvent message = messageOf(std::string(200, 'm'));
-    const MPUEvent other = messageOf(std::string(300, 'o'));
-    EXPECT_GT(exhaust(false, [&] { MPUEvent(message).str(); }), 1u);
-    EXPECT_GT(exhaust(false,
-                      [&] {
-                          MPUEvent target(other);
-                          try {
-                              target = message;
-                          } catch (const std::bad_alloc&) {
-                              const Plenty plenty;
-                              EXPECT_EQ(utf8(target.str()), utf8(other.str()));
-                              throw;
-                          }
-                      }),
-              1u);
+    const std::string bytes = std::string(146, 'n') + '\x17' + std::string(300, 'n');
+    const MPUEvent before = messageOf(std::string(200, 'm'));
+    const MPUEvent after = messageOf(bytes);
+    MPUEvent broken(after.getCMAPMessageHeader());
+    {
+        Avrel_memory_istream in(bytes.data(), 250);
+        EXPECT_THROW(broken.deserialize(in), CMAPOperationFailedException);
+    }
+    MPUEvent unread(before);
+    unread.setCMAPMessageHeader(after.getCMAPMessageHeader());
+    const auto read = [&](std::size_t count) {
+        return [&bytes, count](MPUEvent& message) {
+            Avrel_memory_istream in(bytes.data(), count);
+            try {
+                message.deserialize(in);
+            } catch (const CMAPOperationFailedException&) {
+                EXPECT_LT(count, bytes.size());
+            }
+        };
+    };
+    const struct {
+        std::function<void(MPUEvent&)> change;
+        const MPUEvent& from;
+        const MPUEvent& to;
+    } cases[] = {
+        {read(bytes.size()), unread, after},
+        {read(250), unread, broken},
+        {[&](MPUEvent& message) { message = after; }, before, after},
+        {[](MPUEvent& message) { MPUEvent(message).str(); }, before, before},
+        {[](MPUEvent& message) { std::unique_ptr<Avrel_Event>(message.create_Avrel_Event()); },
+         after, after},
+    };
+    for (const auto& c : cases)
+        for (bool once : {false, true})
+            EXPECT_GT(exhaust(once,
+                              [&] {
+                                  std::optional<MPUEvent> message;
+                                  {
+                                      const Plenty plenty;
+                                      message.emplace(c.from);
+                                  }
+                                  try {
+                                      c.change(*message);
+                                  } catch (const std::bad_alloc&) {
+                                      const Plenty plenty;
+                                      const std::string now = says(*message);
+                                      EXPECT_TRUE(now == says(c.from) || now == says(c.to));
+                                      EXPECT_EQ(says(MPUEvent(*message)), now);
+                                      c.change(*message);
+                                      EXPECT_EQ(says(*message), says(c.to));
+                                      *message = c.from;
+                                      EXPECT_EQ(says(*message), says(c.from));
+                                      throw;
+                                  }
+                              }),
+                      0u)
+                << &c - cases;
 }
 
 } // namespace

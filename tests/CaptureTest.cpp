@@ -1,4 +1,4 @@
-// Reading captures: framing, damage and hex text.
+// Reading captures: framing and damage.
 #include "capture/Capture.h"
 #include "tests/RecordBuilder.h"
 
@@ -297,59 +297,6 @@ TEST(Capture, DecodesWithAndWithoutMessageHeader) {
         const SuppressTrace quiet;
         EXPECT_EQ(message.decode()->getSequenceID(), 7u);
     }
-}
-
-TEST(HexSource, Text) {
-    struct Case {
-        const char* name;
-        std::string text;
-        std::string bytes;
-        std::vector<std::string> reports;
-    };
-    const auto digit = [](const char* place, const char* what) {
-        return std::vector{std::string(place) + ": " + what + "; the rest of the line is ignored"};
-    };
-    const Case cases[] = {
-        {"plain", "41 42\n4344454647\n4a4B", "ABCDEFGJK", {}},
-        {"blanks and line ends", "  41\t42   43\r\n\r\n \n44", "ABCD", {}},
-        {"comments", "# 41\n41 # 42\n43#44\n", "AC", {}},
-        {"xxd", "00000000: 4142 4344 45  4647 zz\n0000001F: 46\n", "ABCDEF", {}},
-        {"xxd, short last line",
-         "00000010: 4142                                     AB\n",
-         "AB",
-         {}},
-        {"xxd, one column", "0: 41  A\n1: 42  B", "AB", {}},
-        {"xxd, 64-bit offset", "0123456789abcdef: 41", "A", {}},
-        {"comment in place of bytes", "10: # 41", "", {}},
-        {"long first token", "4142434445464748494a", "ABCDEFGHIJ", {}},
-        {"not a digit", "41\n42 4x 43\n44", "ABD",
-         digit("line 2, column 5", "\"x\" is not a hexadecimal digit")},
-        {"in the first token", "4g", "",
-         digit("line 1, column 2", "\"g\" is not a hexadecimal digit")},
-        {"unprintable", "41 \x1b", "A",
-         digit("line 1, column 4", "byte 0x1B is not a hexadecimal digit")},
-        {"half a byte", "41 42 4\n43", "ABC", digit("line 1, column 7", "a byte has two digits")},
-        {"half a byte at the end", "414", "A", digit("line 1, column 3", "a byte has two digits")},
-        {"half a byte before a comment", "10: 4#1", "",
-         digit("line 1, column 5", "a byte has two digits")},
-        {"second colon", "10: 41: 42", "A",
-         digit("line 1, column 7", "\":\" is not a hexadecimal digit")},
-        {"offset too long", "0123456789abcdef0: 41", "\x01\x23\x45\x67\x89\xab\xcd\xef",
-         digit("line 1, column 18", "\":\" is not a hexadecimal digit")},
-    };
-    for (const Case& c : cases)
-        for (const std::size_t step : {1u, 1000u}) {
-            SCOPED_TRACE(c.name);
-            std::vector<std::string> reports;
-            Dribble text(c.text, step);
-            HexSource hex(text, [&](const std::string& what) { reports.push_back(what); });
-            std::string bytes;
-            std::uint8_t some[3];
-            while (const std::size_t got = hex.read(some, sizeof some))
-                bytes.append(reinterpret_cast<const char*>(some), got);
-            EXPECT_EQ(bytes, c.bytes);
-            EXPECT_EQ(reports, c.reports);
-        }
 }
 
 } // namespace Pegasus::test

@@ -35,13 +35,13 @@ TEST_F(CommandTest, Usage) {
         const char* arguments;
         const char* error;
     } cases[] = {
-        {"", "mpuevent: which command? \"mpuevent --help\" lists them\n"},
+        {"", "mpuevent: no command given; see mpuevent --help\n"},
         {"encode", "mpuevent: The following argument was not expected: encode; \"mpuevent --help\" "
                    "tells more\n"},
         {"decode --format yaml",
          "mpuevent: --format: yaml not in {text,brief,line,json,xml,csv}; \"mpuevent "
          "--help\" tells more\n"},
-        {"decode --input pcap", "mpuevent: --input: pcap not in {cmap,record,hex,hex-record}; "
+        {"decode --input pcap", "mpuevent: --input: pcap not in {auto,cmap,record,hex,hex-record}; "
                                 "\"mpuevent --help\" tells more\n"},
         {"decode --formt json",
          "mpuevent: The following argument was not expected: --formt; \"mpuevent --help\" tells "

@@ -263,12 +263,5 @@ TEST(ES_ADAPTERMP_Event, ShowsReadingsOfAsManyFansAsThereAre) {
     }
 }
 
-TEST(ES_ADAPTERMP_Event, OffersTheBodyToCallers) {
-    const std::vector<unsigned char> record = event(9).u32(0, 1).record();
-    EXPECT_EQ(
-        utf8(get_ES_ADAPTERMP_event_body(reinterpret_cast<const EmpEvLogMsg_s*>(record.data()))),
-        "<Current_Alarm_State>Mute State</Current_Alarm_State> ");
-}
-
 } // namespace
 } // namespace Pegasus::test

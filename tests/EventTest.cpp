@@ -10,7 +10,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <optional>
+#include <pthread.h>
 #include <set>
+#include <type_traits>
+#include <utility>
 
 namespace Pegasus::test {
 namespace {
@@ -185,6 +190,7 @@ TEST(Formats, Dumps) {
     EXPECT_STREQ(out, "");
     EXPECT_EQ(utf8(Avrel_Event::xmlize("t", "a&b")), "<t>a&b</t>");
     EXPECT_EQ(utf8(Avrel_Event::xmlizeString("t", "")), "<t></t>");
+    EXPECT_EQ(utf8(Avrel_Event::xmlizeString("\xFFt\xC3\xA9", "v")), "<?t\xC3\xA9>v</?t\xC3\xA9>");
 }
 
 TEST(Formats, TagNames) {
@@ -232,22 +238,26 @@ TEST(Safe, Texts) {
     EXPECT_EQ(utf8(Avrel_Event::makeSafeString("a=b", -1)), "");
 }
 
-// Deep and unclosed nesting must cost neither stack nor quadratic time: 4 MiB would show both.
+// Megabytes of what would show a stack or a square: tags that never close, of one name and of many,
+// and elements within elements, each with its own name.
 TEST(Safe, HostileNesting) {
-    std::string open, expected;
-    for (int i = 0; i < 1 << 20; ++i) {
+    std::string open, expected, opened, closed, text;
+    for (int i = 0; i < 1 << 18; ++i) {
         open += "<a>";
         expected += "?a?";
+        const std::string name = std::to_string(i) + "-";
+        opened += "<" + name + ">";
+        text += "?" + name + "?";
+        closed += ">" + std::string(name.rbegin(), name.rend()) + "/<";
     }
-    EXPECT_EQ(safe(open), expected);
-    EXPECT_EQ(safe(open + "</a>"), "<a>" + expected.substr(3) + "</a>");
-    std::string nested = "&";
-    for (int i = 0; i < 100; ++i)
-        nested = "<t" + std::to_string(i) + "q>" + nested + "</t" + std::to_string(i) + "q>";
-    const std::string kept = safe(nested);
-    EXPECT_TRUE(kept.starts_with("<t99q><t98q>")) << kept;
-    EXPECT_TRUE(kept.ends_with("</t98q></t99q>")) << kept;
-    EXPECT_NE(kept.find("<t36q>?t35q??t34q?"), std::string::npos) << kept; // 64 levels
+    std::reverse(closed.begin(), closed.end());
+    EXPECT_TRUE(safe(open) == expected);
+    EXPECT_TRUE(safe(open + "</a>") == "<a>" + expected.substr(3) + "</a>");
+    EXPECT_TRUE(safe(opened + "&" + closed) == opened + "?" + closed);
+    EXPECT_TRUE(safe(opened) == text);
+    EXPECT_TRUE(safe(opened + "</0->") == "<0->" + text.substr(4) + "</0->");
+    const std::string tag = std::string(5000, 'a');
+    EXPECT_EQ(safe("<" + tag + ">&</" + tag + ">"), "<" + tag + ">?</" + tag + ">");
 }
 
 // ---- the message
@@ -277,31 +287,59 @@ TEST(Message, StrShowsHeaderAndRecord) {
                                    "category: 2, eventId (9): 2000");
 }
 
-TEST(Message, CopiesAndAssignments) {
+TEST(Message, CopiesAndMoves) {
+    static_assert(std::is_nothrow_move_constructible_v<MPUEvent>);
+    static_assert(std::is_nothrow_move_assignable_v<MPUEvent>);
+    SuppressTrace quiet;
     const auto bytes = RecordBuilder(11, 5).sequence(77).record();
     CMAPMessageHeader header;
-    MPUEvent empty(header);
+    const MPUEvent empty(header);
     header.setMessageLength(static_cast<Uint16>(64 + bytes.size()));
     Avrel_memory_istream in(bytes.data(), bytes.size());
-    MPUEvent message(header, in);
-    const auto sequence = [](const MPUEvent& m) {
-        return std::unique_ptr<Avrel_Event>(m.create_Avrel_Event())->getSequenceID();
+    const MPUEvent message(header, in);
+    // The sequence number that the message decodes to, none for no event.
+    const auto sequence = [](const MPUEvent& m) -> std::optional<unsigned> {
+        const std::unique_ptr<Avrel_Event> event(m.create_Avrel_Event());
+        return event ? std::optional(event->getSequenceID()) : std::nullopt;
     };
+    EXPECT_EQ(sequence(empty), std::nullopt);
+
     MPUEvent copy(message);
     EXPECT_EQ(sequence(copy), 77u);
-    EXPECT_EQ(empty.create_Avrel_Event(), nullptr);
-    empty = message;
-    empty = *&empty;
-    EXPECT_EQ(sequence(empty), 77u);
-    EXPECT_EQ(empty.getCMAPMessageHeader().getMessageLength(), 64 + bytes.size());
+    copy = *&copy;
+    EXPECT_EQ(sequence(copy), 77u);
+    MPUEvent moved(std::move(copy));
+    EXPECT_EQ(sequence(moved), 77u);
+    EXPECT_EQ(sequence(copy), std::nullopt);
+    EXPECT_EQ(copy.getCMAPMessageHeader().getMessageLength(), 64 + bytes.size());
+    copy = message;
+    EXPECT_EQ(sequence(copy), 77u);
     EXPECT_EQ(sequence(message), 77u);
+
+    // Of a message without a record a copy has an empty one.
+    EXPECT_EQ(sequence(MPUEvent(empty)), 0u);
+    copy = empty;
+    EXPECT_EQ(sequence(copy), 0u);
+    EXPECT_EQ(copy.getCMAPMessageHeader().getMessageLength(), 64);
+    MPUEvent none(header);
+    MPUEvent stillNone(std::move(none));
+    EXPECT_EQ(sequence(stillNone), std::nullopt);
+    moved = std::move(stillNone);
+    EXPECT_EQ(sequence(moved), std::nullopt);
 }
 
-// A stream that says something else than it does.
+// A stream that says something else than it does, or throws in the middle.
 class FailingStream : public Avrel_istream {
 public:
+    static constexpr int kThrows = -2;
+
     explicit FailingStream(int delivered) : delivered_(delivered) {}
-    void read(char* buffer, unsigned int count) override { std::fill_n(buffer, count, '\1'); }
+    void read(char* buffer, unsigned int count) override {
+        std::fill_n(buffer, count / 2, '\1');
+        if (delivered_ == kThrows)
+            throw 1;
+        std::fill_n(buffer, count, '\1');
+    }
     int gcount() const override { return delivered_; }
 
 private:
@@ -331,6 +369,23 @@ TEST(Message, ShortAndFailedReadsThrow) {
         EXPECT_NE(event, nullptr);
         EXPECT_THROW(MPUEvent(header, in), CIMOperationFailedException);
     }
+}
+
+TEST(Message, AStreamThatThrowsChangesNothing) {
+    const auto bytes = RecordBuilder(11, 5).sequence(77).record();
+    CMAPMessageHeader header;
+    header.setMessageLength(static_cast<Uint16>(64 + bytes.size()));
+    Avrel_memory_istream in(bytes.data(), bytes.size());
+    MPUEvent read(header, in);
+    MPUEvent unread(header);
+    header.setMessageLength(0xFFFF);
+    FailingStream failing(FailingStream::kThrows);
+    for (MPUEvent* message : {&read, &unread}) {
+        message->setCMAPMessageHeader(header);
+        EXPECT_THROW(message->deserialize(failing), int);
+    }
+    EXPECT_EQ(unread.create_Avrel_Event(), nullptr);
+    EXPECT_EQ(std::unique_ptr<Avrel_Event>(read.create_Avrel_Event())->getSequenceID(), 77u);
 }
 
 TEST(Message, EveryLengthDecodesWithoutReadingOutside) {
@@ -397,13 +452,70 @@ TEST(Dispatch, ADecoderThatThrowsCostsOnlyItsText) {
     EXPECT_TRUE(body.ends_with("?0x0090: 00021A0101000004 ? ABCD?")) << body;
 }
 
+// A cancelled thread unwinds through the dispatcher, which must not take that for a failed decoder.
+TEST(Dispatch, ADecodingThreadCanBeCancelled) {
+    ASSERT_TRUE(MPUEvent::registerDecoder(26, [](const EmpEvLogMsg_s*, int) -> Avrel_Event* {
+        pthread_cancel(pthread_self());
+        pthread_testcancel();
+        return nullptr;
+    }));
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(
+                  &thread, nullptr,
+                  [](void*) -> void* {
+                      RecordBuilder(26, 4).decode();
+                      return nullptr;
+                  },
+                  nullptr),
+              0);
+    void* result = nullptr;
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
+    ASSERT_TRUE(MPUEvent::registerDecoder(26, nullptr));
+}
+
 TEST(Dispatch, DecodersForModulesWithoutOne) {
-    EXPECT_FALSE(MPUEvent::registerDecoder(23, custom));
-    ASSERT_TRUE(MPUEvent::registerDecoder(200, custom));
     SuppressTrace quiet;
-    EXPECT_EQ(utf8(RecordBuilder(200, 1).decode()->getSummary()), "custom");
+    const auto summary = [](unsigned source) {
+        return utf8(RecordBuilder(source, 1).decode()->getSummary());
+    };
+    for (const std::uint8_t source :
+         std::initializer_list<std::uint8_t>{23, 19, 13}) { // of its own, like another one, dumped
+        const std::string before = summary(source);
+        EXPECT_FALSE(MPUEvent::registerDecoder(source, custom));
+        EXPECT_EQ(summary(source), before);
+    }
+    ASSERT_TRUE(MPUEvent::registerDecoder(200, custom));
+    EXPECT_EQ(summary(200), "custom");
     ASSERT_TRUE(MPUEvent::registerDecoder(200, nullptr));
-    EXPECT_EQ(utf8(RecordBuilder(200, 1).decode()->getSummary()), "");
+    EXPECT_EQ(summary(200), "");
+}
+
+TEST(Dispatch, ModulesDecodedLikeOthers) {
+    SuppressTrace quiet;
+    const auto summary = [](unsigned source) {
+        return utf8(RecordBuilder(source, 1).decode()->getSummary());
+    };
+    const auto other = [](const EmpEvLogMsg_s* record, int length) -> Avrel_Event* {
+        std::unique_ptr<Avrel_Event> event(custom(record, length));
+        event->setSummary("other");
+        return event.release();
+    };
+    for (const auto& [source, like] : {std::pair(1, 0), std::pair(4, 3)}) {
+        const auto set = [](int module, DecoderFactory factory) {
+            ASSERT_TRUE(MPUEvent::registerDecoder(static_cast<unsigned char>(module), factory));
+        };
+        set(like, custom);
+        EXPECT_EQ(summary(source), "custom");
+        set(source, other);
+        EXPECT_EQ(summary(source), "other");
+        EXPECT_EQ(summary(like), "custom");
+        set(like, nullptr);
+        EXPECT_EQ(summary(like), "");
+        EXPECT_EQ(summary(source), "other");
+        set(source, nullptr);
+        EXPECT_EQ(summary(source), "");
+    }
 }
 
 TEST(Unhandled, NamedAndDumped) {

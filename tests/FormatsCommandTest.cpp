@@ -33,11 +33,11 @@ std::string printed(const char* format, bool fields, const std::string& body) {
     Avrel_Event event(nullptr, 0);
     event.setBody(mpu::toString(body));
     mpu::BodyWriter out;
-    formats::Style style;
-    style.fields = fields;
+    formats::PrintOptions options;
+    options.fields = fields;
     for (const formats::Format& row : formats::kFormats)
         if (row.name == std::string_view(format))
-            row.make(style)->print(event, out);
+            row.make(options)->print(formats::EventDecoder().take(event), out);
     return std::string(out.view());
 }
 
@@ -80,7 +80,7 @@ TEST_F(FormatsCommandTest, Fields) {
     EXPECT_EQ(fieldsOf("<A>1").dump(), R"([{"name":"","value":"<A>1"}])");
     const Result wrong = run("decode --fields --format line");
     EXPECT_EQ(wrong.status, 2);
-    EXPECT_EQ(wrong.err, "mpuevent: --fields: not with --format line, but with json, xml or csv\n");
+    EXPECT_EQ(wrong.err, "mpuevent: --fields: not with --format line; use one of json, xml, csv\n");
 }
 
 TEST_F(FormatsCommandTest, Xml) {

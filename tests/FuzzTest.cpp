@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 namespace Pegasus::fuzz {
 namespace {
@@ -44,6 +45,28 @@ TEST(Fuzz, HostileRecords) {
     for (int i = 0; i < 20000; ++i) {
         const std::string record = mutator.record();
         ASSERT_NO_THROW(requireDecodes(bytesOf(record))) << i;
+    }
+}
+
+// Small alphabets make elements of all sorts, within each other and across: each text routine is as
+// its plain version.
+TEST(Fuzz, TextsOfMarkup) {
+    using namespace std::string_view_literals;
+    const test::SuppressTrace quiet;
+    std::mt19937 random(14);
+    const auto below = [&](std::size_t n) { return random() % n; };
+    constexpr std::string_view alphabets[] = {"<>/a", "<>/ab=;&\"\0"sv, "<>/", "</a>b<</"};
+    constexpr std::string_view pieces[] = {
+        "<a>",    "</a>", "<b>", "</b>",    "<ab>", "</ab>", "<a</a>", "</a</a", "<a</a</b",
+        "</a</b", "</a",  "<",   "<b</a</", "</>",  ">",     "a",      "b",      "&"};
+    for (int i = 0; i < 30000; ++i) {
+        const std::string_view alphabet = alphabets[below(std::size(alphabets))];
+        const std::size_t length = 1 + below(i % 50 ? 40 : 400);
+        std::string text;
+        while (text.size() < length)
+            text += i % 2 ? pieces[below(std::size(pieces))]
+                          : alphabet.substr(below(alphabet.size()), 1);
+        ASSERT_NO_THROW(run(targets().at("text"), bytesOf(text))) << text;
     }
 }
 

@@ -24,9 +24,9 @@ MPUEvent messageOf(const std::string& record) {
     return MPUEvent(header, in);
 }
 
-// Records of `size` bytes whose payload repeats one piece, behind the numbers that select a
-// section.
-std::vector<std::string> monotonous(const mpu::Module& module, const mpu::Section& section,
+// Records of `size` bytes whose payload repeats one piece, after the numbers that select the kind
+// of record.
+std::vector<std::string> monotonous(const mpu::Module& module, const mpu::RecordKind& kind,
                                     std::size_t size) {
     using namespace std::string_view_literals;
     mpu::SampleWriter samples(3);
@@ -34,14 +34,14 @@ std::vector<std::string> monotonous(const mpu::Module& module, const mpu::Sectio
     for (std::string_view piece : {"\0"sv, "="sv, "<"sv, "\n"sv, "a"sv, "\xFF"sv, "\x01"sv, "<a>"sv,
                                    "</"sv, "a=\n"sv, "=a "sv, " "sv, ","sv, "\\"sv, "<a></a>"sv,
                                    "\0\1"sv, "\0\0\0\1"sv, "\0\0\0\x08"sv, "\xC3\xA9"sv}) {
-        std::string record = samples.record(module, section);
+        std::string record = samples.record(module, kind);
         // Once behind the sample, once over all but its keys.
         for (std::size_t from : {record.size(), sizeof(EmpEvLogMsg_s)}) {
             std::string twisted = record.substr(0, from);
             while (twisted.size() < size)
                 twisted += piece;
             twisted.resize(size);
-            for (const mpu::Key& key : section.keys)
+            for (const mpu::Key& key : kind.keys())
                 twisted.replace(key.at, key.size, record, key.at, key.size);
             mpu::storeBig(&twisted[offsetof(EmpEvLogMsg_s, evStructLength)],
                           static_cast<std::uint16_t>(size - sizeof(EmpEvLogMsg_s)));
@@ -51,10 +51,10 @@ std::vector<std::string> monotonous(const mpu::Module& module, const mpu::Sectio
     return all;
 }
 
-void forEverySection(const std::function<void(const mpu::Module&, const mpu::Section&)>& act) {
+void forEveryShape(const std::function<void(const mpu::Module&, const mpu::RecordKind&)>& act) {
     for (const mpu::Module& module : mpu::modules())
-        for (const mpu::Section& section : module.sections)
-            act(module, section);
+        for (const mpu::RecordKind& kind : mpu::shapesOf(module))
+            act(module, kind);
 }
 
 // ---- stack ----
@@ -106,8 +106,8 @@ TEST(Limits, ADecodeNeedsLittleStack) {
                     std::to_string(mpu::RecordView(record.data(), record.size()).u16(150));
         }
     };
-    forEverySection([&](const mpu::Module& module, const mpu::Section& section) {
-        for (const std::string& record : monotonous(module, section, 2000))
+    forEveryShape([&](const mpu::Module& module, const mpu::RecordKind& kind) {
+        for (const std::string& record : monotonous(module, kind, 2000))
             check(record);
     });
     fuzz::RecordMutator mutator(4);
@@ -130,8 +130,8 @@ TEST(Limits, OutputAndTimeGrowWithTheRecordAlone) {
     double slowest = 0;
     double widest = 0;
     std::string where;
-    forEverySection([&](const mpu::Module& module, const mpu::Section& section) {
-        for (const std::string& record : monotonous(module, section, kMaxRecord)) {
+    forEveryShape([&](const mpu::Module& module, const mpu::RecordKind& kind) {
+        for (const std::string& record : monotonous(module, kind, kMaxRecord)) {
             const MPUEvent message = messageOf(record);
             const std::clock_t start = std::clock();
             const std::unique_ptr<Avrel_Event> event(message.create_Avrel_Event());
@@ -140,10 +140,10 @@ TEST(Limits, OutputAndTimeGrowWithTheRecordAlone) {
                 event->getBody().size() + event->getSummary().size() + event->getEventID().size();
             if (const double ratio = static_cast<double>(size) / kMaxRecord; ratio > widest) {
                 widest = ratio;
-                where = std::string(module.decoder) + ", " + std::string(section.title);
+                where = std::string(module.decoder) + ", " + kind.title();
             }
             ASSERT_NO_THROW(fuzz::requireBounded(fuzz::said(*event), kMaxRecord))
-                << module.decoder << ", " << section.title;
+                << module.decoder << ", " << kind.title();
         }
     });
     // A quadratic step would take minutes; the bound leaves room for emulators and sanitizers.

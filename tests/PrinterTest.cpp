@@ -20,7 +20,7 @@ String units(std::initializer_list<Uint16> all) {
 
 std::string print(std::unique_ptr<Printer> printer, Avrel_Event& event) {
     mpu::BodyWriter out;
-    printer->print(event, out);
+    printer->print(EventDecoder().take(event), out);
     return std::string(out.view());
 }
 
@@ -180,7 +180,7 @@ TEST(JsonPrinter, Characters) {
                 text.append(c.text).append(String(right.c_str()));
                 event.setBody(text);
                 mpu::BodyWriter out;
-                printer->print(event, out);
+                printer->print(EventDecoder().take(event), out);
                 ASSERT_EQ(nlohmann::json::parse(out.view()).at("body"), left + c.utf8 + right);
             }
     event.setBody(units({'a', 0, 'b'}));

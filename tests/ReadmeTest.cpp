@@ -1,9 +1,10 @@
-// What the README shows is what the command does.
+// What the README shows, and what is generated from the command, is what the command does.
 #include "event/Avrel_Event.h"
 #include "tests/RecordBuilder.h"
 #include "tools/catalogue/Modules.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 
@@ -49,6 +50,29 @@ TEST(Readme, ExamplesAreCurrent) {
         ++examples;
     }
     EXPECT_GE(examples, 2);
+}
+
+TEST(Generated, ManPageAndCompletionsAreCurrent) {
+    if (std::string_view(MPUEVENT_COMMAND).empty())
+        GTEST_SKIP() << "built without the command";
+    const struct {
+        const char* kind;
+        const char* file;
+    } cases[] = {{"man", "docs/mpuevent.1"},
+                 {"bash", "tools/mpuevent/completions/mpuevent.bash"},
+                 {"zsh", "tools/mpuevent/completions/_mpuevent"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(run(std::string("mpuevent --describe ") + c.kind),
+                  run(std::string("cat ") + c.file))
+            << c.file << ": run scripts/renew";
+}
+
+TEST(Readme, LinksEveryPage) {
+    std::string all;
+    for (const std::string& line : readme())
+        all += line;
+    for (const auto& page : std::filesystem::directory_iterator(MPUEVENT_DOCS_DIR))
+        EXPECT_NE(all.find("(docs/" + page.path().filename().string()), all.npos) << page.path();
 }
 
 TEST(Readme, TableHasEveryDecoder) {

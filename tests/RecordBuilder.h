@@ -102,6 +102,19 @@ public:
         return bytes(at, std::string(text) + '\0');
     }
 
+    // `n` bytes, each the low byte of its distance from `at`, so that the word at 8 is 0x08090A0B.
+    RecordBuilder& counted(std::size_t at, unsigned n) {
+        for (unsigned i = 0; i < n; ++i)
+            u8(at + i, static_cast<std::uint8_t>(i));
+        return *this;
+    }
+    // `n` words that count from `first`.
+    RecordBuilder& words(std::size_t at, unsigned n, std::uint32_t first = 1) {
+        for (unsigned i = 0; i < n; ++i)
+            u32(at + 4 * i, first + i);
+        return *this;
+    }
+
     std::vector<unsigned char> record() const {
         std::vector<unsigned char> all = header_;
         mpu::storeBig(&all[offsetof(EmpEvLogMsg_s, evStructLength)],

@@ -53,9 +53,7 @@ TEST(Smis, UnknownCodes) {
 }
 
 TEST(Smis, Bodies) {
-    RecordBuilder message = smis(2013);
-    for (unsigned i = 0; i < 9; ++i)
-        message.u32(32 + 4 * i, 10 + i);
+    RecordBuilder message = smis(2013).words(32, 9, 10);
     const struct {
         RecordBuilder record;
         const char *summary, *body;
@@ -264,6 +262,38 @@ TEST(ManagedObject, EveryClassRendersByItsName) {
               "<ClassName>ManagedObject</ClassName> <Hex>26</Hex> ");
     EXPECT_EQ(utf8(ManagedObject().render(nullptr, 0)),
               "<ClassName>ManagedObject</ClassName> <Hex></Hex> ");
+}
+
+class Fan : public ManagedObject {
+public:
+    String render(const void* data, unsigned int length) const override {
+        const std::string speed(static_cast<const char*>(data), length);
+        return String(("<Fan><Speed>" + speed + "</Speed></Fan> a=b <open> ").c_str());
+    }
+};
+
+TEST(ManagedObject, RegisteredClassesRenderInEvents) {
+    const auto body = [](std::uint8_t classId) {
+        return utf8(smis(2018)
+                        .u8(32, classId)
+                        .u16(34, 2)
+                        .bytes(36, "9&")
+                        .text(38, "t")
+                        .decode()
+                        ->getBody());
+    };
+    const std::string tail = "<ClassId>6</ClassId> <Text>t</Text> ";
+    const std::string unnamed = "<ClassName>ManagedObject</ClassName> <Hex>3926</Hex> " + tail;
+    EXPECT_FALSE(ManagedObject::registerClass(58, []() -> ManagedObject* { return new Fan; }));
+    EXPECT_TRUE(body(58).starts_with("<ClassName>CMAPVolume<"));
+    ASSERT_TRUE(ManagedObject::registerClass(6, []() -> ManagedObject* { return new Fan; }));
+    // "<open>" never closes: it and all after it is text.
+    EXPECT_EQ(body(6),
+              "<Fan><Speed>9?</Speed></Fan> a: b ?open? ?ClassId?6?/ClassId? ?Text?t?/Text? ");
+    ASSERT_TRUE(ManagedObject::registerClass(6, []() -> ManagedObject* { return nullptr; }));
+    EXPECT_EQ(body(6), tail);
+    ASSERT_TRUE(ManagedObject::registerClass(6, nullptr));
+    EXPECT_EQ(body(6), unnamed);
 }
 
 TEST(Smis, IndicationsAreDecodedAlike) {

@@ -287,18 +287,5 @@ TEST(Startup, InvalidState) {
     }
 }
 
-TEST(Startup, PublicBuilders) {
-    const auto bytes = startup(9).bytes(0, "a\0\0\0\0\0\0\0"sv).record();
-    const EmpEvLogMsg_s* record = reinterpret_cast<const EmpEvLogMsg_s*>(bytes.data());
-    SuppressTrace quiet;
-    EXPECT_EQ(utf8(get_STARTUPMP_MSG_STRING(record)), "<Text1>a</Text1> ");
-    EXPECT_TRUE(utf8(get_STARTUPMP_MSG_MMCH(record)).ends_with("</general_use3> </MMCH_contents>"));
-    EXPECT_TRUE(utf8(get_STARTUPMP_MSG_PARTIAL_MMSG(record))
-                    .ends_with("<Message_length>0</Message_length> </MMCH_contents>"));
-    EXPECT_TRUE(utf8(get_SignalInfo(record)).starts_with("<Exception>Caught</Exception> "));
-    EXPECT_EQ(utf8(get_Ravel_stack_dump(record)), "<arc_index>61000000</arc_index> <SP>0</SP> ");
-    EXPECT_TRUE(utf8(get_Ravel_INVALID_STATE_MMSG(record)).starts_with("<BASE_ADDRESS>61000000 "));
-}
-
 } // namespace
 } // namespace Pegasus::test

@@ -1,7 +1,7 @@
 // What `mpuevent summary` counts, and what the command shows on a terminal.
 #include "tests/CommandFixture.h"
 
-#include "tools/mpuevent/Statistics.h"
+#include "formats/Statistics.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -121,27 +121,27 @@ TEST_F(SummaryCommandTest, ProgressWhereItIsSlow) {
 }
 
 // However the times lie, no event is lost and none leaves its place.
-TEST(TimeLine, Pieces) {
+TEST(TimeLine, Buckets) {
     const struct {
         std::uint32_t first, step, count;
     } cases[] = {{0, 1, 10}, {5, 0, 10}, {100, 1, 100000}, {0, 42949, 100000}, {4294967295, 0, 1}};
     for (const auto& c : cases) {
-        tool::TimeLine line;
-        tool::Span time;
+        formats::TimeLine line;
+        formats::Range time;
         for (std::uint32_t i = 0; i < c.count; ++i) {
             line.add(c.first + i * c.step, i % 4);
             time.add(c.first + i * c.step);
         }
-        const auto pieces = line.pieces(10, time);
-        tool::SeverityCounts sum{};
-        for (const auto& piece : pieces)
+        const auto buckets = line.buckets(10, time);
+        formats::SeverityCounts sum{};
+        for (const auto& bucket : buckets)
             for (std::size_t i = 0; i < 4; ++i)
-                sum[i] += piece[i];
+                sum[i] += bucket[i];
         EXPECT_EQ(sum[0] + sum[1] + sum[2] + sum[3], c.count);
         EXPECT_EQ(sum[3], c.count / 4);
         if (c.step != 0) {
-            for (const auto& piece : pieces)
-                EXPECT_NEAR(static_cast<double>(piece[0] + piece[1] + piece[2] + piece[3]),
+            for (const auto& bucket : buckets)
+                EXPECT_NEAR(static_cast<double>(bucket[0] + bucket[1] + bucket[2] + bucket[3]),
                             c.count / 10.0, c.count / 300.0);
         }
     }

@@ -1,5 +1,6 @@
 // The library from many threads at once. Run under the thread sanitizer by .ci/run.
 #include "fuzz/Invariants.h"
+#include "platform/cmap/ManagedObject.h"
 #include "tools/catalogue/Modules.h"
 #include "tools/catalogue/Sample.h"
 
@@ -38,14 +39,14 @@ std::string decode(const MPUEvent& message) {
     return utf8(std::unique_ptr<Avrel_Event>(message.create_Avrel_Event())->str());
 }
 
-// A message of every section, its length false so that decoding it traces.
-std::vector<Case> everySection() {
+// A message of every shape, its length false so that decoding it traces.
+std::vector<Case> everyShape() {
     const SuppressTrace quiet;
     std::vector<Case> all;
     mpu::SampleWriter samples(9);
     for (const mpu::Module& module : mpu::modules())
-        for (const mpu::Section& section : module.sections) {
-            const std::string record = samples.record(module, section) + "tail";
+        for (const mpu::RecordKind& kind : mpu::shapesOf(module)) {
+            const std::string record = samples.record(module, kind) + "tail";
             CMAPMessageHeader header;
             header.setMessageLength(
                 static_cast<Uint16>(mpu::message_header::kSize + record.size()));
@@ -57,7 +58,7 @@ std::vector<Case> everySection() {
 }
 
 TEST(Threads, TheSameMessagesDecodeAlikeInAll) {
-    const std::vector<Case> cases = everySection();
+    const std::vector<Case> cases = everyShape();
     std::atomic<unsigned> wrong{0};
     std::size_t lines = 0;
     {
@@ -78,7 +79,7 @@ TEST(Threads, TheSameMessagesDecodeAlikeInAll) {
 }
 
 TEST(Threads, TracingIsSwitchedMeanwhile) {
-    const std::vector<Case> cases = everySection();
+    const std::vector<Case> cases = everyShape();
     const CaptureTrace trace;
     std::atomic<unsigned> wrong{0};
     together([&](unsigned i) {
@@ -111,18 +112,29 @@ Avrel_Event* custom(const EmpEvLogMsg_s* record, int length) {
     return event.release();
 }
 
-TEST(Threads, DecodersAreRegisteredMeanwhile) {
+class Custom_Object : public ManagedObject {
+public:
+    String render(const void*, unsigned int) const override { return "custom "; }
+};
+
+TEST(Threads, DecodersAndClassesAreRegisteredMeanwhile) {
     const SuppressTrace quiet;
     std::atomic<unsigned> wrong{0};
     together([&](unsigned i) {
         for (unsigned n = 0; n < 300; ++n) {
             if (i == 0)
                 MPUEvent::registerDecoder(200, n % 2 ? custom : nullptr);
+            if (i == 1)
+                ManagedObject::registerClass(
+                    200, n % 2 ? +[]() -> ManagedObject* { return new Custom_Object; } : nullptr);
             const std::string summary = utf8(RecordBuilder(200, 1).decode()->getSummary());
             wrong += !summary.empty() && summary != "custom";
+            const std::string body = utf8(RecordBuilder(29, 2018).u8(32, 200).decode()->getBody());
+            wrong += !body.starts_with("custom ") && !body.starts_with("<ClassName>");
         }
     });
     MPUEvent::registerDecoder(200, nullptr);
+    ManagedObject::registerClass(200, nullptr);
     EXPECT_EQ(wrong, 0u);
 }
 

@@ -1,25 +1,37 @@
 #include "decoders/common/Unknown.h"
 
-#include "event/TextWriter.h"
 #include "platform/trace/ProviderTraceServices.h"
 
 namespace Pegasus::mpu {
 
-void assignHexBody(String& to, const EmpEvLogMsg_s* record) {
-    const std::string_view payload(reinterpret_cast<const char*>(record + 1),
-                                   record->evStructLength);
-    StackWriter<1024> body;                                  // beside that of the decoder
+void writePayload(TextWriter& body, const Record& record) {
+    const Untrusted payload = record.payload().bytes(0, record.payloadLength());
     body.reserve(2 * payload.size() + sizeof "<Hex></Hex>"); // grows at most once
     body.put("<Hex>").hexBytes(payload).put("</Hex>");
+}
+
+void assignHexBody(String& to, const EmpEvLogMsg_s* record) {
+    StackWriter<1024> body; // beside that of the decoder
+    writePayload(body, Record(record));
     body.assignTo(to);
 }
 
-void traceUnknown(const char* source, int line, const char* what, const EmpEvLogMsg_s* record) {
+void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event) {
+    traceUnknown(event.traceSource, event.traceLine, event.trace, record);
+    draft.summary.put(event.summary);
+    writePayload(draft.body, record);
+}
+
+void traceUnknown(const char* source, int line, const char* what, const Record& record) {
     if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
         return;
     LineWriter id;
-    id.decimal(record->eventId);
+    id.decimal(record.eventId());
     ProviderTraceServices::ptsTrace(source, line, {what, id.view()});
+}
+
+void traceUnknown(const char* source, int line, const char* what, const EmpEvLogMsg_s* record) {
+    traceUnknown(source, line, what, Record(record));
 }
 
 } // namespace Pegasus::mpu

@@ -1,16 +1,26 @@
 // What every decoder does with an event it doesn't know.
 #pragma once
 
-#include "event/EmpEvLogMsg_s.h"
-
-#include <Pegasus/Common/String.h>
+#include "event/Draft.h"
+#include "event/Record.h"
 
 namespace Pegasus::mpu {
 
 // "<Hex>" and the evStructLength bytes of the payload in upper-case digits, "</Hex>".
+void writePayload(TextWriter& body, const Record& record);
 void assignHexBody(String& body, const EmpEvLogMsg_s* record);
+
+struct UnknownEvent {
+    const char* traceSource; // of the trace line, that says `trace` and the event id in decimal
+    int traceLine;
+    const char* trace;
+    std::string_view summary;
+};
+// Traces, and leaves a draft with the summary and the payload; the title stays the event's number.
+void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event);
 
 // Traces `what` and the record's event id in decimal.
 void traceUnknown(const char* source, int line, const char* what, const EmpEvLogMsg_s* record);
+void traceUnknown(const char* source, int line, const char* what, const Record& record);
 
 } // namespace Pegasus::mpu

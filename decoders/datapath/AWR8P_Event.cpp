@@ -1,5 +1,7 @@
 #include "decoders/datapath/AWR8P_Event.h"
 
+#include "decoders/Decode.h"
+#include "decoders/datapath/AWR8P_Layouts.h"
 #include "decoders/datapath/Entries.h"
 #include "event/Ascii.h"
 
@@ -8,9 +10,13 @@
 namespace Pegasus {
 
 using namespace mpu;
-using datapath::Entries;
 
 namespace {
+
+using datapath::addEntries;
+using datapath::putEntry;
+
+constexpr std::string_view kTextTag = "_";
 
 enum Type : std::uint32_t { kText, kBytes, kContainer, kName };
 
@@ -56,13 +62,77 @@ char* putLine(char* out, std::string_view bytes) {
     return out;
 }
 
-void putDump(Entries& entries, std::string_view bytes) {
-    for (std::size_t at = 0; at < bytes.size(); at += kLine) {
-        char tag[kHexRoom + 2] = "_";
-        *putHex(tag + 1, at, 4, Case::Lower) = '\0';
-        char line[kLineRoom];
-        entries.text(tag, {line, putLine(line, bytes.substr(at, kLine))});
+// The items of a tree that are no containers, one after the other. An item is inside its container
+// and the record.
+class Items {
+public:
+    explicit Items(RecordView tree)
+        : tree_(tree), end_(std::min(tree.size(), kHeader + contentOf(tree.u32(4)))) {}
+
+    // False after the last one.
+    bool next();
+    std::uint32_t type() const { return type_; }
+    RecordView content() const { return content_; }
+    Untrusted text() const { return content_.text(0); }
+
+private:
+    RecordView tree_;
+    std::uint32_t type_ = 0;
+    RecordView content_;
+    std::size_t at_ = 0;
+    std::size_t end_; // of the innermost container
+    // Where the walk goes on after the containers that it is in.
+    struct {
+        std::size_t next;
+        std::size_t end;
+    } outer_[kMaxDepth];
+    unsigned depth_ = 0;
+};
+
+bool Items::next() {
+    for (;;) {
+        if (end_ - at_ < kHeader) {
+            if (depth_ == 0)
+                return false;
+            --depth_;
+            at_ = outer_[depth_].next;
+            end_ = outer_[depth_].end;
+            continue;
+        }
+        type_ = tree_.u32(at_);
+        const std::uint32_t length = tree_.u32(at_ + 4);
+        const std::size_t content = at_ + kHeader;
+        const std::size_t size = std::min(contentOf(length), end_ - content);
+        at_ = static_cast<std::int32_t>(length) < 0 ? end_ : content + size;
+        if (type_ != kContainer) {
+            content_ = tree_.subview(content, size);
+            return true;
+        }
+        if (depth_ < kMaxDepth) {
+            outer_[depth_++] = {at_, end_};
+            at_ = content;
+            end_ = content + size;
+        }
     }
+}
+
+void putLines(TextWriter& body, Untrusted dumped) {
+    const std::string_view bytes = dumped.raw();
+    for (std::size_t at = 0; at < bytes.size(); at += kLine) {
+        char tag[kHexRoom + 1] = "_";
+        const char* end = putHex(tag + 1, at, 4, Case::Lower);
+        char line[kLineRoom];
+        putEntry(body, {tag, static_cast<std::size_t>(end - tag)},
+                 Untrusted({line, putLine(line, bytes.substr(at, kLine))}));
+    }
+}
+
+// The entries of a text or dump.
+void putItem(TextWriter& body, const Items& item) {
+    if (item.type() == kText)
+        putEntry(body, kTextTag, item.text());
+    else if (item.type() == kBytes)
+        putLines(body, item.content().bytes(0));
 }
 
 // The item with all of its content, as it is in memory.
@@ -72,79 +142,56 @@ RecordView viewOf(const awrEvtHdr_s* item) {
 
 } // namespace
 
+void awr::putTree(Draft& draft, const Record&, RecordView data) {
+    bool summarySet = false;
+    draft.body.setTexts(Texts::Raw);
+    for (Items items(data); items.next();) {
+        putItem(draft.body, items);
+        if (items.type() == kText && !summarySet) {
+            summarySet = true;
+            draft.summary.untrusted(items.text());
+        } else if (items.type() == kName) {
+            draft.title.clear();
+            draft.title.untrusted(items.text());
+            draft.isTitled = true;
+        }
+    }
+}
+
+void awr::decode(const Record& record, Draft& draft) {
+    putTree(draft, record, record.payload());
+}
+
 AWR8P_Event::AWR8P_Event(const EmpEvLogMsg_s* record, int length)
     : AvrelEvent(record, static_cast<unsigned int>(length)) {
     if (!record)
         return;
-    BodyWriter body;
-    Entries entries(body);
-    parse(entries, RecordView::of(record, static_cast<unsigned int>(length)).from(sizeof *record));
-    startBody(body.view());
+    Draft draft;
+    awr::decode(Record(record, static_cast<unsigned int>(length)), draft);
+    summarySet_ = draft.body.view().find("<_>") != std::string_view::npos; // the first text is it
+    take(draft);
 }
 
 AWR8P_Event::~AWR8P_Event() = default;
 
 void AWR8P_Event::awr8p_parse_evt(const awrEvtHdr_s* item) {
-    Entries::Scratch scratch;
-    Entries entries(scratch, *this);
-    parse(entries, viewOf(item));
+    for (Items items(viewOf(item)); items.next();) {
+        BodyWriter entries;
+        putItem(entries, items);
+        addEntries(*this, entries, kTextTag);
+        if (items.type() == kText && summarySet_ == 0) {
+            summarySet_ = 1;
+            assignText(summary_, items.text().raw());
+        } else if (items.type() == kName) {
+            assignText(eventID_, items.text().raw());
+        }
+    }
 }
 
 void AWR8P_Event::awr8p_dump_bin(const awrEvtHdr_s* item) {
-    Entries::Scratch scratch;
-    Entries entries(scratch, *this);
-    putDump(entries, viewOf(item).bytes(kHeader));
-}
-
-void AWR8P_Event::parse(Entries& entries, RecordView item) {
-    // Where the walk goes on behind the containers that it is in.
-    struct {
-        std::size_t next;
-        std::size_t end;
-    } outer[kMaxDepth];
-    unsigned depth = 0;
-    std::size_t at = 0;
-    // What lies behind the outermost item isn't part of the tree.
-    std::size_t end = std::min(item.size(), kHeader + contentOf(item.u32(4)));
-    for (;;) {
-        if (end - at < kHeader) {
-            if (depth == 0)
-                return;
-            --depth;
-            at = outer[depth].next;
-            end = outer[depth].end;
-            continue;
-        }
-        const std::uint32_t type = item.u32(at);
-        const std::uint32_t length = item.u32(at + 4);
-        const std::size_t content = at + kHeader;
-        const std::size_t size = std::min(contentOf(length), end - content);
-        at = static_cast<std::int32_t>(length) < 0 ? end : content + size;
-        switch (type) {
-        case kText: {
-            const std::string_view text = item.text(content, size);
-            entries.text("_", text);
-            if (!summarySet_) {
-                summarySet_ = 1;
-                assignText(summary_, text);
-            }
-            break;
-        }
-        case kBytes:
-            putDump(entries, item.bytes(content, size));
-            break;
-        case kContainer:
-            if (depth < kMaxDepth) {
-                outer[depth++] = {at, end};
-                at = content;
-                end = content + size;
-            }
-            break;
-        case kName:
-            assignText(eventID_, item.text(content, size));
-            break;
-        }
-    }
+    BodyWriter entries;
+    putLines(entries, viewOf(item).bytes(kHeader));
+    addEntries(*this, entries, {});
 }
 
 } // namespace Pegasus

@@ -32,7 +32,7 @@ inline constexpr Row kMsaRows[] = {
     {"msa_write_check_point", "0x%08X", u32(28)},
 };
 
-// Management message. The opcode lies second and is written last.
+// Management message. The opcode is second there and written last.
 inline constexpr Row kMmsgRows[] = {
     {"mmsg_length", "0x%08X", u16(0)},        {"mmsg_requestor", "0x%08X", u8(2)},
     {"mmsg_dest_ep", "0x%08X", u8(3)},        {"mmsg_return_code", "0x%08X", u32(8)},
@@ -44,65 +44,43 @@ inline constexpr unsigned kLwsemSize = sizeof(LwsemRecord);
 inline constexpr unsigned kMsaSize = sizeof(MsaRecord);
 inline constexpr unsigned kMmsgSize = sizeof(MmsgRecord);
 
+inline constexpr Row kRequestRows[] = {{"Request_Type", "%s", eventName}};
 inline constexpr Row kInterruptRows[] = {{"Interrupt", "0x%08X", u32(0)}};
 inline constexpr Row kMessageRows[] = {{"Message", "0x%08X", u32(0)}};
 
-// ---- for the catalogue -------------------------------------------------------------------------
+// ---- events ------------------------------------------------------------------------------------
 
-inline constexpr std::uint16_t kFrameAt = 152;
-inline constexpr std::uint16_t kArea = kFrameAt + kDataAt;
+// A structure in the data area.
+constexpr Piece data(std::span<const Row> table, unsigned at = 0) {
+    return rows(table, kDataAt + at);
+}
 
-template <std::uint32_t Class, std::uint32_t EventCode>
-inline constexpr Key kKeys[] = {
-    {150, 2, 1}, {kFrameAt + kClassAt, 4, Class}, {kFrameAt + kCodeAt, 4, EventCode}};
-
-// A number as it lies in a record.
+// The length of the data area of a sample.
 template <std::uint32_t Value>
 inline constexpr char kBigEndian[] = {
     static_cast<char>(Value >> 24), static_cast<char>(Value >> 16 & 0xFF),
     static_cast<char>(Value >> 8 & 0xFF), static_cast<char>(Value & 0xFF)};
-template <std::uint32_t Value>
-inline constexpr std::string_view kWord{kBigEndian<Value>, 4};
-
-// The length of the data area.
 template <std::uint32_t Length>
-inline constexpr Fill kLength[] = {{kFrameAt + kLengthAt, kWord<Length>}};
+inline constexpr Piece kLength = sample(kLengthAt, {kBigEndian<Length>, 4});
 
-// "Codes: 10 Manager Unexpected Message Type, 32 Manager MSA Event"
-struct CodeText {
-    std::array<char, 1024> text{};
-    std::size_t size = 0;
+void putFileSummary(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kFileSummary{putFileSummary, "the file"};
+inline constexpr Row kFileRows[] = {{"File", "%s", text(0, 127)}};
 
-    constexpr void put(std::string_view more) {
-        for (char c : more)
-            text[size++] = c;
-    }
-    constexpr void put(unsigned number) {
-        if (number >= 10)
-            put(number / 10);
-        text[size++] = static_cast<char>('0' + number % 10);
-    }
-};
-template <const auto& Events, std::uint8_t Class>
-inline constexpr CodeText kCodeText = [] {
-    CodeText list;
-    bool first = true;
-    for (const auto& event : Events) {
-        if (event.eventClass != Class)
-            continue;
-        list.put(first ? "Codes: " : ", ");
-        if (event.code != kAnyCode)
-            list.put(event.code);
-        else
-            list.put(first ? "any" : "any other");
-        list.put(" ");
-        list.put(std::string_view(event.text));
-        first = false;
-    }
-    return list;
-}();
-template <const auto& Events, std::uint8_t Class>
-inline constexpr std::string_view kCodeList{kCodeText<Events, Class>.text.data(),
-                                            kCodeText<Events, Class>.size};
+// What an event shows: the request by its text, then `pieces`. The text is the summary, too.
+constexpr EventRow row(Codes codes, std::string_view text, const Pieces& pieces = {},
+                       const Summary& summary = line("%s", eventName)) {
+    EventRow made{codes, text, summary, {kRequestRows}};
+    std::copy_n(pieces.begin(), kMaxPieces - 1, made.pieces.begin() + 1);
+    return made;
+}
+
+// What selects an event of the two modules.
+inline constexpr Key kKeys[] = {{150, 2, 1}};
+inline constexpr Value kClass = u32(sizeof(EmpEvLogMsg_s) + kClassAt);
+inline constexpr Value kCode = u32(sizeof(EmpEvLogMsg_s) + kCodeAt);
+#define MPUEVENT_DATAPATH_NOTE                                                                     \
+    "The length of the data area, which begins at 20, is the u32 at 16. Lists end with the area; " \
+    "structures are shown whole, whatever it says. "
 
 } // namespace Pegasus::mpu::datapath

@@ -1,30 +1,18 @@
-// The entries of the decoders that derive from AvrelEvent.
+// The entries of the decoders that derive from AvrelEvent: "<tag>value</tag>", nothing between.
 #pragma once
 
 #include "event/AvrelEvent.h"
-#include "event/Layout.h"
+#include "event/TextWriter.h"
 
 namespace Pegasus::mpu::datapath {
 
-// Takes entries in one of two ways, so that a walk over the tables serves both: as the text of a
-// body, or one by one through the virtual addEntry() of an event, where a subclass sees them.
-class Entries {
-public:
-    // `body` keeps texts raw.
-    explicit Entries(TextWriter& body) : out_(body), event_(nullptr) {}
-    // `scratch` is empty and stays so.
-    Entries(TextWriter& scratch, AvrelEvent& event) : out_(scratch), event_(&event) {}
+// Adds an entry as AvrelEvent::addEntry() writes it: a backslash that would escape the closing tag
+// becomes ".".
+void putEntry(TextWriter& body, std::string_view tag, Untrusted text);
 
-    // One entry a row. The values are numbers; the style of the layout is Style::Joined.
-    void structure(const Layout& layout, RecordView view);
-    void text(const char* tag, std::string_view value);
-
-    // Scratch that most structures fit.
-    using Scratch = StackWriter<1024>;
-
-private:
-    TextWriter& out_;
-    AvrelEvent* event_;
-};
+// Adds a run of finished entries to an event, one by one through the virtual addEntry(), where a
+// subclass sees them. The one tagged `text` holds a text from the record and is the last. Changes
+// the run.
+void addEntries(AvrelEvent& event, TextWriter& run, std::string_view text);
 
 } // namespace Pegasus::mpu::datapath

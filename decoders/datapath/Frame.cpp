@@ -1,13 +1,24 @@
-#include "decoders/datapath/Frame.h"
-
-#include "event/TextWriter.h"
+#include "decoders/datapath/Datapath_Layouts.h"
 #include "platform/trace/ProviderTraceServices.h"
 
 namespace Pegasus::mpu::datapath {
 
-std::string_view assertFile(RecordView payload) {
+std::size_t leftOf(const Record& record, RecordView data) {
+    const RecordView payload = record.payload();
+    const RecordView area = payload.subview(kDataAt);
+    const std::size_t end = std::min<std::size_t>(payload.u32(kLengthAt), area.size());
+    const std::size_t at = area.size() - data.size();
+    return end > at ? end - at : 0;
+}
+
+Untrusted assertFile(const Record& record) {
     constexpr std::size_t kLongest = 127;
+    const RecordView payload = record.payload();
     return payload.text(kDataAt, std::min<std::size_t>(payload.u32(kLengthAt), kLongest));
+}
+
+void putFileSummary(Draft& draft, const Record& record, RecordView) {
+    draft.summary.untrusted(assertFile(record));
 }
 
 void traceLength(const char* source, int line, const char* what, RecordView payload) {

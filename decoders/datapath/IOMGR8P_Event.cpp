@@ -1,5 +1,6 @@
 #include "decoders/datapath/IOMGR8P_Event.h"
 
+#include "decoders/Decode.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/datapath/Entries.h"
 #include "decoders/datapath/IOMGR8P_Layouts.h"
@@ -11,187 +12,120 @@ using namespace mpu::iomgr;
 
 namespace {
 
-template <const auto& Rows>
-constexpr const Layout& joined = kLayout<Rows, Style::Joined>;
+constexpr const Events& events = kEventsOf<kEvents>;
 
-// A data area: what can be read, and where its lists end.
-struct Area {
-    explicit Area(RecordView payload)
-        : bytes(payload.from(kDataAt)),
-          end(std::min<std::size_t>(payload.u32(kLengthAt), bytes.size())) {}
-
-    RecordView bytes;
-    std::size_t end;
-};
-
-void putDiskline(Entries& entries, RecordView dlm) {
-    entries.structure(joined<kDlmRows>, dlm);
-    for (std::size_t i = 0; i < kDlmEntries; ++i)
-        entries.structure(joined<kDlmEntryRows>, dlm.from(kDlmHeaderSize + i * kDlmEntrySize));
+void putFrame(Draft& draft, const Record& record) {
+    traceLength("IOMGR8P_Event", 208, "IOMGR_Event: Length=0x", record.payload());
+    draft.body.setTexts(Texts::Raw);
+    events.writeHead(draft, record, record.payload());
 }
 
-void putGroup(Entries& entries, RecordView group) {
+const Events::Entry* findEvent(const Record& record) {
+    const RecordView payload = record.payload();
+    return events.find(payload.u32(kClassAt), payload.u32(kCodeAt));
+}
+
+void putGroup(TextWriter& body, RecordView group) {
     for (std::size_t i = 0; i < kSgtEntries && group.u32(i * kSgtEntrySize) != 0; ++i)
-        entries.structure(joined<kSgtRows>, group.from(i * kSgtEntrySize));
-}
-
-void putGroups(Entries& entries, const Area& area, std::size_t at) {
-    for (; at < area.end; at += kSgtSize)
-        putGroup(entries, area.bytes.from(at));
-}
-
-// An extent is shown when it begins inside the data area.
-void putVolume(Entries& entries, const Area& area, std::size_t at) {
-    entries.structure(joined<kVtRows>, area.bytes.from(at));
-    for (at += kVtSize; at < area.end; at += kExtSize)
-        entries.structure(joined<kExtRows>, area.bytes.from(at));
-}
-
-// A structure at the start of the data area, and what lies behind it.
-struct Plan {
-    enum Behind : std::uint8_t { Nothing, Volume, Groups, Diskline };
-    const Layout* structure;
-    Behind behind = Nothing;
-    std::uint8_t at = 0;
-};
-
-// By Dump, as far as that is what the area alone says.
-constexpr Plan kPlans[] = {
-    /* None         */ {nullptr},
-    /* VolumeNumber */ {&joined<kVolumeNumberRows>},
-    /* Message      */ {&joined<kMessageRows>},
-    /* Interrupt    */ {&joined<kInterruptRows>},
-    /* Lwsem        */ {&joined<kLwsemRows>},
-    /* Drp          */ {&joined<kDrpRows>},
-    /* Msa          */ {&joined<kMsaRows>},
-    /* Isurp        */ {&joined<kIsurpRows>},
-    /* Dlm          */ {nullptr, Plan::Diskline},
-    /* Mmsg         */ {&joined<kMmsgRows>},
-    /* Dib          */ {&joined<kDibRows>},
-    /* Ndfe         */ {&joined<kNdfeRows>},
-    /* Vbgt         */ {&joined<kVbgtRows>},
-    /* Rcd          */ {&joined<kRcdRows>},
-    /* Bcd          */ {&joined<kBcdRows>},
-    /* Rbt          */ {&joined<kRbtRows>},
-    /* Vt           */ {nullptr, Plan::Volume},
-    /* Sgt          */ {nullptr, Plan::Groups},
-    /* DrpVt        */ {&joined<kDrpRows>, Plan::Volume, kDrpSize},
-    /* DrpSgt       */ {&joined<kDrpRows>, Plan::Groups, kDrpSize},
-    /* IsurpVt      */ {&joined<kIsurpRows>, Plan::Volume, kIsurpSize},
-    /* IsurpSgt     */ {&joined<kIsurpRows>, Plan::Groups, kIsurpSize},
-    /* FerDlm       */ {&joined<kFerRows>, Plan::Diskline, kFerSize},
-};
-static_assert(std::size(kPlans) == static_cast<std::size_t>(Dump::Failed));
-
-void putArea(Entries& entries, const Plan& plan, RecordView payload) {
-    const Area area(payload);
-    if (plan.structure)
-        entries.structure(*plan.structure, area.bytes);
-    switch (plan.behind) {
-    case Plan::Nothing:
-        break;
-    case Plan::Volume:
-        putVolume(entries, area, plan.at);
-        break;
-    case Plan::Groups:
-        putGroups(entries, area, plan.at);
-        break;
-    case Plan::Diskline:
-        putDiskline(entries, area.bytes.from(plan.at));
-        break;
-    }
-}
-
-// Writes the entries of an event and its summary; false when it leaves the summary alone.
-bool putClass(Entries& entries, std::size_t eventClass, RecordView payload, TextWriter& summary) {
-    const Event* event = findEvent(eventClass, payload.u32(kCodeAt));
-    if (!event)
-        return eventClass != kDeviceClass;
-    std::string_view line = event->text;
-    entries.text("Request_Type", line);
-    switch (event->dump) {
-    case Failed:
-    case Fatal:
-    case Exception:
-        entries.structure(joined<kDriveRows>, payload.from(kDataAt));
-        entries.text("State", event->dump == Exception ? "Exception" : "Failed");
-        summary.put("Drive ").integer(payload.u32(kDataAt)).put(", ");
-        if (event->dump == Fatal)
-            line = "Fatal Error";
-        break;
-    case File:
-        line = assertFile(payload);
-        entries.text("File", line);
-        break;
-    default:
-        putArea(entries, kPlans[static_cast<std::size_t>(event->dump)], payload);
-    }
-    summary.text(line);
-    return true;
-}
-
-bool putEvent(Entries& entries, RecordView payload, TextWriter& summary) {
-    traceLength("IOMGR8P_Event", 208, "IOMGR_Event: Length=0x", payload);
-    entries.structure(joined<kFrameRows>, payload);
-    const std::uint32_t eventClass = payload.u32(kClassAt);
-    return eventClass != 0 && eventClass < kClasses &&
-           putClass(entries, eventClass, payload, summary);
-}
-
-// The public operations add to a finished event.
-RecordView viewOf(const IOMGR_EVL* event) {
-    return {event, sizeof *event + std::min<std::size_t>(event->dataLength, kMaxData)};
-}
-
-char* addClass(IOMGR8P_Event& to, unsigned eventClass, const IOMGR_EVL* event, char* position) {
-    Entries::Scratch scratch;
-    Entries entries(scratch, to);
-    LineWriter summary;
-    if (putClass(entries, eventClass, viewOf(event), summary))
-        to.setSummary(summary.string());
-    return position;
-}
-
-template <class Structure, class Put>
-char* add(IOMGR8P_Event& to, const Structure* structure, char* position, Put put) {
-    Entries::Scratch scratch;
-    Entries entries(scratch, to);
-    put(entries, RecordView(structure, sizeof *structure));
-    return position;
+        write(body, kLayout<kSgtRows, Style::Joined>, group.subview(i * kSgtEntrySize));
 }
 
 } // namespace
 
+void iomgr::putExtents(Draft& draft, const Record& record, RecordView data) {
+    const std::size_t left = leftOf(record, data);
+    for (std::size_t at = 0; at < left; at += kExtSize)
+        write(draft.body, kLayout<kExtRows, Style::Joined>, data.subview(at));
+}
+
+void iomgr::putGroups(Draft& draft, const Record& record, RecordView data) {
+    const std::size_t left = leftOf(record, data);
+    for (std::size_t at = 0; at < left; at += kSgtSize)
+        putGroup(draft.body, data.subview(at));
+}
+
+void iomgr::putFile(Draft& draft, const Record& record, RecordView) {
+    putEntry(draft.body, "File", assertFile(record));
+}
+
+void iomgr::decode(const Record& record, Draft& draft) {
+    if (record.eventId() != 1)
+        return decodeUnknown(
+            record, draft,
+            {"IOMGR8P_Event", 115, "Unknown EventID: 0x", "Unhandled Event by IOMGR8P"});
+    events.writeTitle(draft, record);
+    putFrame(draft, record);
+    if (const Events::Entry* event = findEvent(record))
+        events.writeBody(draft, *event, record, record.payload());
+}
+
 IOMGR8P_Event::IOMGR8P_Event(const EmpEvLogMsg_s* record, int length)
     : AvrelEvent(record, static_cast<unsigned int>(length)) {
-    if (!record)
-        return;
-    if (record->eventId != 1) {
-        traceUnknown("IOMGR8P_Event", 115, "Unknown EventID: 0x", record);
-        assignAscii(summary_, "Unhandled Event by IOMGR8P");
-        assignHexBody(body_, record);
-        return;
-    }
-    const RecordView payload =
-        RecordView::of(record, static_cast<unsigned int>(length)).from(sizeof *record);
-    const std::uint32_t eventClass = payload.u32(kClassAt);
-    assignAscii(eventID_, kTitles[eventClass < kClasses ? eventClass : 0]);
-    BodyWriter body;
-    Entries entries(body);
-    LineWriter summary;
-    putEvent(entries, payload, summary);
-    summary.assignTo(summary_);
-    startBody(body.view());
+    take(record, length, iomgr::decode);
 }
 
 IOMGR8P_Event::~IOMGR8P_Event() = default;
 
-void IOMGR8P_Event::get_IOMGR8P_event_body(const EmpEvLogMsg_s* record) {
-    Entries::Scratch scratch;
-    Entries entries(scratch, *this);
-    LineWriter summary;
-    if (putEvent(entries, RecordView::of(record, 0).from(sizeof *record), summary))
-        setSummary(summary.string());
+// ---- the public operations, which add to a finished event --------------------------------------
+
+namespace {
+
+// Codes that a class doesn't list empty the summary, but for those of devices.
+void addEvent(IOMGR8P_Event& to, std::uint32_t eventClass, const Record& record, Draft& draft) {
+    const RecordView payload = record.payload();
+    const Events::Entry* event = events.find(eventClass, payload.u32(kCodeAt));
+    if (event)
+        events.writeBody(draft, *event, record, payload);
+    addEntries(to, draft.body, "File");
+    if (event || (eventClass != 0 && eventClass < kDeviceClass))
+        to.setSummary(draft.summary.string());
+}
+
+// As much as lists may need: structures are read by their own size.
+Record recordOf(const IOMGR_EVL* event) {
+    return Record(RecordView(event, sizeof *event + kMaxData));
+}
+
+char* addClass(IOMGR8P_Event& to, unsigned eventClass, const IOMGR_EVL* event, char* position) {
+    Draft draft(Texts::Raw);
+    addEvent(to, eventClass, recordOf(event), draft);
+    return position;
+}
+
+char* addData(IOMGR8P_Event& to, Events::Function put, const Record& record, RecordView data,
+              char* position) {
+    Draft draft(Texts::Raw);
+    put(draft, record, data);
+    addEntries(to, draft.body, {});
+    return position;
+}
+
+// The first structures of an event, which begin at `data`.
+void putStructures(TextWriter& body, Codes event, unsigned count, RecordView data) {
+    events.writeRows(body, *events.find(event.major, event.first), 1, count, data);
+}
+
+char* addStructures(IOMGR8P_Event& to, Codes event, unsigned count, RecordView data,
+                    char* position) {
+    BodyWriter body;
+    putStructures(body, event, count, data);
+    addEntries(to, body, {});
+    return position;
+}
+
+// What is at `place`, which is in the data area of `event`.
+RecordView dataAt(const Record& record, const IOMGR_EVL* event, const char* place) {
+    return record.payload().subview(
+        static_cast<std::size_t>(place - reinterpret_cast<const char*>(event)));
+}
+
+} // namespace
+
+void IOMGR8P_Event::get_IOMGR8P_event_body(const EmpEvLogMsg_s* bytes) {
+    const Record record(bytes);
+    Draft draft;
+    putFrame(draft, record);
+    addEvent(*this, record.payload().u32(kClassAt), record, draft);
 }
 
 #define MPUEVENT_CLASS(NUMBER, NAME)                                                               \
@@ -233,50 +167,55 @@ MPUEVENT_CLASS(31, assert)
 MPUEVENT_CLASS(32, math)
 MPUEVENT_CLASS(33, device)
 
-#define MPUEVENT_STRUCTURE(NAME, TYPE, ROWS, SIZE)                                                 \
+#define MPUEVENT_STRUCTURE(NAME, TYPE, SIZE, CLASS, CODE, COUNT)                                   \
     static_assert(sizeof(IOMGR_EVL_##TYPE) == (SIZE));                                             \
     char* IOMGR8P_Event::get_IOMGR8P_##NAME##_event_body(const IOMGR_EVL_##TYPE* structure,        \
                                                          char* position) {                         \
-        return add(*this, structure, position,                                                     \
-                   [](Entries& to, RecordView view) { to.structure(joined<ROWS>, view); });        \
+        return addStructures(*this, {CLASS, CODE}, COUNT, {structure, SIZE}, position);            \
     }
-MPUEVENT_STRUCTURE(lwsem, LWSEM, kLwsemRows, kLwsemSize)
-MPUEVENT_STRUCTURE(drp, DRP, kDrpRows, kDrpSize)
-MPUEVENT_STRUCTURE(msa, MSA_Q_EVENT, kMsaRows, kMsaSize)
-MPUEVENT_STRUCTURE(isurp, ISURP, kIsurpRows, kIsurpSize)
-MPUEVENT_STRUCTURE(mmsg, MMSG, kMmsgRows, kMmsgSize)
-MPUEVENT_STRUCTURE(dib, DIB, kDibRows, kDibSize)
-MPUEVENT_STRUCTURE(ndfe, NDFE, kNdfeRows, kNdfeSize)
-MPUEVENT_STRUCTURE(vbgt, VBGT, kVbgtRows, kVbgtSize)
-MPUEVENT_STRUCTURE(rcd, RCD, kRcdRows, kRcdSize)
-MPUEVENT_STRUCTURE(bcd, BCD, kBcdRows, kBcdSize)
-MPUEVENT_STRUCTURE(fer, FER, kFerRows, kFerSize)
-MPUEVENT_STRUCTURE(rbt, RBT, kRbtRows, kRbtSize)
-MPUEVENT_STRUCTURE(vt, VT, kVtRows, kVtSize)
-MPUEVENT_STRUCTURE(ext, EXT, kExtRows, kExtSize)
+MPUEVENT_STRUCTURE(lwsem, LWSEM, kLwsemSize, 1, 1, 1)
+MPUEVENT_STRUCTURE(drp, DRP, kDrpSize, 1, 26, 1)
+MPUEVENT_STRUCTURE(msa, MSA_Q_EVENT, kMsaSize, 1, 32, 1)
+MPUEVENT_STRUCTURE(isurp, ISURP, kIsurpSize, 3, 25, 1)
+MPUEVENT_STRUCTURE(dlm, DLM, kDlmSize, 3, 517, 5)
+MPUEVENT_STRUCTURE(mmsg, MMSG, kMmsgSize, 7, 2, 1)
+MPUEVENT_STRUCTURE(dib, DIB, kDibSize, 7, 501, 1)
+MPUEVENT_STRUCTURE(ndfe, NDFE, kNdfeSize, 20, 518, 1)
+MPUEVENT_STRUCTURE(vbgt, VBGT, kVbgtSize, 24, 1003, 1)
+MPUEVENT_STRUCTURE(vt, VT, kVtSize, 25, 28, 1)
+MPUEVENT_STRUCTURE(rcd, RCD, kRcdSize, 25, 29, 1)
+MPUEVENT_STRUCTURE(bcd, BCD, kBcdSize, 25, 30, 1)
+MPUEVENT_STRUCTURE(fer, FER, kFerSize, 26, 509, 1)
+MPUEVENT_STRUCTURE(rbt, RBT, kRbtSize, 28, 31, 1)
 
-static_assert(sizeof(IOMGR_EVL_DLM) == kDlmSize && sizeof(IOMGR_EVL_SGT) == kSgtSize);
-char* IOMGR8P_Event::get_IOMGR8P_dlm_event_body(const IOMGR_EVL_DLM* dlm, char* position) {
-    return add(*this, dlm, position, putDiskline);
+static_assert(sizeof(IOMGR_EVL_EXT) == kExtSize && sizeof(IOMGR_EVL_SGT) == kSgtSize);
+char* IOMGR8P_Event::get_IOMGR8P_ext_event_body(const IOMGR_EVL_EXT* ext, char* position) {
+    const auto put = [](Draft& draft, const Record&, RecordView data) {
+        write(draft.body, kLayout<kExtRows, Style::Joined>, data);
+    };
+    const RecordView data(ext, sizeof *ext);
+    return addData(*this, put, Record(data), data, position);
 }
 char* IOMGR8P_Event::get_IOMGR8P_sgt_event_body(const IOMGR_EVL_SGT* sgt, char* position) {
-    return add(*this, sgt, position, putGroup);
+    const auto put = [](Draft& draft, const Record&, RecordView data) {
+        putGroup(draft.body, data);
+    };
+    const RecordView data(sgt, sizeof *sgt);
+    return addData(*this, put, Record(data), data, position);
 }
 
 char* IOMGR8P_Event::dump_volume(const IOMGR_EVL* event, char* position, const char* volume) {
-    Entries::Scratch scratch;
-    Entries entries(scratch, *this);
-    const char* data = reinterpret_cast<const char*>(event + 1);
-    putVolume(entries, Area(viewOf(event)), static_cast<std::size_t>(volume - data));
-    return position;
+    const auto put = [](Draft& draft, const Record& record, RecordView data) {
+        putStructures(draft.body, {25, 28}, 1, data);
+        putExtents(draft, record, data.subview(kVtSize));
+    };
+    const Record record = recordOf(event);
+    return addData(*this, put, record, dataAt(record, event, volume), position);
 }
 
 char* IOMGR8P_Event::dump_sgt_list(const IOMGR_EVL* event, char* position, const char* list) {
-    Entries::Scratch scratch;
-    Entries entries(scratch, *this);
-    const char* data = reinterpret_cast<const char*>(event + 1);
-    putGroups(entries, Area(viewOf(event)), static_cast<std::size_t>(list - data));
-    return position;
+    const Record record = recordOf(event);
+    return addData(*this, putGroups, record, dataAt(record, event, list), position);
 }
 
 } // namespace Pegasus

@@ -6,7 +6,6 @@
 namespace Pegasus::mpu::iomgr {
 
 using namespace datapath;
-using namespace std::string_view_literals;
 
 // ---- structures --------------------------------------------------------------------------------
 
@@ -59,12 +58,11 @@ inline constexpr Row kDlmEntryRows[] = {
     {"dlm_dlme_unique_id", "0x%08X:%08X", u32(8), u32(12)},
     {"dlm_dlme_plbn", "0x%08X:%08X", u32(20), u32(16)},
     {"dlm_dlme_fe_data", "0x%08X", u32(24)},
-    Row("dlm_dlme_parity_fe_data", "0x%08X", u16(28)).times(8, 2),
+    Row("dlm_dlme_parity_fe_data", "0x%08X", u16(28)).repeat(8, 2),
 };
 inline constexpr unsigned kDlmHeaderSize = 16;
 inline constexpr unsigned kDlmEntrySize = 44;
-inline constexpr unsigned kDlmEntries = 4;
-inline constexpr unsigned kDlmSize = kDlmHeaderSize + kDlmEntries * kDlmEntrySize;
+inline constexpr unsigned kDlmSize = kDlmHeaderSize + 4 * kDlmEntrySize;
 
 // Device information.
 inline constexpr Row kDibRows[] = {
@@ -150,7 +148,7 @@ inline constexpr Row kVtRows[] = {
     {"vt_common_volume_highwater_mark", "%llu", u64(24)},
     {"vt_common_volume_state", "0x%08X", u32(48)},
     {"iomgr_vt_flags", "0x%08X", u32(240)},
-    Row("iomgr_vt_", "0x%08X", u32(240)).again(),
+    Row("iomgr_vt_", "0x%08X", u32(240)).overlay(),
     {"iomgr_vt_extent_count", "0x%08X", u16(246)},
     {"iomgr_vt_num_extent_descriptors", "0x%08X", u32(260)},
     {"iomgr_vt_volume_db_update_count", "0x%08X:%08X", u32(252), u32(256)},
@@ -184,15 +182,16 @@ inline constexpr unsigned kSgtEntries = 8;
 inline constexpr unsigned kSgtSize = kSgtEntries * kSgtEntrySize;
 
 inline constexpr Row kVolumeNumberRows[] = {{"Volume_Number", "0x%08X", u32(0)}};
-inline constexpr Row kDriveRows[] = {{"Drive", "%d", u32(0)}};
+// A drive by its number.
+inline constexpr Row kFailedRows[] = {{"Drive", "%d", u32(0)}, {"State", "Failed"}};
+inline constexpr Row kExceptionRows[] = {{"Drive", "%d", u32(0)}, {"State", "Exception"}};
 
 // ---- classes and codes -------------------------------------------------------------------------
 
-inline constexpr unsigned kClasses = 34; // 1 to 33, and 0 for what is none
-inline constexpr unsigned kDeviceClass = 33;
+inline constexpr unsigned kDeviceClass = 33; // the last one
 
-// Titles by class. The math class has none of its own.
-inline constexpr Label<34> kTitles[kClasses] = {
+// Titles by class, which begin with 1. The math class has none of its own.
+inline constexpr std::string_view kClassTitleTexts[] = {
     "Unknown Event",
     "I/O Manager Event",
     "Rebuild Task Event",
@@ -227,404 +226,332 @@ inline constexpr Label<34> kTitles[kClasses] = {
     "Resource Assert Event",
     "Unknown Event",
     "Drive Error",
+    "Unknown Event",
 };
+inline constexpr NameTable kClassTitles = names<kClassTitleTexts>(Fallback::Last);
+
+void putExtents(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kExtents{
+    putExtents, "Extents of 80 bytes, all that begin in the data area.", kExtRows};
+void putGroups(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kGroups{
+    putGroups,
+    "Scatter-gather groups of eight entries, all that begin in the data area; an entry with "
+    "address 0 ends its group.",
+    kSgtRows, "\x10\x20\x30\x40\0\0\x02\0\x10\x20\x34\0\0\0\x01\0"sv};
+void putFile(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kFile{putFile, "The source file, to the end of the data area.",
+                                   kFileRows, "iomgr_main.c\0"sv};
 
 // What the data area of an event holds.
-enum class Dump : std::uint8_t {
-    None,
-    VolumeNumber,
-    Message,
-    Interrupt,
-    Lwsem,
-    Drp,
-    Msa,
-    Isurp,
-    Dlm,
-    Mmsg,
-    Dib,
-    Ndfe,
-    Vbgt,
-    Rcd,
-    Bcd,
-    Rbt,
-    Vt,      // a volume table and its extents
-    Sgt,     // scatter-gather groups
-    DrpVt,   // a DRP, behind it a volume table and its extents
-    DrpSgt,  // a DRP, behind it scatter-gather groups
-    IsurpVt, // likewise behind an ISURP
-    IsurpSgt,
-    FerDlm,    // a forced error record, behind it a DLM
-    Failed,    // a drive number: the drive failed
-    Fatal,     // the same, shorter in the summary
-    Exception, // a drive number: the drive is in exception
-    File,      // name of a source file
-};
+template <const auto& Rows, unsigned Size>
+inline constexpr Pieces kOne = {data(Rows), kLength<Size>};
+inline constexpr auto& kVolumeNumber = kOne<kVolumeNumberRows, 4>;
+inline constexpr auto& kMessage = kOne<kMessageRows, 4>;
+inline constexpr auto& kInterrupt = kOne<kInterruptRows, 4>;
+inline constexpr auto& kLwsem = kOne<kLwsemRows, kLwsemSize>;
+inline constexpr auto& kDrp = kOne<kDrpRows, kDrpSize>;
+inline constexpr auto& kMsa = kOne<kMsaRows, kMsaSize>;
+inline constexpr auto& kIsurp = kOne<kIsurpRows, kIsurpSize>;
+inline constexpr auto& kMmsg = kOne<kMmsgRows, kMmsgSize>;
+inline constexpr auto& kDib = kOne<kDibRows, kDibSize>;
+inline constexpr auto& kNdfe = kOne<kNdfeRows, kNdfeSize>;
+inline constexpr auto& kVbgt = kOne<kVbgtRows, kVbgtSize>;
+inline constexpr auto& kRcd = kOne<kRcdRows, kRcdSize>;
+inline constexpr auto& kBcd = kOne<kBcdRows, kBcdSize>;
+inline constexpr auto& kRbt = kOne<kRbtRows, kRbtSize>;
+inline constexpr auto& kFailed = kOne<kFailedRows, 4>;
+inline constexpr auto& kException = kOne<kExceptionRows, 4>;
 
-using enum Dump;
-using Event = EventCode<Dump, 41>;
+// With what follows it, and a sample's number of extents or entries.
+inline constexpr Pieces kVt = {data(kVtRows), custom(kExtents, kDataAt + kVtSize),
+                               kLength<kVtSize + kExtSize>};
+inline constexpr Pieces kSgt = {custom(kGroups, kDataAt), kLength<2 * kSgtEntrySize>};
+template <const auto& Rows, unsigned Size>
+inline constexpr Pieces kThenVt = {data(Rows), data(kVtRows, Size),
+                                   custom(kExtents, kDataAt + Size + kVtSize),
+                                   kLength<Size + kVtSize + kExtSize>};
+template <const auto& Rows, unsigned Size>
+inline constexpr Pieces kThenSgt = {data(Rows), custom(kGroups, kDataAt + Size),
+                                    kLength<Size + 2 * kSgtEntrySize>};
+inline constexpr auto& kDrpVt = kThenVt<kDrpRows, kDrpSize>;
+inline constexpr auto& kIsurpVt = kThenVt<kIsurpRows, kIsurpSize>;
+inline constexpr auto& kDrpSgt = kThenSgt<kDrpRows, kDrpSize>;
+inline constexpr auto& kIsurpSgt = kThenSgt<kIsurpRows, kIsurpSize>;
+
+constexpr Piece dlmEntry(unsigned i, unsigned at = 0) {
+    return data(kDlmEntryRows, at + kDlmHeaderSize + i * kDlmEntrySize);
+}
+inline constexpr Pieces kDlm = {data(kDlmRows), dlmEntry(0), dlmEntry(1),
+                                dlmEntry(2),    dlmEntry(3), kLength<kDlmSize>};
+inline constexpr Pieces kFerDlm = {data(kFerRows),
+                                   data(kDlmRows, kFerSize),
+                                   dlmEntry(0, kFerSize),
+                                   dlmEntry(1, kFerSize),
+                                   dlmEntry(2, kFerSize),
+                                   dlmEntry(3, kFerSize),
+                                   kLength<kFerSize + kDlmSize>};
+inline constexpr Pieces kSourceFile = {custom(kFile, kDataAt), kLength<sizeof "iomgr_main.c">};
+
+inline constexpr Row kDriveSummary = line("Drive %d, %s", u32(kDataAt), eventName);
+inline constexpr Row kFatalSummary = line("Drive %d, Fatal Error", u32(kDataAt));
 
 // One numbering for all classes, though a class may word a code in its own way.
-inline constexpr Event kEvents[] = {
+inline constexpr EventRow kEventRows[] = {
     // clang-format off
     // manager
-    {1, 10, "Manager Unexpected Message Type", Message},
-    {1, 32, "Manager MSA Event", Msa},
-    {1, 516, "DRP Detected Error Status", Drp},
-    {1, 26, "Manager Invalid DRP", Drp},
-    {1, 1, "Manager MQX Event", Lwsem},
-    {1, 9, "Manager Unexpected Interrupt", Interrupt},
+    row({1, 10}, "Manager Unexpected Message Type", kMessage),
+    row({1, 32}, "Manager MSA Event", kMsa),
+    row({1, 516}, "DRP Detected Error Status", kDrp),
+    row({1, 26}, "Manager Invalid DRP", kDrp),
+    row({1, 1}, "Manager MQX Event", kLwsem),
+    row({1, 9}, "Manager Unexpected Interrupt", kInterrupt),
     // rebuild
-    {2, 26, "Rebuild Invalid DRP", Drp},
-    {2, 5, "Rebuild Extent Search Error", Vt},
-    {2, 11, "Rebuild Unexpected Error", None},
-    {2, 3, "Rebuild Unregonized Volume Type", Vt},
-    {2, 506, "Rebuild Task Error", VolumeNumber},
-    {2, 1001, "Rebuild Task Started", VolumeNumber},
-    {2, 1002, "Rebuild Task Completed", VolumeNumber},
-    {2, 512, "Rebuild Medium Error Repaired", Drp},
+    row({2, 26}, "Rebuild Invalid DRP", kDrp),
+    row({2, 5}, "Rebuild Extent Search Error", kVt),
+    row({2, 11}, "Rebuild Unexpected Error"),
+    row({2, 3}, "Rebuild Unregonized Volume Type", kVt),
+    row({2, 506}, "Rebuild Task Error", kVolumeNumber),
+    row({2, 1001}, "Rebuild Task Started", kVolumeNumber),
+    row({2, 1002}, "Rebuild Task Completed", kVolumeNumber),
+    row({2, 512}, "Rebuild Medium Error Repaired", kDrp),
     // reconfig
-    {3, 25, "Reconfig Invalid ISURP", Isurp},
-    {3, 3, "Reconfig Unrecognized Volume Type", Vt},
-    {3, 4, "Reconfig Enomem", None},
-    {3, 5, "Reconfig Extent Search Error", DrpVt},
-    {3, 11, "Reconfig Unexpected Error", None},
-    {3, 12, "Reconfig VLBN Error", None},
-    {3, 20, "Reconfig Highwater Error", Vt},
-    {3, 26, "Reconfig Invalid DRP", Drp},
-    {3, 506, "Reconfig Task Error", VolumeNumber},
-    {3, 512, "Reconfig Medium Error Repaired", Drp},
-    {3, 517, "Reconfig Forced Error Detected", Dlm},
-    {3, 1001, "Reconfig Task Started", VolumeNumber},
-    {3, 1002, "Reconfig Task Completed", VolumeNumber},
+    row({3, 25}, "Reconfig Invalid ISURP", kIsurp),
+    row({3, 3}, "Reconfig Unrecognized Volume Type", kVt),
+    row({3, 4}, "Reconfig Enomem"),
+    row({3, 5}, "Reconfig Extent Search Error", kDrpVt),
+    row({3, 11}, "Reconfig Unexpected Error"),
+    row({3, 12}, "Reconfig VLBN Error"),
+    row({3, 20}, "Reconfig Highwater Error", kVt),
+    row({3, 26}, "Reconfig Invalid DRP", kDrp),
+    row({3, 506}, "Reconfig Task Error", kVolumeNumber),
+    row({3, 512}, "Reconfig Medium Error Repaired", kDrp),
+    row({3, 517}, "Reconfig Forced Error Detected", kDlm),
+    row({3, 1001}, "Reconfig Task Started", kVolumeNumber),
+    row({3, 1002}, "Reconfig Task Completed", kVolumeNumber),
     // bbscan
-    {4, 11, "Bbscan Unexpected Error", None},
-    {4, 4, "Bbscan Enomem", None},
-    {4, 3, "Bbscan Unrecognized Volume Type", Vt},
-    {4, 5, "Bbscan Extent Search Error", DrpVt},
-    {4, 512, "Bad Block Scan Scan Medium Error Repaired", Drp},
-    {4, 506, "Bbscan Task Error", VolumeNumber},
-    {4, 1001, "Bbscan Task Started", VolumeNumber},
-    {4, 1002, "Bbscan Task Completed", VolumeNumber},
+    row({4, 11}, "Bbscan Unexpected Error"),
+    row({4, 4}, "Bbscan Enomem"),
+    row({4, 3}, "Bbscan Unrecognized Volume Type", kVt),
+    row({4, 5}, "Bbscan Extent Search Error", kDrpVt),
+    row({4, 512}, "Bad Block Scan Scan Medium Error Repaired", kDrp),
+    row({4, 506}, "Bbscan Task Error", kVolumeNumber),
+    row({4, 1001}, "Bbscan Task Started", kVolumeNumber),
+    row({4, 1002}, "Bbscan Task Completed", kVolumeNumber),
     // xoe
-    {5, 7, "XOE Overflow", None},
-    {5, 8, "XOE Empty Buffer", None},
-    {5, 1, "Manager MQX Event", Lwsem},
+    row({5, 7}, "XOE Overflow"),
+    row({5, 8}, "XOE Empty Buffer"),
+    row({5, 1}, "Manager MQX Event", kLwsem),
     // error_recovery
-    {6, 22, "Error Recovery Translate Error", None},
-    {6, 5, "Error Recovery Extent Search Error", DrpVt},
-    {6, 3, "Error Recovery Unrecognized Volume Type", Vt},
-    {6, 12, "Error Recovery Extent VLBN Error", DrpVt},
-    {6, 13, "Error Recovery Invalid Param", None},
-    {6, 501, "Fatal Drive Error", Fatal},
-    {6, 26, "Error Recovery Invalid DRP", Drp},
-    {6, 510, "Volume State Transition", Vt},
-    {6, 512, "Error Recovery Medium Error Repaired", Drp},
+    row({6, 22}, "Error Recovery Translate Error"),
+    row({6, 5}, "Error Recovery Extent Search Error", kDrpVt),
+    row({6, 3}, "Error Recovery Unrecognized Volume Type", kVt),
+    row({6, 12}, "Error Recovery Extent VLBN Error", kDrpVt),
+    row({6, 13}, "Error Recovery Invalid Param"),
+    row({6, 501}, "Fatal Drive Error", kFailed, kFatalSummary),
+    row({6, 26}, "Error Recovery Invalid DRP", kDrp),
+    row({6, 510}, "Volume State Transition", kVt),
+    row({6, 512}, "Error Recovery Medium Error Repaired", kDrp),
     // metadata
-    {7, 21, "Metadata Max Volumes Reached", None},
-    {7, 1, "Metadata MQX Event", Lwsem},
-    {7, 2, "Metadata Invalid MMSG", Mmsg},
-    {7, 3, "Metadata Unrecognized Volume Type", Vt},
-    {7, 4, "Metadata Enomem", None},
-    {7, 11, "Metadata Unexpected Error", None},
-    {7, 13, "Metadata Invalid Param", None},
-    {7, 23, "Metadata MPU Metadata Invalid", None},
-    {7, 25, "Metadata Invalid ISURP", Isurp},
-    {7, 26, "Metadata Invalid DRP", Drp},
-    {7, 501, "Metadata Device Error", Dib},
-    {7, 502, "Metadata VRE Database Not Found", None},
-    {7, 508, "Drives not found for metadata request", None},
+    row({7, 21}, "Metadata Max Volumes Reached"),
+    row({7, 1}, "Metadata MQX Event", kLwsem),
+    row({7, 2}, "Metadata Invalid MMSG", kMmsg),
+    row({7, 3}, "Metadata Unrecognized Volume Type", kVt),
+    row({7, 4}, "Metadata Enomem"),
+    row({7, 11}, "Metadata Unexpected Error"),
+    row({7, 13}, "Metadata Invalid Param"),
+    row({7, 23}, "Metadata MPU Metadata Invalid"),
+    row({7, 25}, "Metadata Invalid ISURP", kIsurp),
+    row({7, 26}, "Metadata Invalid DRP", kDrp),
+    row({7, 501}, "Metadata Device Error", kDib),
+    row({7, 502}, "Metadata VRE Database Not Found"),
+    row({7, 508}, "Drives not found for metadata request"),
     // isurpproc
-    {8, 3, "ISURPPROC Unrecognized Volume Type", Vt},
-    {8, 1, "ISURPPROC MQX Event", Lwsem},
-    {8, 25, "ISURPPROC Invalid ISURP", Isurp},
+    row({8, 3}, "ISURPPROC Unrecognized Volume Type", kVt),
+    row({8, 1}, "ISURPPROC MQX Event", kLwsem),
+    row({8, 25}, "ISURPPROC Invalid ISURP", kIsurp),
     // drpproc
-    {9, 26, "DRPPROC Invalid DRP", Drp},
+    row({9, 26}, "DRPPROC Invalid DRP", kDrp),
     // bg
-    {10, 1, "BG MQX Event", Lwsem},
-    {10, 25, "BG Invalid ISURP", Isurp},
+    row({10, 1}, "BG MQX Event", kLwsem),
+    row({10, 25}, "BG Invalid ISURP", kIsurp),
     // database
-    {11, 6, "Database Uninit Listhead", None},
-    {11, 4, "Database ENOMEM", None},
-    {11, 7, "Database Overflow", None},
-    {11, 13, "Database Invalid Param", None},
+    row({11, 6}, "Database Uninit Listhead"),
+    row({11, 4}, "Database ENOMEM"),
+    row({11, 7}, "Database Overflow"),
+    row({11, 13}, "Database Invalid Param"),
     // isr
-    {12, 7, "ISR Overflow", None},
-    {12, 1, "ISR installation failure", None},
-    {12, 8, "ISR Empty Buffer", None},
-    {12, 9, "ISR Unexpected Interrupt", Interrupt},
+    row({12, 7}, "ISR Overflow"),
+    row({12, 1}, "ISR installation failure"),
+    row({12, 8}, "ISR Empty Buffer"),
+    row({12, 9}, "ISR Unexpected Interrupt", kInterrupt),
     // startup
-    {13, 1, "Startup MQX Error", None},
+    row({13, 1}, "Startup MQX Error"),
     // sv
-    {14, 8, "SV Empty Buffer", IsurpSgt},
-    {14, 11, "SV Unexpected Error", None},
-    {14, 12, "SV VLBN Error", Vt},
-    {14, 13, "SV Invalid Param", None},
-    {14, 14, "SV Virtualize Error", Isurp},
-    {14, 24, "SV Drive Load Error", None},
-    {14, 25, "SV Invalid ISURP", Isurp},
+    row({14, 8}, "SV Empty Buffer", kIsurpSgt),
+    row({14, 11}, "SV Unexpected Error"),
+    row({14, 12}, "SV VLBN Error", kVt),
+    row({14, 13}, "SV Invalid Param"),
+    row({14, 14}, "SV Virtualize Error", kIsurp),
+    row({14, 24}, "SV Drive Load Error"),
+    row({14, 25}, "SV Invalid ISURP", kIsurp),
     // dlm
-    {15, 26, "DLM Invalid DRP", Drp},
-    {15, 514, "DLM Copy Mistmatch Detected", Dlm},
-    {15, 515, "DLM Search Marker Mismatch Detected", Dlm},
-    {15, 513, "DLM Search CRC Error Detected", Dlm},
-    {15, 12, "DLM Extent VLBN Error", DrpSgt},
-    {15, 16, "DLM Search Error", Dlm},
+    row({15, 26}, "DLM Invalid DRP", kDrp),
+    row({15, 514}, "DLM Copy Mistmatch Detected", kDlm),
+    row({15, 515}, "DLM Search Marker Mismatch Detected", kDlm),
+    row({15, 513}, "DLM Search CRC Error Detected", kDlm),
+    row({15, 12}, "DLM Extent VLBN Error", kDrpSgt),
+    row({15, 16}, "DLM Search Error", kDlm),
     // crc_init
-    {16, 26, "CRCINIT Invalid DRP", Drp},
-    {16, 517, "CRCINIT Forced Error Detected", Dlm},
-    {16, 1001, "CRCINIT Task Started", VolumeNumber},
-    {16, 1002, "CRCINIT Task Completed", VolumeNumber},
-    {16, 506, "CRCINIT Task Error", VolumeNumber},
-    {16, 512, "CRCINIT Medium Error Repaired", Drp},
-    {16, 5, "CRCINIT Extent Search Error", DrpVt},
-    {16, 11, "CRCINIT Unexpected Error", None},
-    {16, 25, "CRCINIT Invalid ISURP", Isurp},
-    {16, 3, "CRCINIT Unrecognized Volume Type", Vt},
-    {16, 4, "CRCINIT ENOMEM", None},
+    row({16, 26}, "CRCINIT Invalid DRP", kDrp),
+    row({16, 517}, "CRCINIT Forced Error Detected", kDlm),
+    row({16, 1001}, "CRCINIT Task Started", kVolumeNumber),
+    row({16, 1002}, "CRCINIT Task Completed", kVolumeNumber),
+    row({16, 506}, "CRCINIT Task Error", kVolumeNumber),
+    row({16, 512}, "CRCINIT Medium Error Repaired", kDrp),
+    row({16, 5}, "CRCINIT Extent Search Error", kDrpVt),
+    row({16, 11}, "CRCINIT Unexpected Error"),
+    row({16, 25}, "CRCINIT Invalid ISURP", kIsurp),
+    row({16, 3}, "CRCINIT Unrecognized Volume Type", kVt),
+    row({16, 4}, "CRCINIT ENOMEM"),
     // parity
-    {17, 1, "Parity MQX Event", Lwsem},
-    {17, 3, "Parity Unrecognized Volume Type", Vt},
-    {17, 4, "Parity ENOMEM", None},
-    {17, 5, "Parity Extent Search Error", Vt},
-    {17, 11, "Parity Unexpected Error", None},
-    {17, 13, "Parity Invalid Param", None},
-    {17, 17, "Parity Table Invalid Param", IsurpSgt},
-    {17, 18, "Parity Invalid Parity Flag", None},
-    {17, 19, "Parity Build Table Error", None},
-    {17, 25, "Parity Invalid ISURP", Isurp},
-    {17, 26, "Parity Invalid DRP", Drp},
+    row({17, 1}, "Parity MQX Event", kLwsem),
+    row({17, 3}, "Parity Unrecognized Volume Type", kVt),
+    row({17, 4}, "Parity ENOMEM"),
+    row({17, 5}, "Parity Extent Search Error", kVt),
+    row({17, 11}, "Parity Unexpected Error"),
+    row({17, 13}, "Parity Invalid Param"),
+    row({17, 17}, "Parity Table Invalid Param", kIsurpSgt),
+    row({17, 18}, "Parity Invalid Parity Flag"),
+    row({17, 19}, "Parity Build Table Error"),
+    row({17, 25}, "Parity Invalid ISURP", kIsurp),
+    row({17, 26}, "Parity Invalid DRP", kDrp),
     // parity_init
-    {18, 506, "Parity Init Task Error", VolumeNumber},
-    {18, 11, "Parity Init Unexpected Error", None},
-    {18, 4, "Parity Init ENOMEM", None},
-    {18, 19, "Parity Init Table Error", IsurpSgt},
-    {18, 25, "Parity Init Invalid ISURP", Isurp},
-    {18, 517, "Parity Init Forced Error Detected", Dlm},
-    {18, 512, "Parity Init Medium Error Repaired", Drp},
-    {18, 1001, "Parity Init Task Started", VolumeNumber},
-    {18, 1002, "Parity Init Task Completed", VolumeNumber},
+    row({18, 506}, "Parity Init Task Error", kVolumeNumber),
+    row({18, 11}, "Parity Init Unexpected Error"),
+    row({18, 4}, "Parity Init ENOMEM"),
+    row({18, 19}, "Parity Init Table Error", kIsurpSgt),
+    row({18, 25}, "Parity Init Invalid ISURP", kIsurp),
+    row({18, 517}, "Parity Init Forced Error Detected", kDlm),
+    row({18, 512}, "Parity Init Medium Error Repaired", kDrp),
+    row({18, 1001}, "Parity Init Task Started", kVolumeNumber),
+    row({18, 1002}, "Parity Init Task Completed", kVolumeNumber),
     // parity_error
-    {19, 12, "Parity Error Search VLBN Error", IsurpVt},
-    {19, 19, "Parity Error Table Error", IsurpSgt},
-    {19, 511, "Parity Error Medium Error Unrepairable", Drp},
-    {19, 512, "Parity Error Medium Error Repaired", Drp},
-    {19, 13, "Parity Error Invalid Param", None},
-    {19, 4, "Parity Error ENOMEM", None},
-    {19, 1, "Parity Error MQX Event", Lwsem},
-    {19, 11, "Parity Error Unexpected Error", None},
-    {19, 5, "Parity Error Extent Search Error", Vt},
+    row({19, 12}, "Parity Error Search VLBN Error", kIsurpVt),
+    row({19, 19}, "Parity Error Table Error", kIsurpSgt),
+    row({19, 511}, "Parity Error Medium Error Unrepairable", kDrp),
+    row({19, 512}, "Parity Error Medium Error Repaired", kDrp),
+    row({19, 13}, "Parity Error Invalid Param"),
+    row({19, 4}, "Parity Error ENOMEM"),
+    row({19, 1}, "Parity Error MQX Event", kLwsem),
+    row({19, 11}, "Parity Error Unexpected Error"),
+    row({19, 5}, "Parity Error Extent Search Error", kVt),
     // parity_scan
-    {20, 506, "Parity Scan Task Error", VolumeNumber},
-    {20, 19, "Parity Scan Table Error", IsurpSgt},
-    {20, 25, "Parity Scan Invalid ISURP", Isurp},
-    {20, 505, "Parity Scan Miscompare", Isurp},
-    {20, 4, "Parity Scan ENOMEM", None},
-    {20, 11, "Parity Scan Unexpected Error", None},
-    {20, 518, "Parity Scan Forced Error Detected", Ndfe},
-    {20, 512, "Parity Scan Medium Error Repaired", Drp},
-    {20, 517, "Parity Scan Forced Error Detected", Dlm},
-    {20, 1001, "Parity Scan Task Started", VolumeNumber},
-    {20, 1002, "Parity Scan Task Completed", VolumeNumber},
+    row({20, 506}, "Parity Scan Task Error", kVolumeNumber),
+    row({20, 19}, "Parity Scan Table Error", kIsurpSgt),
+    row({20, 25}, "Parity Scan Invalid ISURP", kIsurp),
+    row({20, 505}, "Parity Scan Miscompare", kIsurp),
+    row({20, 4}, "Parity Scan ENOMEM"),
+    row({20, 11}, "Parity Scan Unexpected Error"),
+    row({20, 518}, "Parity Scan Forced Error Detected", kNdfe),
+    row({20, 512}, "Parity Scan Medium Error Repaired", kDrp),
+    row({20, 517}, "Parity Scan Forced Error Detected", kDlm),
+    row({20, 1001}, "Parity Scan Task Started", kVolumeNumber),
+    row({20, 1002}, "Parity Scan Task Completed", kVolumeNumber),
     // parity_rebuild
-    {21, 25, "Parity Rebuild Invalid ISURP", Isurp},
-    {21, 11, "Parity Rebuild Unexpected Error", None},
-    {21, 4, "Parity Rebuild ENOMEM", None},
-    {21, 16, "Parity Rebuild DLM Search Error", None},
-    {21, 19, "Parity Rebuild Table Error", IsurpSgt},
-    {21, 517, "Parity Rebuild Forced Error Detected", Dlm},
-    {21, 512, "Parity Rebuild Medium Error Repaired", Isurp},
-    {21, 506, "Parity Rebuild Task Error", VolumeNumber},
-    {21, 1001, "Parity Rebuild Task Started", VolumeNumber},
-    {21, 1002, "Parity Rebuild Task Completed", VolumeNumber},
+    row({21, 25}, "Parity Rebuild Invalid ISURP", kIsurp),
+    row({21, 11}, "Parity Rebuild Unexpected Error"),
+    row({21, 4}, "Parity Rebuild ENOMEM"),
+    row({21, 16}, "Parity Rebuild DLM Search Error"),
+    row({21, 19}, "Parity Rebuild Table Error", kIsurpSgt),
+    row({21, 517}, "Parity Rebuild Forced Error Detected", kDlm),
+    row({21, 512}, "Parity Rebuild Medium Error Repaired", kIsurp),
+    row({21, 506}, "Parity Rebuild Task Error", kVolumeNumber),
+    row({21, 1001}, "Parity Rebuild Task Started", kVolumeNumber),
+    row({21, 1002}, "Parity Rebuild Task Completed", kVolumeNumber),
     // micro_rebuild
-    {22, 19, "Micro Rebuild Table Error", IsurpSgt},
-    {22, 3, "Micro Rebuild Unrecognized Volume Type", Vt},
-    {22, 4, "Micro Rebuild ENOMEM", None},
-    {22, 5, "Micro Rebuild Extent Search Error", Vt},
-    {22, 11, "Micro Rebuild Unexpected Error", None},
-    {22, 13, "Micro Rebuild Invalid Param", None},
-    {22, 16, "Micro Rebuild DLM Search Error", None},
-    {22, 25, "Micro Rebuild Invalid ISURP", Isurp},
-    {22, 26, "Micro Rebuild Invalid DRP", Drp},
-    {22, 506, "Micro Rebuild Task Error", VolumeNumber},
-    {22, 512, "Micro Rebuild Medium Error Repaired", Drp},
-    {22, 517, "Micro Rebuild Forced Error Detected", Dlm},
-    {22, 1001, "Micro Rebuild Task Started", VolumeNumber},
-    {22, 1002, "Micro Rebuild Task Completed", VolumeNumber},
+    row({22, 19}, "Micro Rebuild Table Error", kIsurpSgt),
+    row({22, 3}, "Micro Rebuild Unrecognized Volume Type", kVt),
+    row({22, 4}, "Micro Rebuild ENOMEM"),
+    row({22, 5}, "Micro Rebuild Extent Search Error", kVt),
+    row({22, 11}, "Micro Rebuild Unexpected Error"),
+    row({22, 13}, "Micro Rebuild Invalid Param"),
+    row({22, 16}, "Micro Rebuild DLM Search Error"),
+    row({22, 25}, "Micro Rebuild Invalid ISURP", kIsurp),
+    row({22, 26}, "Micro Rebuild Invalid DRP", kDrp),
+    row({22, 506}, "Micro Rebuild Task Error", kVolumeNumber),
+    row({22, 512}, "Micro Rebuild Medium Error Repaired", kDrp),
+    row({22, 517}, "Micro Rebuild Forced Error Detected", kDlm),
+    row({22, 1001}, "Micro Rebuild Task Started", kVolumeNumber),
+    row({22, 1002}, "Micro Rebuild Task Completed", kVolumeNumber),
     // volume_init
-    {23, 503, "Volume Init Max BG Tasks", None},
-    {23, 3, "Volume Init Unrecognized Volume Type", Vt},
-    {23, 506, "Volume Init Task Error", VolumeNumber},
+    row({23, 503}, "Volume Init Max BG Tasks"),
+    row({23, 3}, "Volume Init Unrecognized Volume Type", kVt),
+    row({23, 506}, "Volume Init Task Error", kVolumeNumber),
     // mmsg
-    {24, 13, "MMSG Invalid Param", None},
-    {24, 1, "MMSG MQX Event", Lwsem},
-    {24, 5, "MMSG Extent Search Error", Vt},
-    {24, 27, "MMSG Invalid MMSG", Mmsg},
-    {24, 26, "MMSG Invalid DRP", Drp},
-    {24, 1003, "BG Change of State MMSG", Vbgt},
+    row({24, 13}, "MMSG Invalid Param"),
+    row({24, 1}, "MMSG MQX Event", kLwsem),
+    row({24, 5}, "MMSG Extent Search Error", kVt),
+    row({24, 27}, "MMSG Invalid MMSG", kMmsg),
+    row({24, 26}, "MMSG Invalid DRP", kDrp),
+    row({24, 1003}, "BG Change of State MMSG", kVbgt),
     // rcp
-    {25, 4, "RCP ENOMEM", None},
-    {25, 19, "RCP Build Parity Table Error", Isurp},
-    {25, 25, "RCP Invalid ISURP", Isurp},
-    {25, 28, "RCP Invalid VT", Vt},
-    {25, 29, "RCP Invalid RCD", Rcd},
-    {25, 30, "RCP Invalid BCD", Bcd},
+    row({25, 4}, "RCP ENOMEM"),
+    row({25, 19}, "RCP Build Parity Table Error", kIsurp),
+    row({25, 25}, "RCP Invalid ISURP", kIsurp),
+    row({25, 28}, "RCP Invalid VT", kVt),
+    row({25, 29}, "RCP Invalid RCD", kRcd),
+    row({25, 30}, "RCP Invalid BCD", kBcd),
     // fe
-    {26, 509, "Force Error Created", FerDlm},
-    {26, 511, "Medium Error Unrepairable", Drp},
-    {26, 517, "Force Error Detected", Drp},
-    {26, 15, "Force Error Failed to be Created", Vt},
-    {26, 501, "Device Error: Max FEs Reached", Dib},
-    {26, kAnyCode, "Force Error Unhandled Event", None},
+    row({26, 509}, "Force Error Created", kFerDlm),
+    row({26, 511}, "Medium Error Unrepairable", kDrp),
+    row({26, 517}, "Force Error Detected", kDrp),
+    row({26, 15}, "Force Error Failed to be Created", kVt),
+    row({26, 501}, "Device Error: Max FEs Reached", kDib),
+    row(anyOf(26), "Force Error Unhandled Event"),
     // carve
-    {27, kAnyCode, "Carve Issue", Sgt},
+    row(anyOf(27), "Carve Issue", kSgt),
     // bg_sys
-    {28, 28, "BGSYS Invalid VT", Vt},
-    {28, 11, "BGSYS Unexpected Error", None},
-    {28, 1, "BGSYS MQX Event", Lwsem},
-    {28, 4, "BGSYS ENOMEM", None},
-    {28, 13, "BGSYS Invalid Param", None},
-    {28, 25, "BGSYS Invalid ISURP", Isurp},
-    {28, 31, "BGSYS Invalid RBT", Rbt},
-    {28, 29, "BGSYS Invalid RCD", Rcd},
-    {28, 30, "BGSYS Invalid BCD", Bcd},
-    {28, 503, "BGSYS MAX Background Tasks", None},
-    {28, 507, "BGSYS Invalid BTSN", None},
+    row({28, 28}, "BGSYS Invalid VT", kVt),
+    row({28, 11}, "BGSYS Unexpected Error"),
+    row({28, 1}, "BGSYS MQX Event", kLwsem),
+    row({28, 4}, "BGSYS ENOMEM"),
+    row({28, 13}, "BGSYS Invalid Param"),
+    row({28, 25}, "BGSYS Invalid ISURP", kIsurp),
+    row({28, 31}, "BGSYS Invalid RBT", kRbt),
+    row({28, 29}, "BGSYS Invalid RCD", kRcd),
+    row({28, 30}, "BGSYS Invalid BCD", kBcd),
+    row({28, 503}, "BGSYS MAX Background Tasks"),
+    row({28, 507}, "BGSYS Invalid BTSN"),
     // macro
-    {29, kAnyCode, "Macro MQX Event", Lwsem},
+    row(anyOf(29), "Macro MQX Event", kLwsem),
     // evl
-    {30, kAnyCode, "EVL Error", None},
+    row(anyOf(30), "EVL Error"),
     // assert
-    {31, kAnyCode, "ASSERT Error", File},
+    row(anyOf(31), "ASSERT Error", kSourceFile, kFileSummary),
     // math
-    {32, kAnyCode, "MATH Error", None},
+    row(anyOf(32), "MATH Error"),
     // device
-    {33, 519, "Double Drive Exception", Failed},
-    {33, 501, "Fatal Drive Error", Fatal},
-    {33, 520, "Drive Exception", Exception},
+    row({33, 519}, "Double Drive Exception", kFailed, kDriveSummary),
+    row({33, 501}, "Fatal Drive Error", kFailed, kFatalSummary),
+    row({33, 520}, "Drive Exception", kException, kDriveSummary),
     // clang-format on
 };
 
-inline const Event* findEvent(std::size_t eventClass, std::uint32_t code) {
-    return findCode<kEvents, kClasses>(eventClass, code);
-}
+inline constexpr EventTable kEvents{
+    .rows = kEventRows,
+    .major = kClass,
+    .minor = kCode,
+    .style = Style::Joined,
+    .keys = kKeys,
+    .title = line("%s", name(kClass, kClassTitles)),
+    .head = {kFrameRows},
+    .note = MPUEVENT_DATAPATH_NOTE "Other codes have no more than the frame, and no summary.",
+};
+static_assert(accepted<kEvents>);
 
-// ---- the catalogue -----------------------------------------------------------------------------
-
-template <std::uint8_t Class>
-inline constexpr auto& kCodes = kCodeList<kEvents, Class>;
-
-inline constexpr Fill kFileFills[] = {{kFrameAt + kLengthAt, kWord<13>},
-                                      {kArea, "iomgr_main.c\0"sv}};
-
-inline constexpr Part kFrame{"Event", kFrameRows, kFrameAt};
-inline constexpr Part kBare[] = {kFrame};
-template <const auto& Rows>
-inline constexpr Part kWith[] = {kFrame, {"Data", Rows, kArea}};
-inline constexpr Part kDlmParts[] = {
-    kFrame,
-    {"Diskline metadata", kDlmRows, kArea},
-    {"Entry 0", kDlmEntryRows, kArea + kDlmHeaderSize},
-    {"Entry 1", kDlmEntryRows, kArea + kDlmHeaderSize + kDlmEntrySize},
-    {"Entry 2", kDlmEntryRows, kArea + kDlmHeaderSize + 2 * kDlmEntrySize},
-    {"Entry 3", kDlmEntryRows, kArea + kDlmHeaderSize + 3 * kDlmEntrySize},
-};
-inline constexpr Part kFerParts[] = {
-    kFrame,
-    {"Forced error record", kFerRows, kArea},
-    {"Diskline metadata", kDlmRows, kArea + kFerSize},
-    {"Entry 0", kDlmEntryRows, kArea + kFerSize + kDlmHeaderSize},
-    {"Entry 1", kDlmEntryRows, kArea + kFerSize + kDlmHeaderSize + kDlmEntrySize},
-    {"Entry 2", kDlmEntryRows, kArea + kFerSize + kDlmHeaderSize + 2 * kDlmEntrySize},
-    {"Entry 3", kDlmEntryRows, kArea + kFerSize + kDlmHeaderSize + 3 * kDlmEntrySize},
-};
-inline constexpr Part kVtParts[] = {
-    kFrame,
-    {"Volume table", kVtRows, kArea},
-    {"Extent 0", kExtRows, kArea + kVtSize},
-    {"Extent 1", kExtRows, kArea + kVtSize + kExtSize},
-};
-// Behind a request packet: a volume with an extent, or scatter-gather entries.
-template <const auto& Rows, unsigned Size>
-inline constexpr Part kBehindVt[] = {
-    kFrame,
-    {"Request packet", Rows, kArea},
-    {"Volume table", kVtRows, kArea + Size},
-    {"Extent 0", kExtRows, kArea + Size + kVtSize},
-};
-template <const auto& Rows, unsigned Size>
-inline constexpr Part kBehindSgt[] = {
-    kFrame,
-    {"Request packet", Rows, kArea},
-    {"Scatter-gather entry 0", kSgtRows, kArea + Size},
-    {"Scatter-gather entry 1", kSgtRows, kArea + Size + kSgtEntrySize},
-};
-inline constexpr Part kSgtParts[] = {
-    kFrame,
-    {"Group 0, entry 0", kSgtRows, kArea},
-    {"Group 0, entry 1", kSgtRows, kArea + kSgtEntrySize},
-    {"Group 1, entry 0", kSgtRows, kArea + kSgtSize},
-};
-
-inline constexpr Section kSections[] = {
-    {"Manager: message queue", kKeys<1, 32>, kWith<kMsaRows>, kLength<kMsaSize>, kCodes<1>},
-    {"Manager: message", kKeys<1, 10>, kWith<kMessageRows>, kLength<4>},
-    {"Rebuild: task started", kKeys<2, 1001>, kWith<kVolumeNumberRows>, kLength<4>, kCodes<2>},
-    {"Reconfigure: extent search", kKeys<3, 5>, kBehindVt<kDrpRows, kDrpSize>,
-     kLength<kDrpSize + kVtSize + kExtSize>, kCodes<3>},
-    {"Bad block scan: medium error", kKeys<4, 512>, kWith<kDrpRows>, kLength<kDrpSize>, kCodes<4>},
-    {"XOR engine: operating system", kKeys<5, 1>, kWith<kLwsemRows>, kLength<kLwsemSize>,
-     kCodes<5>},
-    {"Error recovery: volume state", kKeys<6, 510>, kVtParts, kLength<kVtSize + 2 * kExtSize>,
-     kCodes<6>},
-    {"Metadata: management message", kKeys<7, 2>, kWith<kMmsgRows>, kLength<kMmsgSize>, kCodes<7>},
-    {"ISURP process: invalid ISURP", kKeys<8, 25>, kWith<kIsurpRows>, kLength<kIsurpSize>,
-     kCodes<8>},
-    {"DRP process: invalid DRP", kKeys<9, 26>, kWith<kDrpRows>, kLength<kDrpSize>, kCodes<9>},
-    {"Background: invalid ISURP", kKeys<10, 25>, kWith<kIsurpRows>, kLength<kIsurpSize>,
-     kCodes<10>},
-    {"Database", kKeys<11, 4>, kBare, kLength<0>, kCodes<11>},
-    {"Interrupt", kKeys<12, 9>, kWith<kInterruptRows>, kLength<4>, kCodes<12>},
-    {"Startup", kKeys<13, 1>, kBare, kLength<0>, kCodes<13>},
-    {"Storage virtualization: empty buffer", kKeys<14, 8>, kBehindSgt<kIsurpRows, kIsurpSize>,
-     kLength<kIsurpSize + 2 * kSgtEntrySize>, kCodes<14>},
-    {"Diskline metadata: VLBN", kKeys<15, 12>, kBehindSgt<kDrpRows, kDrpSize>,
-     kLength<kDrpSize + 2 * kSgtEntrySize>, kCodes<15>},
-    {"CRC initialize: forced error", kKeys<16, 517>, kDlmParts, kLength<kDlmSize>, kCodes<16>},
-    {"Parity: volume type", kKeys<17, 3>, kVtParts, kLength<kVtSize + 2 * kExtSize>, kCodes<17>},
-    {"Parity initialize: task error", kKeys<18, 506>, kWith<kVolumeNumberRows>, kLength<4>,
-     kCodes<18>},
-    {"Parity error: VLBN", kKeys<19, 12>, kBehindVt<kIsurpRows, kIsurpSize>,
-     kLength<kIsurpSize + kVtSize + kExtSize>, kCodes<19>},
-    {"Parity scan: forced error", kKeys<20, 518>, kWith<kNdfeRows>, kLength<kNdfeSize>, kCodes<20>},
-    {"Parity rebuild: medium error", kKeys<21, 512>, kWith<kIsurpRows>, kLength<kIsurpSize>,
-     kCodes<21>},
-    {"Micro rebuild: task completed", kKeys<22, 1002>, kWith<kVolumeNumberRows>, kLength<4>,
-     kCodes<22>},
-    {"Volume initialize", kKeys<23, 503>, kBare, kLength<0>, kCodes<23>},
-    {"Management message: background task", kKeys<24, 1003>, kWith<kVbgtRows>, kLength<kVbgtSize>,
-     kCodes<24>},
-    {"Redundant controller: invalid RCD", kKeys<25, 29>, kWith<kRcdRows>, kLength<kRcdSize>,
-     kCodes<25>},
-    {"Redundant controller: invalid BCD", kKeys<25, 30>, kWith<kBcdRows>, kLength<kBcdSize>},
-    {"Forced error created", kKeys<26, 509>, kFerParts, kLength<kFerSize + kDlmSize>, kCodes<26>},
-    {"Forced error: device", kKeys<26, 501>, kWith<kDibRows>, kLength<kDibSize>},
-    {"Resource carving", kKeys<27, 1>, kSgtParts, kLength<2 * kSgtSize>, kCodes<27>},
-    {"Background system: invalid RBT", kKeys<28, 31>, kWith<kRbtRows>, kLength<kRbtSize>,
-     kCodes<28>},
-    {"Macro", kKeys<29, 1>, kWith<kLwsemRows>, kLength<kLwsemSize>, kCodes<29>},
-    {"EVL", kKeys<30, 1>, kBare, kLength<0>, kCodes<30>},
-    {"Assert", kKeys<31, 1>, kBare, kFileFills, kCodes<31>},
-    {"Math", kKeys<32, 1>, kBare, kLength<0>, kCodes<32>},
-    {"Drive error", kKeys<33, 519>, kWith<kDriveRows>, kLength<4>, kCodes<33>},
-};
-
-inline constexpr Module kModule{
-    5, "IOMGR8P_Event",
-    "Event identifier 1; all others are dumped. The payload is a frame (event class at 152, code "
-    "at 156, firmware line at 164, length of the data area at 168) and the data area at 172. "
-    "Behind a volume table extents of 80 bytes run to the end of the data area, and so do "
-    "scatter-gather groups of eight entries; a group ends early at an entry with address 0.",
-    kSections};
+inline constexpr const EventTable* kTables[] = {&kEvents};
+inline constexpr Module kModule{5, "IOMGR8P_Event", "Event identifier 1; all others are dumped.",
+                                kTables};
 
 } // namespace Pegasus::mpu::iomgr

@@ -6,7 +6,6 @@
 namespace Pegasus::mpu::mip {
 
 using namespace datapath;
-using namespace std::string_view_literals;
 
 // ---- structures --------------------------------------------------------------------------------
 
@@ -21,23 +20,22 @@ inline constexpr Row kInterruptStatusRows[] = {{"INT_STAT =", "0x%08X", u32(0)}}
 
 // A register of the dump.
 constexpr Row reg(std::string_view name, unsigned at) {
-    return Row(name, "0x%08X", u32(at)).chosen();
+    return Row(name, "0x%08X", u32(at)).assumed();
 }
+
+char* putIrq(char* out, const std::uint8_t* at);
+inline constexpr CustomField kIrq{putIrq, kDecimalRoom, "the number, Disabled for 0"};
 
 // Fatal interrupt, 324 bytes: all words in the order of the elements, the registers of each unit in
 // one run. The two memory controllers have the same thirteen. A two-digit name wants more than ten
 // rows: sixteen is the next power of two.
-inline constexpr Row kIrqRows[] = {
-    Row("ARC_ID", "%u", u32(0)).chosen(),
-    Row("IRQ", "%u", u32(4)).chosen().unlessZero(),
-};
-inline constexpr unsigned kIrqAt = 4; // 0: disabled
-
 inline constexpr Row kInterruptUnitRows[] = {
+    Row("ARC_ID", "%u", u32(0)).assumed(),
+    Row("IRQ", "%s", custom(4, 4, kIrq)).assumed(),
     {"Section_1", "----- GIO :: INT -----"},
-    Row("PIR_%02u", "0x%08X", u32(8)).times(16, 4).chosen(),
+    Row("PIR_%02u", "0x%08X", u32(8)).repeat(16, 4).assumed(),
     reg("PIC_Global", 72),
-    Row("PIC_%02u", "0x%08X", u32(76)).times(16, 4).chosen(),
+    Row("PIC_%02u", "0x%08X", u32(76)).repeat(16, 4).assumed(),
     {"Section_2", "----- BMI -----"},
     reg("Int_Status", 140),
     reg("Int_Mask", 144),
@@ -112,219 +110,208 @@ inline constexpr std::string_view kReasonTexts[] = {
     "Underflow",
     "Unknown",
 };
-inline constexpr NameTable kReasons = names<kReasonTexts>(Otherwise::Last);
+inline constexpr NameTable kReasons = names<kReasonTexts>(Fallback::Last);
 
 // Fatal queue event, 48 bytes. Section 2 has the fields of the 32-byte queue state that other
 // events show, so it is one, at 16.
 inline constexpr Row kFatalMsaRows[] = {
     {"Section_1", "----- QMIF Register -----"},
-    Row("ID", "%u", u32(0)).chosen(),
-    Row("FIFO_Overflow", "%s", flag(u8(4), kNoYes)).chosen(),
-    Row("IRQ_Mode", "%s", flag(u8(5), kIrqModes)).chosen(),
-    Row("IRQ_Level", "%s", flag(u8(6), kIrqLevels)).chosen(),
-    Row("Reason", "%s", name(u8(7), kReasons)).chosen(),
-    Row("Queue_Number", "%u", u32(8)).chosen(),
+    Row("ID", "%u", u32(0)).assumed(),
+    Row("FIFO_Overflow", "%s", flag(u8(4), kNoYes)).assumed(),
+    Row("IRQ_Mode", "%s", flag(u8(5), kIrqModes)).assumed(),
+    Row("IRQ_Level", "%s", flag(u8(6), kIrqLevels)).assumed(),
+    Row("Reason", "%s", name(u8(7), kReasons)).assumed(),
+    Row("Queue_Number", "%u", u32(8)).assumed(),
     {"Section_2", "------- MSA Queue -------"},
-    Row("ID", "%u", u32(12)).chosen(),
-    Row("Mode", "%s", flag(u8(16 + 17), kQueueModes)).fits(),
-    Row("Size", "%u", u16(16 + 18)).fits(),
-    Row("High_Level", "0x%04x", u16(16 + 0)).fits(),
-    Row("Low_Level", "0x%04x", u16(16 + 2)).fits(),
-    Row("Read_Pointer", "0x%04x", u16(16 + 4)).fits(),
-    Row("Writer_Pointer", "0x%04x", u16(16 + 6)).fits(),
-    Row("Checkpoint", "0x%04x", u32(16 + 28)).fits(),
-    Row("Count", "%u", u16(16 + 8)).fits(),
-    Row("Base_Address", "0x%08x", u32(16 + 12)).fits(),
-    Row("Hysteresis", "%u", u8(16 + 16)).fits(),
-    Row("Hi_Signal", "0x%04x", u16(16 + 20)).fits(),
-    Row("Low_Signal", "0x%04x", u16(16 + 22)).fits(),
-    Row("Overflow_Signal", "0x%04x", u16(16 + 24)).fits(),
-    Row("Underflow_Signal", "0x%04x", u16(16 + 26)).fits(),
-    Row("Not_Empty_Signal", "0x%04x", u16(16 + 10)).fits(),
+    Row("ID", "%u", u32(12)).assumed(),
+    Row("Mode", "%s", flag(u8(16 + 17), kQueueModes)).inferred(),
+    Row("Size", "%u", u16(16 + 18)).inferred(),
+    Row("High_Level", "0x%04x", u16(16 + 0)).inferred(),
+    Row("Low_Level", "0x%04x", u16(16 + 2)).inferred(),
+    Row("Read_Pointer", "0x%04x", u16(16 + 4)).inferred(),
+    Row("Writer_Pointer", "0x%04x", u16(16 + 6)).inferred(),
+    Row("Checkpoint", "0x%04x", u32(16 + 28)).inferred(),
+    Row("Count", "%u", u16(16 + 8)).inferred(),
+    Row("Base_Address", "0x%08x", u32(16 + 12)).inferred(),
+    Row("Hysteresis", "%u", u8(16 + 16)).inferred(),
+    Row("Hi_Signal", "0x%04x", u16(16 + 20)).inferred(),
+    Row("Low_Signal", "0x%04x", u16(16 + 22)).inferred(),
+    Row("Overflow_Signal", "0x%04x", u16(16 + 24)).inferred(),
+    Row("Underflow_Signal", "0x%04x", u16(16 + 26)).inferred(),
+    Row("Not_Empty_Signal", "0x%04x", u16(16 + 10)).inferred(),
 };
 inline constexpr unsigned kFatalMsaSize = 48;
 
 // Invalid parameter, 28 bytes and the bad data. The bad header shows just the last eight bytes of a
 // record header, so it is them.
 inline constexpr Row kInvalidParamRows[] = {
-    Row("ARC_Number", "%u", u32(0)).chosen(),
-    Row("Call_Trace", "0x%08x", u32(4)).chosen(),
-    Row("Parameter_-_Pointer", "0x%08x", u32(8)).chosen(),
-    Row("Parameter_-_Word_Count", "%u", u32(12)).chosen(),
+    Row("ARC_Number", "%u", u32(0)).assumed(),
+    Row("Call_Trace", "0x%08x", u32(4)).assumed(),
+    Row("Parameter_-_Pointer", "0x%08x", u32(8)).assumed(),
+    Row("Parameter_-_Word_Count", "%u", u32(12)).assumed(),
     {"Section_1", "------ Bad Header ------"},
-    Row("Bad_Header_-_Source", "%u", u8(18)).fits(),
-    Row("Bad_Header_-_Type", "%u", u8(19)).fits(),
-    Row("Bad_Header_-_Category", "%u", u8(20)).fits(),
-    Row("Bad_Header_-_ID_Version", "%u", u8(21)).fits(),
-    Row("Bad_Header_-_ID", "%u", u16(22)).fits(),
-    Row("Bad_Header_-_Struct_Length", "%u", u16(16)).fits(),
+    Row("Bad_Header_-_Source", "%u", u8(18)).inferred(),
+    Row("Bad_Header_-_Type", "%u", u8(19)).inferred(),
+    Row("Bad_Header_-_Category", "%u", u8(20)).inferred(),
+    Row("Bad_Header_-_ID_Version", "%u", u8(21)).inferred(),
+    Row("Bad_Header_-_ID", "%u", u16(22)).inferred(),
+    Row("Bad_Header_-_Struct_Length", "%u", u16(16)).inferred(),
     {"Section_2", "------- Bad Data -------"},
-    Row("Bad_Data_-_Dump_Length", "%u", u32(24)).chosen(),
+    Row("Bad_Data_-_Dump_Length", "%u", u32(24)).assumed(),
 };
 inline constexpr unsigned kBadLengthAt = 24;
 inline constexpr unsigned kBadDataAt = 28;
 
+// What the data area says of the bad data, and they themselves.
+void putBadData(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kBadData{
+    putBadData,
+    "The bad data as `Hex`: as many bytes as announced, to the end of the data area.",
+    {},
+    "\0\0\0\x04\xBA\xD0\xDA\x7A"sv,
+    Provenance::Assumed};
+
 // ---- classes and codes -------------------------------------------------------------------------
 
-// Builders of bodies. Nothing leads to the last two, which other programs call.
-enum Builder : std::uint8_t {
-    kManagement,
-    kIsr,
-    kStartup,
-    kMmsg,
-    kEvl,
-    kAssert,
-    kDma,
-    kBugcheck,
-    kMath,
-    kDatabase,
-    kBuilders,
-    kNoBuilder = kBuilders
+// By event class. Class 7 has a title and no events.
+inline constexpr std::string_view kClassTitleTexts[] = {
+    "MIP Unknown Event",
+    "MIP Task Event",
+    "MIP Unknown Event",
+    "MIP ISR Event",
+    "MIP Startup Task Event",
+    "MIP Unknown Event",
+    "MIP Management Message Event",
+    "MIP Redundant Controller Process Event",
+    "MIP EVL Event",
+    "MIP Resource Assert Event",
+    "MIP Unknown Event",
+    "MIP Unknown Event",
+    "MIP DMA Event",
+    "MIP Bugcheck Event",
+    "MIP Unknown Event",
 };
+inline constexpr NameTable kClassTitles = names<kClassTitleTexts>(Fallback::Last);
 
-// What the unlisted codes of a builder show as "Line", where it lists codes at all.
-inline constexpr std::uint16_t kUnlistedLines[kBuilders] = {361, 479, 526, 580, 0,
-                                                            0,   649, 885, 0,   408};
-inline constexpr unsigned kUnroutedLine = 262;
+void putFile(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kFile{putFile, "The source file, to the end of the data area.",
+                                   kFileRows, "mip_main.c\0"sv};
 
-struct Class {
-    Label<38> title;
-    Builder builder = kNoBuilder;
-};
-// By event class; class 7 is named and not built.
-inline constexpr Class kClasses[] = {
-    {"MIP Unknown Event"},
-    {"MIP Task Event", kManagement},
-    {"MIP Unknown Event"},
-    {"MIP ISR Event", kIsr},
-    {"MIP Startup Task Event", kStartup},
-    {"MIP Unknown Event"},
-    {"MIP Management Message Event", kMmsg},
-    {"MIP Redundant Controller Process Event"},
-    {"MIP EVL Event", kEvl},
-    {"MIP Resource Assert Event", kAssert},
-    {"MIP Unknown Event"},
-    {"MIP Unknown Event"},
-    {"MIP DMA Event", kDma},
-    {"MIP Bugcheck Event", kBugcheck},
-};
+// What the data area of an event holds.
+template <const auto& Rows, unsigned Size>
+inline constexpr Pieces kOne = {data(Rows), kLength<Size>};
+inline constexpr auto& kLwsem = kOne<kLwsemRows, kLwsemSize>;
+inline constexpr auto& kMmsg = kOne<kMmsgRows, kMmsgSize>;
+inline constexpr auto& kMsa = kOne<kMsaRows, kMsaSize>;
+inline constexpr auto& kInterrupt = kOne<kInterruptRows, 4>;
+inline constexpr auto& kMessage = kOne<kMessageRows, 4>;
+inline constexpr auto& kQmir = kOne<kQmirRows, 4>;
+inline constexpr auto& kInterruptStatus = kOne<kInterruptStatusRows, 4>;
+inline constexpr Pieces kFatalMsa = {data(kFatalMsaRows), sample(kDataAt + 7, "\x08"sv),
+                                     kLength<kFatalMsaSize>};
+inline constexpr Pieces kFatalIrq = {
+    data(kInterruptUnitRows), data(kMemoryControllerRows, kMemoryController1At),
+    data(kCacheRows),         data(kMemoryControllerRows, kMemoryController2At),
+    data(kQueueUnitRows),     kLength<kFatalIrqSize>};
+inline constexpr Pieces kInvalidParam = {
+    data(kInvalidParamRows), custom(kBadData, kDataAt + kBadLengthAt), kLength<kBadDataAt + 4>};
+inline constexpr Pieces kSourceFile = {custom(kFile, kDataAt), kLength<sizeof "mip_main.c">};
 
-enum class Dump : std::uint8_t {
-    None,
-    Lwsem,
-    Mmsg,
-    Msa,
-    Interrupt,
-    Message,
-    Qmir,
-    InterruptStatus,
-    FatalMsa,
-    FatalIrq,
-    InvalidParam,
-    File, // name of a source file
-};
+// All codes of a class that it doesn't list. The line is that of the firmware's sources.
+template <unsigned At>
+constexpr std::array<Row, 2> unlisted(std::string_view line) {
+    return {Row("ID", "%u", u32(At)), Row("Line", line)};
+}
+inline constexpr auto kUnlistedManagement = unlisted<kCodeAt>("361");
+inline constexpr auto kUnlistedDatabase = unlisted<kCodeAt>("408");
+inline constexpr auto kUnlistedIsr = unlisted<kCodeAt>("479");
+inline constexpr auto kUnlistedStartup = unlisted<kCodeAt>("526");
+inline constexpr auto kUnlistedMmsg = unlisted<kCodeAt>("580");
+inline constexpr auto kUnlistedDma = unlisted<kCodeAt>("649");
+inline constexpr auto kUnlistedBugcheck = unlisted<kCodeAt>("885");
+inline constexpr auto kUnlistedClass = unlisted<kClassAt>("262");
 
-using enum Dump;
-using Event = EventCode<Dump, 36>;
-
-// The first column is the builder.
-inline constexpr Event kEvents[] = {
+inline constexpr EventRow kEventRows[] = {
     // clang-format off
-    {kManagement, 1, "MIP8P MQX Event", Lwsem},
-    {kManagement, 3, "MIP8P Unexpected Interrupt", Interrupt},
-    {kManagement, 4, "MIP8P QMIR Event", Qmir},
-    {kManagement, 5, "MIP8P Unexpected Message Type", Message},
-    {kManagement, 6, "MIP8P Unexpected Error Event", None},
-    {kManagement, 12, "MIP8P Invalid ARC Number", None},
-    {kManagement, 13, "MIP8P Rvl_MPU MBOX Event", None},
-    {kManagement, 14, "MIP8P MSA Event", Msa},
-    {kManagement, 15, "MIP8P ARC found halted", None},
-    {kManagement, 16, "MIP8P ARC found hung", None},
-    {kIsr, 1, "Proxy MQX Event", Lwsem},
-    {kIsr, 3, "ISR Unexpected Interrupt", Interrupt},
-    {kIsr, 7, "ISR Installation Failed", Interrupt},
-    {kIsr, 8, "ISR Overflow", None},
-    {kIsr, 24, "MIP Ring Buffer Overflow", None},
-    {kIsr, 25, "MIP Default Interreupt Handler Error", None},
-    {kStartup, 1001, "MIP8P Starting ARCs", None},
-    {kStartup, 1, "MIP8P Startup MQX Error", None},
-    {kStartup, 1002, "MIP8P ARCs started", None},
-    {kMmsg, 10, "MMSG Invalid Param", None},
-    {kMmsg, 1, "MMSG MQX Event", Lwsem},
-    {kMmsg, 11, "MMSG Invalid MMSG", Mmsg},
-    {kEvl, kAnyCode, "EVL Error", None},
-    {kAssert, kAnyCode, "ASSERT Error", File},
-    {kDma, 10, "Database Invalid Param", None},
-    {kDma, 14, "MIP8P MSA Event", Msa},
-    {kDma, 502, "MIP8P p32 Xcore Interrupt", InterruptStatus},
-    {kDma, 1, "DMA MQX Event", Lwsem},
-    {kDma, 3, "MIP8P Unexpected Interrupt", InterruptStatus},
-    {kBugcheck, 22, "Error: Fatal MSA queue event", FatalMsa},
-    {kBugcheck, 21, "Error: Invalid BUG-CHECK Parameters", InvalidParam},
-    {kBugcheck, 23, "Error: Fatal IRQ event", FatalIrq},
-    {kMath, kAnyCode, "MATH Error", None},
-    {kDatabase, 8, "Database Overflow", None},
-    {kDatabase, 2, "Database ENOMEM", None},
-    {kDatabase, 10, "Database Invalid Param", None},
+    // management
+    row({1, 1}, "MIP8P MQX Event", kLwsem),
+    row({1, 3}, "MIP8P Unexpected Interrupt", kInterrupt),
+    row({1, 4}, "MIP8P QMIR Event", kQmir),
+    row({1, 5}, "MIP8P Unexpected Message Type", kMessage),
+    row({1, 6}, "MIP8P Unexpected Error Event"),
+    row({1, 12}, "MIP8P Invalid ARC Number"),
+    row({1, 13}, "MIP8P Rvl_MPU MBOX Event"),
+    row({1, 14}, "MIP8P MSA Event", kMsa),
+    row({1, 15}, "MIP8P ARC found halted"),
+    row({1, 16}, "MIP8P ARC found hung"),
+    row(anyOf(1), "Unknown Message ID", {kUnlistedManagement}),
+    // isr
+    row({3, 1}, "Proxy MQX Event", kLwsem),
+    row({3, 3}, "ISR Unexpected Interrupt", kInterrupt),
+    row({3, 7}, "ISR Installation Failed", kInterrupt),
+    row({3, 8}, "ISR Overflow"),
+    row({3, 24}, "MIP Ring Buffer Overflow"),
+    row({3, 25}, "MIP Default Interreupt Handler Error"),
+    row(anyOf(3), "Unknown Message ID", {kUnlistedIsr}),
+    // startup
+    row({4, 1001}, "MIP8P Starting ARCs"),
+    row({4, 1}, "MIP8P Startup MQX Error"),
+    row({4, 1002}, "MIP8P ARCs started"),
+    row(anyOf(4), "Unknown Message ID", {kUnlistedStartup}),
+    // mmsg
+    row({6, 10}, "MMSG Invalid Param"),
+    row({6, 1}, "MMSG MQX Event", kLwsem),
+    row({6, 11}, "MMSG Invalid MMSG", kMmsg),
+    row(anyOf(6), "Unknown Message ID", {kUnlistedMmsg}),
+    // evl
+    row(anyOf(8), "EVL Error"),
+    // assert
+    row(anyOf(9), "ASSERT Error", kSourceFile, kFileSummary),
+    // dma
+    row({12, 10}, "Database Invalid Param"),
+    row({12, 14}, "MIP8P MSA Event", kMsa),
+    row({12, 502}, "MIP8P p32 Xcore Interrupt", kInterruptStatus),
+    row({12, 1}, "DMA MQX Event", kLwsem),
+    row({12, 3}, "MIP8P Unexpected Interrupt", kInterruptStatus),
+    row(anyOf(12), "Unknown Message ID", {kUnlistedDma}),
+    // bugcheck
+    row({13, 22}, "Error: Fatal MSA queue event", kFatalMsa),
+    row({13, 21}, "Error: Invalid BUG-CHECK Parameters", kInvalidParam),
+    row({13, 23}, "Error: Fatal IRQ event", kFatalIrq),
+    row(anyOf(13), "Unknown Message ID", {kUnlistedBugcheck}),
+    // all other classes
+    row(anyOf(0), "Unknown Event Type", {kUnlistedClass}),
     // clang-format on
 };
 
-inline const Event* findEvent(Builder builder, std::uint32_t code) {
-    return findCode<kEvents, kBuilders>(builder, code);
-}
-
-// ---- the catalogue -----------------------------------------------------------------------------
-
-template <std::uint8_t Builder>
-inline constexpr auto& kCodes = kCodeList<kEvents, Builder>;
-
-inline constexpr Part kFrame{"Event", kFrameRows, kFrameAt};
-inline constexpr Part kBare[] = {kFrame};
-template <const auto& Rows>
-inline constexpr Part kWith[] = {kFrame, {"Data", Rows, kArea}};
-inline constexpr Part kIrqParts[] = {
-    kFrame,
-    {"Data", kIrqRows, kArea},
-    {"Interrupt unit and bus interface", kInterruptUnitRows, kArea},
-    {"First memory controller", kMemoryControllerRows, kArea + kMemoryController1At},
-    {"Cache", kCacheRows, kArea},
-    {"Second memory controller", kMemoryControllerRows, kArea + kMemoryController2At},
-    {"Queues and packet engine", kQueueUnitRows, kArea},
+inline constexpr EventTable kEvents{
+    .rows = kEventRows,
+    .major = kClass,
+    .minor = kCode,
+    .keys = kKeys,
+    .title = line("%s", name(kClass, kClassTitles)),
+    .head = {kFrameRows},
+    .note = MPUEVENT_DATAPATH_NOTE "Class 0 is for all classes that have no codes.",
 };
+static_assert(accepted<kEvents>);
 
-inline constexpr Fill kFileFills[] = {{kFrameAt + kLengthAt, kWord<11>}, {kArea, "mip_main.c\0"sv}};
-inline constexpr Fill kBadDataFills[] = {{kFrameAt + kLengthAt, kWord<kBadDataAt + 4>},
-                                         {kArea + kBadLengthAt, kWord<4>},
-                                         {kArea + kBadDataAt, "\xBA\xD0\xDA\x7A"sv}};
-inline constexpr Fill kReasonFills[] = {{kFrameAt + kLengthAt, kWord<kFatalMsaSize>},
-                                        {kArea + 7, "\x08"sv}};
-
-inline constexpr Section kSections[] = {
-    {"Management: operating system", kKeys<1, 1>, kWith<kLwsemRows>, kLength<kLwsemSize>,
-     kCodes<kManagement>},
-    {"Management: interrupt", kKeys<1, 3>, kWith<kInterruptRows>, kLength<4>},
-    {"Management: QMIR", kKeys<1, 4>, kWith<kQmirRows>, kLength<4>},
-    {"Management: message", kKeys<1, 5>, kWith<kMessageRows>, kLength<4>},
-    {"Management: queue", kKeys<1, 14>, kWith<kMsaRows>, kLength<kMsaSize>},
-    {"Interrupt service", kKeys<3, 7>, kWith<kInterruptRows>, kLength<4>, kCodes<kIsr>},
-    {"Startup", kKeys<4, 1001>, kBare, kLength<0>, kCodes<kStartup>},
-    {"Management message", kKeys<6, 11>, kWith<kMmsgRows>, kLength<kMmsgSize>, kCodes<kMmsg>},
-    {"EVL", kKeys<8, 1>, kBare, kLength<0>, kCodes<kEvl>},
-    {"Assert", kKeys<9, 1>, kBare, kFileFills, kCodes<kAssert>},
-    {"DMA: interrupt status", kKeys<12, 502>, kWith<kInterruptStatusRows>, kLength<4>,
-     kCodes<kDma>},
-    {"Bug-check: fatal interrupt", kKeys<13, 23>, kIrqParts, kLength<kFatalIrqSize>,
-     kCodes<kBugcheck>},
-    {"Bug-check: fatal queue event", kKeys<13, 22>, kWith<kFatalMsaRows>, kReasonFills},
-    {"Bug-check: invalid parameter", kKeys<13, 21>, kWith<kInvalidParamRows>, kBadDataFills,
-     "Then the bad data: as many bytes as announced, up to the end of the data area."},
+// Events that builders make and no class leads to.
+inline constexpr unsigned kMath = 1;
+inline constexpr unsigned kDatabase = 2;
+inline constexpr EventRow kOtherEventRows[] = {
+    // clang-format off
+    row(anyOf(kMath), "MATH Error"),
+    row({kDatabase, 8}, "Database Overflow"),
+    row({kDatabase, 2}, "Database ENOMEM"),
+    row({kDatabase, 10}, "Database Invalid Param"),
+    row(anyOf(kDatabase), "Unknown Message ID", {kUnlistedDatabase}),
+    // clang-format on
 };
+inline constexpr EventTable kOtherEvents{.rows = kOtherEventRows, .major = kClass, .minor = kCode};
+static_assert(accepted<kOtherEvents>);
 
-inline constexpr Module kModule{
-    7, "MIP8P_Event",
-    "Event identifier 1; all others are dumped. The payload has the frame of module 5: event class "
-    "at 152, code at 156, firmware line at 164, length of the data area at 168, data area at 172. "
-    "An IRQ of 0 is shown as Disabled.",
-    kSections};
+inline constexpr const EventTable* kTables[] = {&kEvents};
+inline constexpr Module kModule{7, "MIP8P_Event", "Event identifier 1; all others are dumped.",
+                                kTables};
 
 } // namespace Pegasus::mpu::mip

@@ -1,9 +1,9 @@
 #include "decoders/datapath/VPI8P_Event.h"
 
+#include "decoders/Decode.h"
 #include "decoders/common/Unknown.h"
+#include "decoders/datapath/VPI8P_Layouts.h"
 #include "event/Ascii.h"
-#include "event/RecordView.h"
-#include "event/TextWriter.h"
 
 namespace Pegasus {
 
@@ -14,10 +14,11 @@ namespace {
 constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kValueEnds = ", \t";
 constexpr std::string_view kGroup = "Values";
-constexpr std::size_t kLongestKey = 1000; // surely a tag
 
-std::string_view textOf(const EmpEvLogMsg_s* record) {
-    return RecordView(record + 1, record->evStructLength).text(0);
+constexpr const Events& events = kEventsOf<vpi::kEvents>;
+
+std::string_view textOf(const Record& record) {
+    return record.payload().text(0, record.payloadLength()).raw();
 }
 
 // `text` without the characters of `set` at its start.
@@ -33,13 +34,13 @@ void putKey(TextWriter& out, std::string_view key) {
 }
 
 void putPair(TextWriter& out, std::string_view key, std::string_view value) {
-    // The closing tag of such a key would pass for that of the group; without a name or with a very
-    // long one it is no tag at all. Only a look at the whole body can tell what becomes of it.
-    if (key.starts_with(kGroup) || key.empty() || key.size() > kLongestKey)
+    // The closing tag of such a key would pass for that of the group; without a name it is no tag
+    // at all. Only a look at the whole body can tell what becomes of it.
+    if (key.starts_with(kGroup) || key.empty())
         out.expectMarkup();
     out.put("<");
     putKey(out, key);
-    out.put(">").text(value).put("</");
+    out.put(">").untrusted(Untrusted(value)).put("</");
     putKey(out, key);
     out.put("> ");
 }
@@ -63,45 +64,48 @@ bool putPairs(TextWriter& out, std::string_view line) {
     return true;
 }
 
-void assignBody(String& to, std::string_view text) {
-    BodyWriter body(Texts::Safe);
+void putBody(TextWriter& body, std::string_view text) {
     unsigned int counter = 1;
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));
         if (putPairs(body, line))
             continue;
-        body.put("<Text").decimal(counter).put(">").text(line);
+        body.put("<Text").decimal(counter).put(">").untrusted(Untrusted(line));
         body.put("</Text").decimal(counter).put("> ");
         ++counter;
     }
-    body.assignTo(to);
 }
 
 } // namespace
 
+void vpi::putFirstLine(Draft& draft, const Record& record, RecordView) {
+    const std::string_view text = textOf(record);
+    draft.summary.untrusted(Untrusted(text.substr(0, text.find('\n'))));
+}
+
+void vpi::putLines(Draft& draft, const Record& record, RecordView) {
+    putBody(draft.body, textOf(record));
+}
+
+void vpi::decode(const Record& record, Draft& draft) {
+    if (const Events::Entry* event = events.find(record.eventId()))
+        return events.write(draft, *event, record, record.payload());
+    decodeUnknown(record, draft,
+                  {"VPI8P_Event", 115, "Unknown EventID: 0x", "Unhandled Event by VPI8P"});
+}
+
 VPI8P_Event::VPI8P_Event(const EmpEvLogMsg_s* record, int length)
     : Avrel_Event(record, static_cast<unsigned int>(length)) {
-    if (!record)
-        return;
-    if (record->eventId != 1) {
-        traceUnknown("VPI8P_Event", 115, "Unknown EventID: 0x", record);
-        assignAscii(summary_, "Unhandled Event by VPI8P");
-        assignHexBody(body_, record);
-        return;
-    }
-    assignAscii(eventID_, "General message");
-    const std::string_view text = textOf(record);
-    assignText(summary_, text.substr(0, text.find('\n')));
-    assignBody(body_, text);
+    take(record, length, vpi::decode);
 }
 
 VPI8P_Event::~VPI8P_Event() = default;
 
 String get_VPI8P_MSG_STRING(const EmpEvLogMsg_s* record) {
-    String body;
-    assignBody(body, textOf(record));
-    return body;
+    BodyWriter body(Texts::Safe);
+    putBody(body, textOf(Record(record)));
+    return body.string();
 }
 
 } // namespace Pegasus

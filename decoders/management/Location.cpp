@@ -27,23 +27,23 @@ Location locationOf(RecordView block) {
 void unpackLocation(const LocationBlock& block, int& line, char* function, char* file) {
     const Location found = locationOf({&block, sizeof block});
     line = found.line;
-    copyText(function, found.function);
-    copyText(file, found.file);
+    copyText(function, found.function.raw());
+    copyText(file, found.file.raw());
 }
 
 LocatedRecord::LocatedRecord(RecordView record, Block block)
-    : record_(record), data_(record.from(sizeof(EmpEvLogMsg_s))) {
+    : record_(record), data_(record.subview(sizeof(EmpEvLogMsg_s))) {
     if (block == Block::Always || record.u16(144) > sizeof(LocationBlock)) {
-        location_ = locationOf(data_.from(0, sizeof(LocationBlock)));
-        data_ = data_.from(sizeof(LocationBlock));
+        location_ = locationOf(data_.subview(0, sizeof(LocationBlock)));
+        data_ = data_.subview(sizeof(LocationBlock));
     }
 }
 
-void LocatedRecord::putText(TextWriter& body, std::string_view text) {
+void LocatedRecord::putText(TextWriter& body, Untrusted text) {
     body.element("Text", text, " ");
 }
 
-void LocatedRecord::putDump(TextWriter& body, std::string_view text) const {
+void LocatedRecord::putDump(TextWriter& body, Untrusted text) const {
     const Behind rest = behind(text);
     const std::size_t left = rest.left > 0 ? static_cast<std::size_t>(rest.left) : 0;
     body.put("<Hex>").hexBytes(rest.data.bytes(0, left)).put("</Hex>\n");
@@ -54,12 +54,12 @@ void LocatedRecord::putTrailer(TextWriter& body) const {
     body.put("<Line>").decimal(location_.line).put("</Line> ");
 }
 
-LocatedRecord::Behind LocatedRecord::behind(std::string_view text) const {
+LocatedRecord::Behind LocatedRecord::behind(Untrusted text) const {
     const int room = static_cast<int>(record_.u16(144)) - static_cast<int>(sizeof(LocationBlock));
     const int taken = static_cast<int>(text.size()) + 1;
     if (room < taken)
         return {false, data_, room};
-    return {true, data_.from(text.size() + 1), room - taken};
+    return {true, data_.subview(text.size() + 1), room - taken};
 }
 
 } // namespace Pegasus::mpu

@@ -13,8 +13,8 @@ void copyText(char* out, std::string_view text);
 
 struct Location {
     std::uint16_t line = 0;
-    std::string_view file;
-    std::string_view function;
+    Untrusted file;
+    Untrusted function;
 };
 Location locationOf(RecordView block);
 
@@ -32,9 +32,9 @@ public:
     RecordView data() const { return data_; }
 
     // "<Text>text</Text> "
-    static void putText(TextWriter& body, std::string_view text);
+    static void putText(TextWriter& body, Untrusted text);
     // "<Hex>", the bytes behind `text`, "</Hex>\n"
-    void putDump(TextWriter& body, std::string_view text) const;
+    void putDump(TextWriter& body, Untrusted text) const;
     // File, Func and Line
     void putTrailer(TextWriter& body) const;
 
@@ -46,7 +46,7 @@ public:
         RecordView data;
         int left;
     };
-    Behind behind(std::string_view text) const;
+    Behind behind(Untrusted text) const;
 
 private:
     RecordView record_;

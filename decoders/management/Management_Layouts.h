@@ -1,7 +1,7 @@
 // Structures that several management decoders write. Offsets are from the start of the structure.
 #pragma once
 
-#include "event/Layout.h"
+#include "event/TableCompiler.h"
 
 namespace Pegasus::mpu {
 
@@ -21,6 +21,8 @@ inline constexpr Row kResponseRows[] = {
     {"pMmsgLh", "0x%08X", u32(24)},          {"pTimedout", "0x%08X", u32(28)},
 };
 inline constexpr unsigned kResponseSize = 32;
+
+inline constexpr Row kTextRows[] = {{"Text", "%s", text(0)}};
 
 // The block itself is unpacked by locationOf(): the function name lies behind the file name's NUL.
 inline constexpr Row kLocationRows[] = {

@@ -7,6 +7,15 @@
 
 namespace Pegasus::mpu::ncs {
 
+inline constexpr unsigned kManagementPort = 1054; // the event whose texts are made safe
+
+inline constexpr Row kPortClassRows[] = {{"ClassName", "NetworkPortStats"}};
+inline constexpr Row kLagClassRows[] = {{"ClassName", "NetworkLagStats"}};
+inline constexpr Row kOffloadClassRows[] = {{"ClassName", "NetworkRvlStats"}};
+inline constexpr Row kManagementPortClassRows[] = {{"ClassName", "NetworkOutbandStats"}};
+inline constexpr Row kTcpClassRows[] = {{"ClassName", "NetworkTcpStats"}};
+inline constexpr Row kConnectionClassRows[] = {{"ClassName", "NetworkConnectionStats"}};
+
 inline constexpr Row kConnectionStatsRows[] = {
     {"ObjID", "0x%08X", u32(0)},           {"Controller", "%d", u32(4)},
     {"TcpConnLocalAddress", "%d", u32(8)}, {"TcpConnRemAddress", "%d", u32(12)},
@@ -14,16 +23,14 @@ inline constexpr Row kConnectionStatsRows[] = {
     {"TcpConnState", "%d", u16(20)},       {"TcpSockId", "%d", u16(22)},
 };
 
-// Operational_Status stands between the two, by the word at 8.
+char* putLinkState(char* out, const std::uint8_t* at);
+inline constexpr CustomField kLinkState{putLinkState, 4, "UP for 1040, else DOWN"};
 inline constexpr Row kLinkRows[] = {
     {"LAG_Port", "%d", u32(0)},
-};
-inline constexpr Row kLinkStateRows[] = {
+    {"Operational_Status", "%s", custom(8, 4, kLinkState)},
     {"Admin_State", "%d", u8(14)},
     {"Physical_BladeId", "%d", u8(12)},
 };
-inline constexpr unsigned kLinkCodeAt = 8;
-inline constexpr std::uint16_t kLinkUp = 1040;
 
 inline constexpr Row kMessageRows[] = {
     {"OpCode_Protocol", "%d", u8(0)},     {"OpCode_Type", "0x%08X", u24(1)},
@@ -35,68 +42,43 @@ inline constexpr Row kMessageRows[] = {
 };
 inline constexpr unsigned kMessageSize = 56; // the last 16 bytes are not shown
 
-// The catalogue.
-inline constexpr std::uint16_t kPayloadAt = 152;
+void putDump(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kDump{
+    putDump, "What follows the text's NUL, as `Hex`.", {}, "Bad frame\0\x00\x1B\x21\xA0\xFF"sv};
 
-template <std::uint16_t Code>
-inline constexpr Key kCode[] = {{150, 2, Code}};
-template <const auto& Rows>
-inline constexpr Part kPart[] = {{"Payload", Rows, kPayloadAt}};
-inline constexpr Part kLinkParts[] = {{"Payload", kLinkRows, kPayloadAt},
-                                      {"Behind Operational_Status", kLinkStateRows, kPayloadAt}};
-
-inline constexpr Fill kTextFill[] = {{kPayloadAt, "Default gateway 10.1.0.1 does not answer\0"sv}};
-inline constexpr Fill kDumpFill[] = {{kPayloadAt, "Unexpected frame\0\x00\x1B\x21\xA0\xFF\x10"sv}};
-template <std::uint16_t At>
-inline constexpr Fill kTextBehind[] = {{kPayloadAt + At, "ncs_main: no reply from agent\0"sv}};
-inline constexpr Fill kLinkFill[] = {{kPayloadAt + kLinkCodeAt, "\0\0\x04\x10"sv}};
-inline constexpr Fill kManagementPortFill[] = {{kPayloadAt + 60, "Management Ethernet port\0"sv},
-                                               {kPayloadAt + 316, "eth0\0"sv},
-                                               {kPayloadAt + 380, "00:1B:21:A0:FF:10\0"sv}};
-
-inline constexpr Section kSections[] = {
-    {"Text", kCode<1000>, {}, kTextFill, "A text, the summary too. Also codes 1001, 1002, 1030."},
-    {"Dump", kCode<1003>, {}, kDumpFill, "A text, then bytes that are dumped."},
-    {"Management message", kCode<1021>, kPart<kMessageRows>, kTextBehind<kMessageSize>,
-     "A text at 56. Also codes 1022 to 1025."},
-    {"Response registration", kCode<1026>, kPart<kResponseRows>, kTextBehind<kResponseSize>,
-     "A text at 32."},
-    {"Link status", kCode<kLinkUp>, kLinkParts, kLinkFill,
-     "The summary goes by the code. `Operational_Status`, behind `LAG_Port`, is UP when the u32 at "
-     "8 is 1040, else DOWN. Also code 1041."},
-    {"Physical port statistics",
-     kCode<1051>,
-     kPart<kPortStatsRows>,
-     {},
-     "The class name is `NetworkPortStats`."},
-    {"LAG port statistics",
-     kCode<1052>,
-     kPart<kPortStatsRows>,
-     {},
-     "The class name is `NetworkLagStats`."},
-    {"IP/TCP/iSCSI statistics",
-     kCode<1053>,
-     kPart<kOffloadStatsRows>,
-     {},
-     "The class name is `NetworkRvlStats`."},
-    {"Management port statistics", kCode<1054>, kPart<kManagementPortStatsRows>,
-     kManagementPortFill, "The class name is `NetworkOutbandStats`."},
-    {"TCP system statistics",
-     kCode<1055>,
-     kPart<kTcpStatsRows>,
-     {},
-     "The class name is `NetworkTcpStats`."},
-    {"TCP connection statistics",
-     kCode<1056>,
-     kPart<kConnectionStatsRows>,
-     {},
-     "The class name is `NetworkConnectionStats`."},
+inline constexpr EventRow kEventRows[] = {
+    // clang-format off
+    {1000, "NCS:Informational Text", line("%s", text(0, 255)), {kTextRows}},
+    {1001, "NCS:Warning message", line("%s", text(0, 255)), {kTextRows}},
+    {1002, "NCS:Error message", line("%s", text(0, 255)), {kTextRows}},
+    {1003, "Info", line("Informational Text and Hex Dump Data"), {kTextRows, kDump}},
+    {1021, "NCS MMSG Request Error", line("NCS: MMSG with unknown Protocol"), {kMessageRows, rows(kTextRows, kMessageSize)}},
+    {1022, "NCS MMSG Request Error", line("NCS: MMSG with invalid Request type"), {kMessageRows, rows(kTextRows, kMessageSize)}},
+    {1023, "NCS MMSG Request Error", line("NCS: MMSG with invalid Requester"), {kMessageRows, rows(kTextRows, kMessageSize)}},
+    {1024, "NCS MMSG Request Error", line("NCS: MMSG request with Response bit set"), {kMessageRows, rows(kTextRows, kMessageSize)}},
+    {1025, "NCS MMSG Request Error", line("NCS: MMSG Response Timedout"), {kMessageRows, rows(kTextRows, kMessageSize)}},
+    {1026, "NCS CEE Event registration Error", line("NCS: Failed to Register CEE response event"), {kResponseRows, rows(kTextRows, kResponseSize)}},
+    {1030, "NCS: Socket Open Failure", line("NCS: Socket open operation Failed"), {kTextRows}},
+    {1040, "LAG Port Status Event", line("LAG Port %d, Operational Status UP", u32(0)), {kLinkRows, sample(8, "\0\0\x04\x10"sv)}},
+    {1041, "LAG Port Status Event", line("LAG Port %d, Operational Status DOWN", u32(0)), {kLinkRows}},
+    {1051, "Physical Port Statistics", line("Physical Port %d stats", u32(4)), {kPortClassRows, kPortStatsRows}},
+    {1052, "LAG Port Statistics", line("LAG Port %d stats", u32(4)), {kLagClassRows, kPortStatsRows}},
+    {1053, "IP/TCP/iSCSI Statistics", line("Controller %d IP/TCP/iSCSI stats", u32(4)), {kOffloadClassRows, kOffloadStatsRows}},
+    {kManagementPort, "Management Port Statistics", line("Management Port objId %d stats", u32(0)), {kManagementPortClassRows, kManagementPortStatsRows}},
+    {1055, "TCP System Statistics", line("Controller %d TCP System stats", u32(4)), {kTcpClassRows, kTcpStatsRows}},
+    {1056, "TCP Connection Statistics", line("Controller %d TCP Connection stats", u32(4)), {kConnectionClassRows, kConnectionStatsRows}},
+    // clang-format on
 };
 
-inline constexpr Module kModule{
-    24, "NETWORK_CONFIGMP_Event",
-    "There is no location block. Texts stand as the record has them, but for the management port's "
-    "statistics. A statistics body begins with `ClassName`.",
-    kSections};
+inline constexpr EventTable kEvents{
+    .rows = kEventRows,
+    .minor = u16(150),
+    .note = "There is no location block. Texts are as the record has them, but for the management "
+            "port's statistics.",
+};
+static_assert(accepted<kEvents>);
+
+inline constexpr const EventTable* kTables[] = {&kEvents};
+inline constexpr Module kModule{24, "NETWORK_CONFIGMP_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::ncs

@@ -1,9 +1,9 @@
 #include "decoders/management/SMIS_Event.h"
 
+#include "decoders/Decode.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/management/Location.h"
 #include "decoders/management/SMIS_Layouts.h"
-#include "decoders/management/Titles.h"
 
 namespace Pegasus {
 
@@ -12,16 +12,7 @@ using namespace mpu::smis;
 
 namespace {
 
-enum Kind : std::uint8_t { kText, kDump, kMessage, kObject, kKeyValue };
-
-constexpr TitledEvent kEvents[] = {
-    {2000, "Error Text", "Warning Text", "Text Information", kText},
-    {2005, "Error Dump Data", "Warning Dump Data", "Dump Information", kDump},
-    {2013, "MMSG Error", "MMSG Warning", "MMSG Information", kMessage},
-    {2018, "Error in CMAP ManagedObject internal processing",
-     "Warning in CMAP ManagedObject internal processing", "ManagedObject Information", kObject},
-    {2020, "Error Data", "Warning Data", "Informational Data", kKeyValue},
-};
+constexpr const Events& events = kEventsOf<kEvents>;
 
 constexpr std::size_t kLongestSummary = 62;
 
@@ -58,7 +49,7 @@ constexpr std::size_t kPlainKey = 64;
 // The tag of the last pair is its key as it stands.
 void putKey(TextWriter& body, std::string_view key, bool last) {
     if (last) {
-        body.bytes(key);
+        body.raw(Untrusted(key));
         return;
     }
     char* out = body.reserve(key.size());
@@ -73,7 +64,7 @@ void putPair(TextWriter& body, std::string_view key, std::string_view value, boo
         body.expectMarkup();
     body.put("<");
     putKey(body, key, last);
-    body.put(">").text(value).put("</");
+    body.put(">").untrusted(Untrusted(value)).put("</");
     putKey(body, key, last);
     body.put(last ? ">\n" : "> ");
 }
@@ -84,7 +75,7 @@ void putPair(TextWriter& body, std::string_view key, std::string_view value, boo
 // NULs inside, and its key stands as it is. An area that begins with "=" or with blanks and "=" has
 // an empty or a blank first key, which is dropped when its pair is the last one. Not inlined, so
 // that its state stays in registers.
-[[gnu::noinline]] void putPairs(TextWriter& body, std::string_view area) {
+[[gnu::noinline]] void writePairs(TextWriter& body, std::string_view area) {
     bool pending = false; // a key without its value's end
     std::string_view key;
     std::size_t valueAt = 0;
@@ -116,62 +107,78 @@ void putPair(TextWriter& body, std::string_view key, std::string_view value, boo
         putPair(body, key, withoutTrailingNuls(area.substr(valueAt)), true);
 }
 
-// Writes the body and returns the summary, which is a part of the record.
-std::string_view build(std::uint8_t kind, RecordView view, TextWriter& body) {
+LocatedRecord located(const Record& record, unsigned int code = 0) {
     using Block = LocatedRecord::Block;
-    const LocatedRecord record(view, kind == kMessage ? Block::WhenLonger : Block::Always);
-    const RecordView data = record.data();
-    std::size_t textAt = 0;
-    if (kind == kMessage) {
-        write(body, kLayout<kManagementMessageRows>, data);
-        textAt = kManagementMessageSize;
-    } else if (kind == kObject) {
-        const unsigned size = data.u16(kObjectSizeAt);
-        writeObject(body, data.u8(kClassIdAt), data.from(kObjectAt, size));
-        write(body, kLayout<kObjectHeaderRows>, data);
-        textAt = kObjectAt + size;
-    }
-    const std::string_view text = data.text(textAt);
-    LocatedRecord::putText(body, text);
-    if (kind == kDump) {
-        record.putDump(body, text);
-    } else if (kind == kKeyValue) {
-        const LocatedRecord::Behind area = record.behind(text);
-        if (area.holdsText)
-            putPairs(body, area.data.bytes(0, static_cast<std::size_t>(area.left)));
-    }
-    if (record.severity() != 1)
-        record.putTrailer(body);
-    return summarize(text, 0);
+    return {record.view(), code == kMessage ? Block::WhenLonger : Block::Always};
 }
 
-// For callers with a buffer of their own.
-String bodyOf(Kind kind, const EmpEvLogMsg_s* record, char* summary) {
-    BodyWriter body(Texts::Safe);
-    copyText(summary, build(kind, RecordView::of(record, 0), body));
-    return body.string();
+Untrusted textAfterObject(RecordView data) {
+    return data.text(kObjectAt + std::size_t{data.u16(kObjectSizeAt)});
+}
+
+// For callers with a buffer of their own: the body of `record` as an event with the code has it.
+String bodyOf(unsigned int code, const EmpEvLogMsg_s* bytes, char* summary) {
+    const Record record(bytes);
+    const RecordView data = located(record, code).data();
+    Draft draft;
+    events.writeBody(draft, *events.find(code, data.u8(kClassIdAt)), record, data);
+    copyText(summary, draft.summary.view());
+    return draft.body.string();
 }
 
 } // namespace
 
+void smis::putObject(Draft& draft, const Record& record, RecordView) {
+    const RecordView data = located(record).data();
+    writeObject(draft.body, data.u8(kClassIdAt), data.subview(kObjectAt, data.u16(kObjectSizeAt)));
+}
+
+void smis::putObjectText(Draft& draft, const Record&, RecordView data) {
+    LocatedRecord::putText(draft.body, textAfterObject(data));
+}
+
+void smis::putObjectSentence(Draft& draft, const Record&, RecordView data) {
+    draft.summary.untrusted(Untrusted(summarize(textAfterObject(data).raw(), 0)));
+}
+
+void smis::putSentence(Draft& draft, const Record&, RecordView data) {
+    draft.summary.untrusted(Untrusted(summarize(data.text(0).raw(), 0)));
+}
+
+void smis::putDump(Draft& draft, const Record& record, RecordView data) {
+    located(record).putDump(draft.body, data.text(0));
+}
+
+void smis::putPairs(Draft& draft, const Record& record, RecordView data) {
+    const LocatedRecord::Behind area = located(record).behind(data.text(0));
+    if (area.holdsText)
+        writePairs(draft.body, area.data.bytes(0, static_cast<std::size_t>(area.left)).raw());
+}
+
+void smis::putTrailer(Draft& draft, const Record& record, RecordView) {
+    if (record.severity() != 1)
+        located(record).putTrailer(draft.body);
+}
+
+void smis::putMessageTrailer(Draft& draft, const Record& record, RecordView) {
+    if (record.severity() != 1)
+        located(record, kMessage).putTrailer(draft.body);
+}
+
+void smis::decode(const Record& record, Draft& draft) {
+    const RecordView data = located(record, record.eventId()).data();
+    const Events::Entry* event = events.find(record.eventId(), data.u8(kClassIdAt));
+    if (!event)
+        return decodeUnknown(
+            record, draft,
+            {"SMIS_Event", 161, "Unknown SMIS EventID: ", "***UNKNOWN SMIS EventID***"});
+    draft.summary.setTexts(Texts::Safe);
+    events.write(draft, *event, record, data);
+}
+
 SMIS_Event::SMIS_Event(const EmpEvLogMsg_s* record, int length)
     : Avrel_Event(record, static_cast<unsigned int>(length)) {
-    if (!record)
-        return;
-    const TitledEvent* event = findEvent(kEvents, record->eventId);
-    if (!event) {
-        traceUnknown("SMIS_Event", 161, "Unknown SMIS EventID: ", record);
-        assignAscii(summary_, "***UNKNOWN SMIS EventID***");
-        assignHexBody(body_, record);
-        return;
-    }
-    BodyWriter body(Texts::Safe);
-    LineWriter summary(Texts::Safe);
-    summary.text(
-        build(event->kind, RecordView::of(record, static_cast<unsigned int>(length)), body));
-    assignAscii(eventID_, event->title(record->eventType));
-    summary.assignTo(summary_);
-    body.assignTo(body_);
+    take(record, length, smis::decode);
 }
 
 SMIS_Event::~SMIS_Event() = default;
@@ -186,19 +193,19 @@ void SMIS_fetch_event_location_information(const SMI_EVENT_LOCINFO_t* block, int
 }
 
 String get_SMIS_text_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kText, record, summary);
+    return bodyOf(2000, record, summary);
 }
 String get_SMIS_dump_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kDump, record, summary);
+    return bodyOf(2005, record, summary);
 }
 String get_SMIS_mmsg_event_body(const EmpEvLogMsg_s* record, char* summary) {
     return bodyOf(kMessage, record, summary);
 }
 String get_SMIS_cmapMo_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kObject, record, summary);
+    return bodyOf(2018, record, summary);
 }
 String get_SMIS_keyvalue_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kKeyValue, record, summary);
+    return bodyOf(2020, record, summary);
 }
 
 } // namespace Pegasus

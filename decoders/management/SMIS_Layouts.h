@@ -15,91 +15,104 @@ inline constexpr Row kObjectHeaderRows[] = {
     {"ClassId", "%d", u8(kClassIdAt)},
 };
 
-// The catalogue. Samples have a location block, so their data begin at 184.
-inline constexpr std::uint16_t kBlockAt = 152;
-inline constexpr std::uint16_t kDataAt = 184;
-inline constexpr std::string_view kSampleBlock = "\x01\x2e"
-                                                 "SMIS_Indication.cpp\0deliver\0"sv;
-
-template <std::uint16_t Code>
-inline constexpr Key kCode[] = {{150, 2, Code}};
-template <std::uint8_t ClassId>
-inline constexpr Key kClass[] = {{150, 2, 2018}, {kDataAt + kClassIdAt, 1, ClassId}};
-
-inline constexpr Part kBlockAlone[] = {{"Location block", kLocationRows, kBlockAt}};
-inline constexpr Part kMessageParts[] = {{"Location block", kLocationRows, kBlockAt},
-                                         {"Structure", kManagementMessageRows, kDataAt}};
-// What is known of the statistics was logged by another service; that the objects are encoded alike
-// was chosen.
+// The object by its class; `Rows` are its attributes. What is known of the statistics was logged by
+// another service; that the objects are encoded alike is assumed.
+void putObject(Draft& draft, const Record& record, RecordView data);
 template <const auto& Rows>
-inline constexpr auto kChosenRows = [] {
-    auto rows = std::to_array(Rows);
-    for (Row& row : rows)
-        row.mark = Mark::Chosen;
-    return rows;
-}();
-template <const auto& Rows>
-inline constexpr Part kObjectParts[] = {{"Location block", kLocationRows, kBlockAt},
-                                        {"Header", kObjectHeaderRows, kDataAt},
-                                        {"Object", kChosenRows<Rows>, kDataAt + kObjectAt}};
+inline constexpr CustomPiece kObject{
+    putObject,
+    "`ClassName`, attributes, `Hex`: as many bytes from 4 as the u16 at 2 says.",
+    Rows,
+    {},
+    Provenance::Assumed};
+void putObjectText(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kObjectText{putObjectText, "`Text`: the text after the object."};
+void putObjectSentence(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kObjectSentence{putObjectSentence,
+                                             "The first sentence of the text after the object."};
 
-inline constexpr Fill kTextFill[] = {
-    {kBlockAt, kSampleBlock}, {kDataAt, "Subscription refreshed; 3 indications pending\0"sv}};
-inline constexpr Fill kDumpFill[] = {{kBlockAt, kSampleBlock},
-                                     {kDataAt, "Malformed request\0\xDE\xAD\xBE\xEF\x01\x02"sv}};
-inline constexpr Fill kMessageFill[] = {
-    {kBlockAt, kSampleBlock}, {kDataAt + kManagementMessageSize, "Reply(): too late\0"sv}};
-inline constexpr Fill kKeyValueFill[] = {
-    {kBlockAt, kSampleBlock},
-    {kDataAt, "Indication lost\0Class=AlertIndication, Count=2 Filter=a=b"sv}};
+void putSentence(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kSentence{putSentence, "The first sentence of the text."};
 
-// An object of `Size` bytes and the text behind it.
-template <unsigned Size>
-inline constexpr char kSizeBytes[] = {static_cast<char>(Size >> 8), static_cast<char>(Size & 0xFF)};
-template <unsigned Size>
-inline constexpr Fill kObjectFill[] = {
-    {kBlockAt, kSampleBlock},
-    {kDataAt + kObjectSizeAt, std::string_view(kSizeBytes<Size>, 2)},
-    {kDataAt + kObjectAt + Size, "Instance modified\0"sv}};
-template <unsigned Size>
-inline constexpr Fill kManagementPortFill[] = {
-    kObjectFill<Size>[0],
-    kObjectFill<Size>[1],
-    kObjectFill<Size>[2],
-    { kDataAt + kObjectAt + 60, "Management Ethernet port\0"sv },
-    { kDataAt + kObjectAt + 316, "eth0\0"sv },
-    { kDataAt + kObjectAt + 380, "00:1B:21:A0:FF:10\0"sv }};
+void putDump(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kDump{
+    putDump, "What follows the text's NUL, as `Hex`.", {}, "Malformed\0\xDE\xAD\xBE\xEF\x01\x02"sv};
 
-inline constexpr Section kSections[] = {
-    {"Text", kCode<2000>, kBlockAlone, kTextFill, "A text."},
-    {"Dump", kCode<2005>, kBlockAlone, kDumpFill, "A text, then bytes that are dumped."},
-    {"Management message", kCode<2013>, kMessageParts, kMessageFill,
-     "A text at 36. The location block is there when the payload is longer than 32 bytes."},
-    {"Managed object", kClass<56>, kObjectParts<kObjectRows>, kObjectFill<24>,
-     "`ClassName` by the class identifier; the u16 at 186 is the size of the object, which `Hex` "
-     "shows whole; a text behind the object. An object whose class has no name is shown without "
-     "attributes."},
-    {"Port statistics object", kClass<41>, kObjectParts<kPortStatsRows>, kObjectFill<320>,
-     "Also class 42."},
-    {"IP/TCP/iSCSI statistics object", kClass<43>, kObjectParts<kOffloadStatsRows>,
-     kObjectFill<80>},
-    {"TCP statistics object", kClass<44>, kObjectParts<kTcpStatsRows>, kObjectFill<64>},
-    {"Management port statistics object", kClass<45>, kObjectParts<kManagementPortStatsRows>,
-     kManagementPortFill<400>},
-    {"Key=value", kCode<2020>, kBlockAlone, kKeyValueFill,
-     "A text, then pairs with blanks between them: each is an element named by its key. A comma "
-     "behind a value is dropped."},
+void putPairs(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kPairs{
+    putPairs,
+    "After the text's NUL `key=value` pairs with blanks between them: each is an element named by "
+    "its key. A comma after a value is dropped.",
+    {},
+    "Indication lost\0Class=AlertIndication, Count=2 Filter=a=b"sv};
+
+void putTrailer(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kTrailer{putTrailer,
+                                      "Unless the severity is 1: `File`, `Func`, `Line`."};
+void putMessageTrailer(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kMessageTrailer{putMessageTrailer, kTrailer.description};
+
+inline constexpr unsigned kMessage = 2013; // its payload may be without a location block
+inline constexpr unsigned kObjectEvent = 2018;
+constexpr EventRow object(Codes codes, const CustomPiece& piece, std::string_view sizeBytes,
+                          unsigned size) {
+    return {codes,
+            {"Error in CMAP ManagedObject internal processing",
+             "Warning in CMAP ManagedObject internal processing", "ManagedObject Information"},
+            kObjectSentence,
+            {custom(piece, kObjectAt), kObjectHeaderRows, kObjectText, kTrailer,
+             sample(kObjectSizeAt, sizeBytes), sample(kObjectAt + size, "Instance modified\0"sv)}};
+}
+
+inline constexpr EventRow kEventRows[] = {
+    {anyOf(2000),
+     {"Error Text", "Warning Text", "Text Information"},
+     kSentence,
+     {kTextRows, kTrailer, sample(0, "Subscription refreshed; 3 indications pending\0"sv)}},
+    {anyOf(2005),
+     {"Error Dump Data", "Warning Dump Data", "Dump Information"},
+     kSentence,
+     {kTextRows, kDump, kTrailer}},
+    {anyOf(kMessage),
+     {"MMSG Error", "MMSG Warning", "MMSG Information"},
+     summary(kSentence, kManagementMessageSize),
+     {kManagementMessageRows, rows(kTextRows, kManagementMessageSize), kMessageTrailer,
+      sample(kManagementMessageSize, "Reply(): too late\0"sv)}},
+    object(anyOf(kObjectEvent), kObject<kObjectRows>, "\0\x18"sv, 24),
+    object({kObjectEvent, 41, 42}, kObject<kPortStatsRows>, "\1\x40"sv, 320),
+    object({kObjectEvent, 43}, kObject<kOffloadStatsRows>, "\0\x50"sv, 80),
+    object({kObjectEvent, 44}, kObject<kTcpStatsRows>, "\0\x40"sv, 64),
+    object({kObjectEvent, 45}, kObject<kManagementPortStatsRows>, "\1\x90"sv, 400),
+    {anyOf(2020),
+     {"Error Data", "Warning Data", "Informational Data"},
+     kSentence,
+     {kTextRows, kPairs, kTrailer}},
 };
+
+inline constexpr Piece kFrame[] = {
+    rows(kLocationRows, 152),
+    sample(152, "\x01\x2e"
+                "SMIS_Indication.cpp\0deliver\0"sv),
+};
+inline constexpr EventTable kEvents{
+    .rows = kEventRows,
+    .major = u16(150),
+    .minor = u8(184 + kClassIdAt),
+    .dataAt = 184,
+    .frame = kFrame,
+    .note = "The payload begins with a location block: line, file name and its NUL, function name "
+            "up to the end of the block; a management message has it when the payload is longer "
+            "than 32 bytes. The data follow it. The second code counts for managed objects alone. "
+            "Module 30 (SMIS IND) is decoded alike.",
+};
+static_assert(accepted<kEvents>);
+
+inline constexpr const EventTable* kTables[] = {&kEvents};
 
 #define MPUEVENT_MANAGED_OBJECT(ID, CLASS) {ID, #CLASS},
 inline constexpr Code kClassIds[] = {MPUEVENT_MANAGED_OBJECTS(MPUEVENT_MANAGED_OBJECT)};
 #undef MPUEVENT_MANAGED_OBJECT
 
-inline constexpr Module kModule{
-    29, "SMIS_Event",
-    "The payload begins with a location block: line, file name and its NUL, function name up to "
-    "the end of the block. Unless the severity is 1 the body ends with File, Func and Line. Module "
-    "30 (SMIS IND) is decoded alike. The codes are the identifiers of managed-object classes.",
-    kSections, kClassIds};
+inline constexpr Module kModule{29, "SMIS_Event", {}, kTables, kClassIds};
 
 } // namespace Pegasus::mpu::smis

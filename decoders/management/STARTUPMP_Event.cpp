@@ -1,8 +1,8 @@
 #include "decoders/management/STARTUPMP_Event.h"
 
+#include "decoders/Decode.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/management/STARTUPMP_Layouts.h"
-#include "decoders/management/Titles.h"
 #include "platform/trace/ProviderTraceServices.h"
 
 namespace Pegasus {
@@ -13,25 +13,8 @@ using namespace mpu::startup;
 namespace {
 
 constexpr const char* kTraceSource = "STARTUPMP_Event";
-
-enum Kind : std::uint8_t { kMessage, kChannel, kPartial, kSignalReport, kState, kStack };
-
-struct Event {
-    std::uint16_t code;
-    Kind kind;
-    Label<38> title;
-    Label<62> summary; // empty: the first line of the payload's text
-};
-constexpr Event kEvents[] = {
-    {1, kMessage, "General message", ""},
-    {2, kChannel, "Unrecognized message received",
-     "Startup received a message that it doesn't know how to handle"},
-    {3, kPartial, "Partial message in Alternate Event Log",
-     "An incomplete message was in an Alternate Event Log"},
-    {4, kSignalReport, "MPU App fatal signal", "MPU application caught and exception"},
-    {100, kState, "Ravel is in invalid state", "Ravel is in invalid state"},
-    {101, kStack, "stack dump", "dump of the stack"},
-};
+constexpr const Events& events = kEventsOf<kEvents>;
+constexpr const Events& reports = kEventsOf<kReports>;
 
 std::string_view firstLine(std::string_view text) {
     return text.substr(0, text.find('\n'));
@@ -46,25 +29,16 @@ void putLine(TextWriter& body, std::string_view line, unsigned int& counter) {
         return;
     if (isSpace(line.back()))
         line.remove_suffix(1);
-    body.put("<Text").decimal(counter).put(">").text(line);
+    body.put("<Text").decimal(counter).put(">").untrusted(Untrusted(line));
     body.put("</Text").decimal(counter).put("> ");
     ++counter;
 }
 
-void putLines(TextWriter& body, std::string_view text) {
-    unsigned int counter = 1;
-    while (!text.empty()) {
-        const std::string_view line = firstLine(text);
-        putLine(body, line, counter);
-        text.remove_prefix(std::min(line.size() + 1, text.size()));
-    }
-}
-
 // `length` decides which elements are written.
-void putChannel(TextWriter& body, RecordView payload, int length) {
-    const std::string_view text = payload.text(0);
-    const RecordView header = payload.from((text.size() + 4) / 4 * 4);
-    body.element("Text", firstLine(text), " ").open("MMCH_contents");
+void writeChannel(TextWriter& body, RecordView payload, int length) {
+    const std::string_view text = payload.text(0).raw();
+    const RecordView header = payload.subview((text.size() + 4) / 4 * 4);
+    body.element("Text", Untrusted(firstLine(text)), " ").open("MMCH_contents");
     write(body, kLayout<kChannelSlice<0, 3>>, header);
     for (const ChannelPart& part : kChannelParts)
         if (length > part.above)
@@ -72,48 +46,46 @@ void putChannel(TextWriter& body, RecordView payload, int length) {
     body.close("MMCH_contents");
 }
 
-const Layout& causeOf(std::uint32_t signalClass, std::uint32_t signal) {
-    switch (signalClass) {
-    case 0:
-        return kLayout<kKillRows>;
-    case 1:
-        return kLayout<kTimerRows>;
-    case 2:
-        return kLayout<kPollRows>;
-    case 3:
-        switch (signal) {
-        case 4:
-            return kLayout<kIllegalRows>;
-        case 5:
-            return kLayout<kTrapRows>;
-        case 7:
-            return kLayout<kBusRows>;
-        case 8:
-            return kLayout<kFloatRows>;
-        case 11:
-            return kLayout<kSegmentRows>;
-        default:
-            return kLayout<kOtherFaultRows>;
-        }
-    case 4:
-        return kLayout<kChildRows>;
-    case 5:
-        return kLayout<kRealTimeRows>;
-    default:
-        return kLayout<kOtherRows>;
+const Events::Entry& reportOf(RecordView payload) {
+    const std::uint32_t signalClass = std::min<std::uint32_t>(payload.u16(kClassAt), kOtherClass);
+    return *reports.find(signalClass, payload.u32(kSignalAt));
+}
+
+String bodyOf(unsigned int code, const EmpEvLogMsg_s* bytes) {
+    const Record record(bytes);
+    Draft draft;
+    events.writeBody(draft, *events.find(code), record, record.payload());
+    return draft.body.string();
+}
+
+} // namespace
+
+void startup::putFirstLine(Draft& draft, const Record& record, RecordView data) {
+    draft.summary.untrusted(Untrusted(firstLine(data.text(0, record.payloadLength()).raw())));
+}
+
+void startup::putLines(Draft& draft, const Record&, RecordView data) {
+    std::string_view text = data.text(0).raw();
+    unsigned int counter = 1;
+    while (!text.empty()) {
+        const std::string_view line = firstLine(text);
+        putLine(draft.body, line, counter);
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
     }
 }
 
-void putSignal(TextWriter& body, RecordView payload) {
-    write(body, kLayout<kSignalRows>, payload);
-    write(body, causeOf(payload.u16(kClassAt), payload.u32(kSignalAt)), payload);
-    write(body, kLayout<kProcessorRows>, payload);
+void startup::putChannel(Draft& draft, const Record& record, RecordView) {
+    writeChannel(draft.body, record.payload(), kAlways);
 }
 
-void putStack(TextWriter& body, RecordView payload, int length) {
+void startup::putPartialChannel(Draft& draft, const Record& record, RecordView) {
+    writeChannel(draft.body, record.payload(), record.payloadLength());
+}
+
+void startup::putStack(Draft& draft, const Record& record, RecordView data) {
+    TextWriter& body = draft.body;
     constexpr std::size_t kElementRoom = sizeof "<Sffff>ffffffff</Sffff> ";
-    write(body, kLayout<kStackRows>, payload);
-    const int words = length / 4 - 2;
+    const int words = static_cast<int>(record.payloadLength()) / 4 - 2;
     for (unsigned i = 0; static_cast<int>(i) < words; ++i) {
         char* const start = body.reserve(kElementRoom);
         char* out = start;
@@ -123,7 +95,7 @@ void putStack(TextWriter& body, RecordView payload, int length) {
             *out++ = '>';
         };
         tag("<S");
-        out = putHex(out, payload.u32(kStackAt + 4 * i), 1, Case::Lower);
+        out = putHex(out, data.u32(4 * i), 1, Case::Lower);
         tag("</S");
         *out++ = ' ';
         if (body.view().size() + static_cast<std::size_t>(out - start) > kStackDumpLimit) {
@@ -135,7 +107,9 @@ void putStack(TextWriter& body, RecordView payload, int length) {
     }
 }
 
-void putState(TextWriter& body, RecordView payload, unsigned int length) {
+void startup::putState(Draft& draft, const Record& record, RecordView payload) {
+    TextWriter& body = draft.body;
+    const unsigned int length = record.payloadLength();
     if (length < kRegistersAt + 4)
         ProviderTraceServices::ptsTrace(
             kTraceSource, 0, {"There is not enough space to process the data(invalid state)\n"});
@@ -166,80 +140,45 @@ void putState(TextWriter& body, RecordView payload, unsigned int length) {
     }
 }
 
-void build(Kind kind, RecordView record, TextWriter& body) {
-    const RecordView payload = record.from(sizeof(EmpEvLogMsg_s));
-    const unsigned int length = record.u16(offsetof(EmpEvLogMsg_s, evStructLength));
-    switch (kind) {
-    case kMessage:
-        putLines(body, payload.text(0));
-        break;
-    case kChannel:
-        putChannel(body, payload, kAlways);
-        break;
-    case kPartial:
-        putChannel(body, payload, static_cast<int>(length));
-        break;
-    case kSignalReport:
-        putSignal(body, payload);
-        break;
-    case kState:
-        putState(body, payload, length);
-        break;
-    case kStack:
-        putStack(body, payload, static_cast<int>(length));
-        break;
-    }
+void startup::decode(const Record& record, Draft& draft) {
+    const RecordView payload = record.payload();
+    if (record.eventId() == kSignalEvent)
+        return reports.write(draft, reportOf(payload), record, payload);
+    const Events::Entry* event = events.find(record.eventId());
+    if (!event)
+        return decodeUnknown(
+            record, draft,
+            {kTraceSource, 262, "Unknown EventID: ", "Unhandled Event by STARTUPMP"});
+    events.write(draft, *event, record, payload);
 }
-
-String bodyOf(Kind kind, const EmpEvLogMsg_s* record) {
-    BodyWriter body(Texts::Safe);
-    build(kind, RecordView::of(record, 0), body);
-    return body.string();
-}
-
-} // namespace
 
 STARTUPMP_Event::STARTUPMP_Event(const EmpEvLogMsg_s* record, int length)
     : Avrel_Event(record, static_cast<unsigned int>(length)) {
-    if (!record)
-        return;
-    const Event* event = findEvent(kEvents, record->eventId);
-    if (!event) {
-        traceUnknown(kTraceSource, 262, "Unknown EventID: ", record);
-        assignAscii(summary_, "Unhandled Event by STARTUPMP");
-        assignHexBody(body_, record);
-        return;
-    }
-    const RecordView view = RecordView::of(record, static_cast<unsigned int>(length));
-    const std::string_view summary = event->summary;
-    BodyWriter body(Texts::Safe);
-    build(event->kind, view, body);
-    assignAscii(eventID_, event->title);
-    assignText(summary_, summary.empty()
-                             ? firstLine(view.text(sizeof *record, record->evStructLength))
-                             : summary);
-    body.assignTo(body_);
+    take(record, length, startup::decode);
 }
 
 STARTUPMP_Event::~STARTUPMP_Event() = default;
 
 String get_STARTUPMP_MSG_STRING(const EmpEvLogMsg_s* record) {
-    return bodyOf(kMessage, record);
+    return bodyOf(1, record);
 }
 String get_STARTUPMP_MSG_MMCH(const EmpEvLogMsg_s* record) {
-    return bodyOf(kChannel, record);
+    return bodyOf(2, record);
 }
 String get_STARTUPMP_MSG_PARTIAL_MMSG(const EmpEvLogMsg_s* record) {
-    return bodyOf(kPartial, record);
+    return bodyOf(3, record);
 }
-String get_SignalInfo(const EmpEvLogMsg_s* record) {
-    return bodyOf(kSignalReport, record);
+String get_SignalInfo(const EmpEvLogMsg_s* bytes) {
+    const Record record(bytes);
+    Draft draft;
+    reports.writeBody(draft, reportOf(record.payload()), record, record.payload());
+    return draft.body.string();
 }
 String get_Ravel_stack_dump(const EmpEvLogMsg_s* record) {
-    return bodyOf(kStack, record);
+    return bodyOf(101, record);
 }
 String get_Ravel_INVALID_STATE_MMSG(const EmpEvLogMsg_s* record) {
-    return bodyOf(kState, record);
+    return bodyOf(100, record);
 }
 
 } // namespace Pegasus

@@ -66,7 +66,7 @@ inline constexpr Row kTimerRows[] = {
 };
 
 inline constexpr std::string_view kPollTexts[] = {"", "Input data available", "Unknown poll event"};
-inline constexpr NameTable kPollEvents = names<kPollTexts>(Otherwise::Last);
+inline constexpr NameTable kPollEvents = names<kPollTexts>(Fallback::Last);
 inline constexpr Row kPollRows[] = {
     {"__Cause", "Polled event:"},
     {"__Event", "%s", name(u16(10), kPollEvents)},
@@ -75,23 +75,23 @@ inline constexpr Row kPollRows[] = {
 };
 
 inline constexpr std::string_view kIllegalTexts[] = {"", "Illegal opcode", "Unrecognized error"};
-inline constexpr NameTable kIllegalEvents = names<kIllegalTexts>(Otherwise::Last);
+inline constexpr NameTable kIllegalEvents = names<kIllegalTexts>(Fallback::Last);
 inline constexpr std::string_view kTrapTexts[] = {"", "Process breakpoint", "Unrecognized error"};
-inline constexpr NameTable kTrapEvents = names<kTrapTexts>(Otherwise::Last);
+inline constexpr NameTable kTrapEvents = names<kTrapTexts>(Fallback::Last);
 inline constexpr std::string_view kBusTexts[] = {"", "Invalid address alignment",
                                                  "Unrecognized error"};
-inline constexpr NameTable kBusEvents = names<kBusTexts>(Otherwise::Last);
+inline constexpr NameTable kBusEvents = names<kBusTexts>(Fallback::Last);
 inline constexpr std::string_view kFloatTexts[] = {"", "Integer divide by zero",
                                                    "Unrecognized error"};
-inline constexpr NameTable kFloatEvents = names<kFloatTexts>(Otherwise::Last);
+inline constexpr NameTable kFloatEvents = names<kFloatTexts>(Fallback::Last);
 inline constexpr std::string_view kSegmentTexts[] = {"", "Address not mapped to object",
                                                      "Unrecognized error"};
-inline constexpr NameTable kSegmentEvents = names<kSegmentTexts>(Otherwise::Last);
+inline constexpr NameTable kSegmentEvents = names<kSegmentTexts>(Fallback::Last);
 
 // "0x" is the format's own and comes before that of "%p".
 inline constexpr Row kAddressRow{"__Address", "0x%p", u32(12)};
 constexpr Row faultEvent(const NameTable& events) {
-    return Row("__Event", "%s", name(u16(10), events)).again();
+    return Row("__Event", "%s", name(u16(10), events)).overlay();
 }
 inline constexpr Row kIllegalRows[] = {{"__Cause", "Illegal instruction (code: %d)", u16(10)},
                                        faultEvent(kIllegalEvents),
@@ -109,7 +109,7 @@ inline constexpr Row kSegmentRows[] = {{"__Cause", "Segmentation violation (code
 inline constexpr Row kOtherFaultRows[] = {{"__Cause", "Unrecognized processor fault"}, kAddressRow};
 
 inline constexpr std::string_view kChildTexts[] = {"", "Child exited", "Unknown child event"};
-inline constexpr NameTable kChildEvents = names<kChildTexts>(Otherwise::Last);
+inline constexpr NameTable kChildEvents = names<kChildTexts>(Fallback::Last);
 inline constexpr Row kChildRows[] = {
     {"__Cause", "Child process signalled an event"},
     {"__Event", "%s", name(u16(10), kChildEvents)},
@@ -129,7 +129,7 @@ inline constexpr Row kOtherRows[] = {
 inline constexpr Row kProcessorRows[] = {
     close("Signal_info"),
     open("Registers"),
-    Row("GPR", "%d: 0x%08lx", index, u32(128)).times(32, 4),
+    Row("GPR", "%d: 0x%08lx", index, u32(128)).repeat(32, 4),
     {"NIP", "0x%08lx", u32(256)},
     {"MSR", "0x%08lx", u32(260)},
     {"Orig_GPR3", "0x%08lx", u32(264)},
@@ -164,79 +164,105 @@ inline constexpr std::size_t kStackDumpLimit = 32768; // characters of the body
 // The controller's registers: the address of the first one, then their words up to the end of the
 // payload. Nobody wrote down what they mean, so each is shown with its address.
 inline constexpr Row kStateRows[] = {
-    Row("BASE_ADDRESS", "%08X base address", u32(0)).chosen(),
+    Row("BASE_ADDRESS", "%08X base address", u32(0)).assumed(),
 };
 inline constexpr unsigned kRegistersAt = 4;
 
-// The catalogue.
-inline constexpr std::uint16_t kPayloadAt = 152;
+// ---- events ------------------------------------------------------------------------------------
 
-template <std::uint16_t Code>
-inline constexpr Key kCode[] = {{150, 2, Code}};
-template <std::uint32_t Signal, std::uint32_t SignalCode>
-inline constexpr Key kSignal[] = {
-    {150, 2, 4}, {kPayloadAt + kSignalAt, 4, Signal}, {kPayloadAt + kClassAt, 4, SignalCode}};
+void putFirstLine(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kFirstLine{putFirstLine, "The first line of the text."};
+void putLines(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kLines{
+    putLines,
+    "Each line of the text as `Text1`, `Text2` ..., without the white space around it; empty lines "
+    "are left out.",
+    {},
+    "MPU application started\nversion 2.4.1\n\0"sv};
+void putChannel(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kChannel{
+    putChannel,
+    "The text's first line as `Text`, then from the next multiple of four on a message header in a "
+    "group `MMCH_contents`.",
+    kChannelRows};
+void putPartialChannel(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kPartialChannel{
+    putPartialChannel,
+    "The same, but a header element is only shown when the payload is longer than: `protocol`, "
+    "`type` 16; `requestor` 17; `mmsg_cont` 18; `return_code` 40; `general_use1` 48; "
+    "`general_use2` 52; `general_use3` 56.",
+    kChannelRows};
+void putState(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kState{
+    putState,
+    "Registers to the end of the payload: `REG` and a running number, value and address. The bytes "
+    "of an incomplete word at the end are `rsvd`.",
+    kStateRows, "\xF0\x00\x10\x00\x80\x00\x00\x01\0\0\0\0\x00\x00\xBE\xEF"sv, Provenance::Assumed};
+void putStack(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kStack{
+    putStack,
+    "The words of the stack to the end of the payload: `S` and a running number in hexadecimal. "
+    "The body ends before it would pass 32768 characters.",
+    {},
+    "\x10\x00\x4A\xF0\x7F\xFF\xE2\x10\0\0\0\0\x0F\xE5\x11\x3C"sv};
 
-// The text and its NUL take 20 bytes.
-inline constexpr Part kChannelPartsShown[] = {
-    {"Message header, behind the text", kChannelRows, kPayloadAt + 20}};
-template <const auto& Rows>
-inline constexpr Part kReport[] = {{"Signal", kSignalRows, kPayloadAt},
-                                   {"Cause", Rows, kPayloadAt},
-                                   {"Processor and process", kProcessorRows, kPayloadAt}};
-inline constexpr Part kStackParts[] = {{"Head", kStackRows, kPayloadAt}};
-inline constexpr Part kStateParts[] = {{"Head", kStateRows, kPayloadAt}};
-
-inline constexpr Fill kMessageFill[] = {
-    {kPayloadAt, "MPU application started\nversion 2.4.1\n\0"sv}};
-inline constexpr Fill kChannelFill[] = {
-    {kPayloadAt, "No handler for this\0"sv},
-    {kPayloadAt + 20 + message_header::kSize - 8, "\0\0\0\0\0\0\0\0"sv}};
-inline constexpr Fill kPartialFill[] = {
-    {kPayloadAt, "Found behind record\0"sv},
+inline constexpr EventRow kEventRows[] = {
+    {1, "General message", kFirstLine, {kLines}},
+    {2,
+     "Unrecognized message received",
+     line("Startup received a message that it doesn't know how to handle"),
+     {custom(kChannel, 20), sample(0, "No handler for this\0"sv),
+      sample(20 + message_header::kSize - 8, "\0\0\0\0\0\0\0\0"sv)}},
+    {3,
+     "Partial message in Alternate Event Log",
+     line("An incomplete message was in an Alternate Event Log"),
+     {custom(kPartialChannel, 20), sample(0, "Found after record.\0"sv)}},
+    {100, "Ravel is in invalid state", line("Ravel is in invalid state"), {kState}},
+    {101, "stack dump", line("dump of the stack"), {kStackRows, custom(kStack, kStackAt)}},
 };
-inline constexpr Fill kNameFill[] = {{kPayloadAt + 324, "mpu_app\0"sv}};
-inline constexpr Fill kStackFill[] = {
-    {kPayloadAt + kStackAt, "\x10\x00\x4A\xF0\x7F\xFF\xE2\x10\0\0\0\0\x0F\xE5\x11\x3C"sv}};
-inline constexpr Fill kStateFill[] = {
-    {kPayloadAt, "\xF0\x00\x10\x00\x80\x00\x00\x01\0\0\0\0\x00\x00\xBE\xEF"sv}};
-
-inline constexpr Section kSections[] = {
-    {"General message",
-     kCode<1>,
-     {},
-     kMessageFill,
-     "A text; each of its lines is an element Text1, Text2, ..., without the white space around "
-     "it. "
-     "Empty lines are left out. The summary is the first line."},
-    {"Unrecognized message", kCode<2>, kChannelPartsShown, kChannelFill,
-     "A text, of which the first line is shown, then a message header from the next multiple of "
-     "four on, in a group `MMCH_contents`."},
-    {"Partial message", kCode<3>, kChannelPartsShown, kPartialFill,
-     "As an unrecognized message, but a header element is only shown when the payload is longer "
-     "than: `protocol`, `type` 16; `requestor` 17; `mmsg_cont` 18; `return_code` 40; "
-     "`general_use1` 48; `general_use2` 52; `general_use3` 56."},
-    {"Signal: kill", kSignal<15, 0>, kReport<kKillRows>, kNameFill},
-    {"Signal: timer", kSignal<14, 0x10000>, kReport<kTimerRows>, kNameFill},
-    {"Signal: poll", kSignal<29, 0x20001>, kReport<kPollRows>, kNameFill},
-    {"Signal: illegal instruction", kSignal<4, 0x30001>, kReport<kIllegalRows>, kNameFill},
-    {"Signal: trap", kSignal<5, 0x30001>, kReport<kTrapRows>, kNameFill},
-    {"Signal: bus error", kSignal<7, 0x30001>, kReport<kBusRows>, kNameFill},
-    {"Signal: arithmetic", kSignal<8, 0x30001>, kReport<kFloatRows>, kNameFill},
-    {"Signal: segmentation violation", kSignal<11, 0x30001>, kReport<kSegmentRows>, kNameFill},
-    {"Signal: other fault", kSignal<6, 0x30001>, kReport<kOtherFaultRows>, kNameFill},
-    {"Signal: child", kSignal<17, 0x40001>, kReport<kChildRows>, kNameFill},
-    {"Signal: real time", kSignal<34, 0x50000>, kReport<kRealTimeRows>, kNameFill},
-    {"Signal: other class", kSignal<1, 0x60000>, kReport<kOtherRows>, kNameFill},
-    {"Invalid state", kCode<100>, kStateParts, kStateFill,
-     "Registers follow up to the end of the payload: `REG` and a running number, value and "
-     "address. "
-     "The bytes of an incomplete word at the end are `rsvd`."},
-    {"Stack dump", kCode<101>, kStackParts, kStackFill,
-     "Words of the stack follow up to the end of the payload: `S` and a running number in "
-     "hexadecimal. The body ends before it would pass 32768 characters."},
+inline constexpr EventTable kEvents{
+    .rows = kEventRows,
+    .minor = u16(150),
+    .note = "There is no location block.",
 };
+static_assert(accepted<kEvents>);
 
-inline constexpr Module kModule{18, "STARTUPMP_Event", "There is no location block.", kSections};
+constexpr EventRow signal(Codes codes, Piece cause) {
+    return {codes,
+            "MPU App fatal signal",
+            line("MPU application caught and exception"),
+            {kSignalRows, cause, kProcessorRows, sample(324, "mpu_app\0"sv)}};
+}
+inline constexpr unsigned kFault = 3;
+inline constexpr unsigned kOtherClass = 6; // stands for all that follow
+inline constexpr EventRow kReportRows[] = {
+    signal(anyOf(0), kKillRows),
+    signal(anyOf(1), kTimerRows),
+    signal(anyOf(2), kPollRows),
+    signal({kFault, 4}, kIllegalRows),
+    signal({kFault, 5}, kTrapRows),
+    signal({kFault, 7}, kBusRows),
+    signal({kFault, 8}, kFloatRows),
+    signal({kFault, 11}, kSegmentRows),
+    signal(anyOf(kFault), kOtherFaultRows),
+    signal(anyOf(4), kChildRows),
+    signal(anyOf(5), kRealTimeRows),
+    signal(anyOf(kOtherClass), kOtherRows),
+};
+inline constexpr std::uint16_t kSignalEvent = 4;
+inline constexpr Key kReportKeys[] = {{150, 2, kSignalEvent}};
+inline constexpr EventTable kReports{
+    .heading = "Crash reports",
+    .rows = kReportRows,
+    .major = u16(152 + kClassAt),
+    .minor = u32(152 + kSignalAt),
+    .keys = kReportKeys,
+    .note = "The first code is the signal's class, the second its number. Classes from 6 on are "
+            "shown alike.",
+};
+static_assert(accepted<kReports>);
+
+inline constexpr const EventTable* kTables[] = {&kEvents, &kReports};
+inline constexpr Module kModule{18, "STARTUPMP_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::startup

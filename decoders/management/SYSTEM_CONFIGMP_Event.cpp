@@ -1,9 +1,9 @@
 #include "decoders/management/SYSTEM_CONFIGMP_Event.h"
 
+#include "decoders/Decode.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/management/Location.h"
 #include "decoders/management/SYSTEM_CONFIGMP_Layouts.h"
-#include "decoders/management/Titles.h"
 
 namespace Pegasus {
 
@@ -12,71 +12,7 @@ using namespace mpu::scc;
 
 namespace {
 
-enum class Shape : std::uint8_t {
-    Text,          // a text alone
-    TextDump,      // a text, then bytes
-    TextStatus,    // a text, then the global status
-    Structure,     // a structure alone
-    StructureText, // a structure, then a text
-};
-
-// How the body and the summary of an event are made.
-struct Builder {
-    Shape shape;
-    std::uint8_t textAt;        // StructureText: behind the structure
-    const Layout* layout;       // of the structure
-    std::string_view summary{}; // Structure: fixed
-};
-
-enum Kind : std::uint8_t {
-    kText,
-    kDump,
-    kStatus,
-    kSharedMemory,
-    kPersistentMemory,
-    kLock,
-    kMessage,
-    kRequest,
-    kResponse,
-    kTimer,
-    kLockManager,
-};
-constexpr Builder kBuilders[] = {
-    {Shape::Text, 0, nullptr},
-    {Shape::TextDump, 0, nullptr},
-    {Shape::TextStatus, 0, &kLayout<kStatusRows>},
-    {Shape::Structure, 0, &kLayout<kSharedMemoryRows>, "Shared Memory Event"},
-    {Shape::Structure, 0, &kLayout<kPersistentMemoryRows>, "Persistent Memory Event"},
-    {Shape::StructureText, 28, &kLayout<kLockRows>},
-    {Shape::StructureText, kManagementMessageSize, &kLayout<kManagementMessageRows>},
-    {Shape::StructureText, 32, &kLayout<kRequestRows>},
-    {Shape::StructureText, kResponseSize, &kLayout<kResponseRows>},
-    {Shape::StructureText, 32, &kLayout<kTimerRows>},
-    {Shape::StructureText, 40, &kLayout<kLockManagerRows>},
-};
-
-constexpr TitledEvent kEvents[] = {
-    {2000, "Error Text", "Warning Text", "Text Information", kText},
-    {2005, "Error Dump Data", "Warning Dump Data", "Dump Information", kDump},
-    {2010, "Instantiation of SharedMemory Failed", "Instantiation of SharedMemory Failed",
-     "Instantiation of SharedMemory Failed", kSharedMemory},
-    {2011, "Locking Error", "Locking Warning", "Locking Information", kLock},
-    {2012, "Instantiation of SharedMemory Failed", "Instantiation of SharedMemory Failed",
-     "Instantiation of SharedMemory Failed", kSharedMemory},
-    {2013, "MMSG Error", "MMSG Warning", "MMSG Information", kMessage},
-    {2015, "Error in Request Event processing", "Warning in Request Event processing",
-     "Request Event Information", kRequest},
-    {2016, "Error in CEE Response Event processing", "Warning in CEE Response Event processing",
-     "CEE Response Event Information", kResponse},
-    {2017, "Error in CEE Timer Event processing", "Warning in CEE Timer Event processing",
-     "CEE Timer Event Information", kTimer},
-    {2018, "Error in DDLM internal processing", "Warning in DDLM internal processing",
-     "DDLM Information", kLockManager},
-    {2019, "Error in CPM internal processing", "Warning in CPM internal processing",
-     "CPM Information", kPersistentMemory},
-    {2020, "Error in MPU Global Status Event processing",
-     "Warning in MPU Global Status Event processing", "MPU Global Status Information", kStatus},
-};
+constexpr const Events& events = kEventsOf<kEvents>;
 
 constexpr std::size_t kLongestSummary = 63;
 
@@ -103,75 +39,62 @@ std::string_view summarize(std::string_view text, int limit) {
     }
 }
 
-// Writes the body and returns the summary, which is a part of the record or a fixed text.
-std::string_view build(std::uint8_t kind, RecordView view, TextWriter& body) {
-    const Builder& builder = kBuilders[kind];
-    const LocatedRecord record(view, LocatedRecord::Block::WhenLonger);
-    bool trailer = record.severity() != 1;
-    std::string_view text;
-    if (builder.shape == Shape::Structure || builder.shape == Shape::StructureText) {
-        write(body, *builder.layout, record.data());
-    } else {
-        text = record.data().text(0);
-        LocatedRecord::putText(body, text);
-    }
-    switch (builder.shape) {
-    case Shape::Text:
-    case Shape::Structure:
-        break;
-    case Shape::StructureText:
-        text = record.data().text(builder.textAt);
-        LocatedRecord::putText(body, text);
-        break;
-    case Shape::TextDump:
-        record.putDump(body, text);
-        break;
-    case Shape::TextStatus: {
-        const LocatedRecord::Behind status = record.behind(text);
-        if (status.left >= kStatusSize) {
-            write(body, *builder.layout, status.data);
-        } else {
-            body.put("<Incorrect_data_len>").integer(static_cast<std::uint32_t>(status.left));
-            body.put("</Incorrect_data_len> <Expected_data_len>64</Expected_data_len> "
-                     "<MPU_Global_Status_Event>No information available"
-                     "</MPU_Global_Status_Event> ");
-        }
-        trailer = trailer && record.severity() != 0x65;
-        break;
-    }
-    }
-    if (trailer)
-        record.putTrailer(body);
-    return builder.shape == Shape::Structure ? builder.summary : summarize(text, 0);
+LocatedRecord located(const Record& record) {
+    return {record.view(), LocatedRecord::Block::WhenLonger};
 }
 
-// For callers with a buffer of their own.
-String bodyOf(Kind kind, const EmpEvLogMsg_s* record, char* summary) {
-    BodyWriter body(Texts::Safe);
-    copyText(summary, build(kind, RecordView::of(record, 0), body));
-    return body.string();
+// For callers with a buffer of their own: the body of `record` as an event with the code has it.
+String bodyOf(unsigned int code, const EmpEvLogMsg_s* bytes, char* summary) {
+    const Record record(bytes);
+    Draft draft;
+    events.writeBody(draft, *events.find(code), record, located(record).data());
+    copyText(summary, draft.summary.view());
+    return draft.body.string();
 }
 
 } // namespace
 
+void scc::putSentence(Draft& draft, const Record&, RecordView data) {
+    draft.summary.untrusted(Untrusted(summarize(data.text(0).raw(), 0)));
+}
+
+void scc::putDump(Draft& draft, const Record& record, RecordView data) {
+    located(record).putDump(draft.body, data.text(0));
+}
+
+void scc::putStatus(Draft& draft, const Record& record, RecordView) {
+    const LocatedRecord all = located(record);
+    const LocatedRecord::Behind status = all.behind(all.data().text(0));
+    if (status.left >= kStatusSize)
+        return write(draft.body, kLayout<kStatusRows>, status.data);
+    draft.body.put("<Incorrect_data_len>").integer(static_cast<std::uint32_t>(status.left));
+    draft.body.put("</Incorrect_data_len> <Expected_data_len>64</Expected_data_len> "
+                   "<MPU_Global_Status_Event>No information available</MPU_Global_Status_Event> ");
+}
+
+void scc::putTrailer(Draft& draft, const Record& record, RecordView) {
+    if (record.severity() != 1)
+        located(record).putTrailer(draft.body);
+}
+
+void scc::putStatusTrailer(Draft& draft, const Record& record, RecordView data) {
+    if (record.severity() != 101)
+        putTrailer(draft, record, data);
+}
+
+void scc::decode(const Record& record, Draft& draft) {
+    const Events::Entry* event = events.find(record.eventId());
+    if (!event)
+        return decodeUnknown(
+            record, draft,
+            {"SYSTEM_CONFIGMP_Event", 115, "Unknown EventID: 0x", "***UNKNOWN EventID***"});
+    draft.summary.setTexts(Texts::Safe);
+    events.write(draft, *event, record, located(record).data());
+}
+
 SYSTEM_CONFIGMP_Event::SYSTEM_CONFIGMP_Event(const EmpEvLogMsg_s* record, int length)
     : Avrel_Event(record, static_cast<unsigned int>(length)) {
-    if (!record)
-        return;
-    const TitledEvent* event = findEvent(kEvents, record->eventId);
-    if (!event) {
-        traceUnknown("SYSTEM_CONFIGMP_Event", 115, "Unknown EventID: 0x", record);
-        assignAscii(summary_, "***UNKNOWN EventID***");
-        assignHexBody(body_, record);
-        return;
-    }
-    BodyWriter body(Texts::Safe);
-    LineWriter summary(Texts::Safe);
-    summary.text(
-        build(event->kind, RecordView::of(record, static_cast<unsigned int>(length)), body));
-    assignAscii(eventID_, event->title(record->eventType));
-    summary.assignTo(summary_);
-    body.assignTo(body_);
+    take(record, length, scc::decode);
 }
 
 SYSTEM_CONFIGMP_Event::~SYSTEM_CONFIGMP_Event() = default;
@@ -186,37 +109,37 @@ void SCC_fetch_event_location_information(const SCC_EVENT_LOCINFO_t* block, int*
 }
 
 String get_SCC_text_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kText, record, summary);
+    return bodyOf(2000, record, summary);
 }
 String get_SCC_dump_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kDump, record, summary);
+    return bodyOf(2005, record, summary);
 }
 String get_SCC_shmem_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kSharedMemory, record, summary);
+    return bodyOf(2010, record, summary);
 }
 String get_SCC_lock_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kLock, record, summary);
+    return bodyOf(2011, record, summary);
 }
 String get_SCC_mmsg_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kMessage, record, summary);
+    return bodyOf(2013, record, summary);
 }
 String get_SCC_requestEvent_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kRequest, record, summary);
+    return bodyOf(2015, record, summary);
 }
 String get_SCC_responseEvent_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kResponse, record, summary);
+    return bodyOf(2016, record, summary);
 }
 String get_SCC_timerEvent_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kTimer, record, summary);
+    return bodyOf(2017, record, summary);
 }
 String get_SCC_ddlm_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kLockManager, record, summary);
+    return bodyOf(2018, record, summary);
 }
 String get_SCC_cpm_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kPersistentMemory, record, summary);
+    return bodyOf(2019, record, summary);
 }
 String get_SCC_mpu_global_status_event_body(const EmpEvLogMsg_s* record, char* summary) {
-    return bodyOf(kStatus, record, summary);
+    return bodyOf(2020, record, summary);
 }
 
 } // namespace Pegasus

@@ -41,11 +41,11 @@ inline constexpr Row kPersistentMemoryRows[] = {
     {"cpmSetAllObjectsValue", "%d", u32(24)},
     {"cpmStart", "%d", u32(28)},
     {"cpmDebug", "%d", u8(32)},
-    Row("cpmClassOffset", "[%d], value [%d]", index, u32(36)).times(32, 4),
-    Row("cpmClassSize", "[%d], value [%d]", index, u32(164)).times(32, 4),
-    Row("cpmClassDirty", "[%d], value [%d]", index, u8(292)).times(32, 1),
-    Row("cpmGetObjectAddr", "[%d], value [%d]", index, u32(324)).times(32, 4),
-    Row("cpmReleaseObjectAddr", "[%d], value [%d]", index, u32(452)).times(32, 4),
+    Row("cpmClassOffset", "[%d], value [%d]", index, u32(36)).repeat(32, 4),
+    Row("cpmClassSize", "[%d], value [%d]", index, u32(164)).repeat(32, 4),
+    Row("cpmClassDirty", "[%d], value [%d]", index, u8(292)).repeat(32, 1),
+    Row("cpmGetObjectAddr", "[%d], value [%d]", index, u32(324)).repeat(32, 4),
+    Row("cpmReleaseObjectAddr", "[%d], value [%d]", index, u32(452)).repeat(32, 4),
 };
 
 inline constexpr Row kLockManagerRows[] = {
@@ -90,7 +90,7 @@ inline constexpr std::string_view kLockRequestTexts[] = {
     "DDLM_release",
     "DDLM_sync",
 };
-inline constexpr NameTable kLockRequests = names<kLockRequestTexts>(Otherwise::Number);
+inline constexpr NameTable kLockRequests = names<kLockRequestTexts>(Fallback::Number);
 
 inline constexpr std::string_view kTransactionTexts[] = {
     "IndeterminateSyncTime",
@@ -103,7 +103,7 @@ inline constexpr std::string_view kTransactionTexts[] = {
     "",
     "TransactionComplete",
 };
-inline constexpr NameTable kTransactions = names<kTransactionTexts>(Otherwise::Number);
+inline constexpr NameTable kTransactions = names<kTransactionTexts>(Fallback::Number);
 
 inline constexpr Row kLockRows[] = {
     open("Lock_Classes"),
@@ -123,60 +123,100 @@ inline constexpr Row kSharedMemoryRows[] = {
     {"ShMem_Key", "%d", u32(0)},
 };
 
-// The catalogue. Samples have a location block, so their data begin at 184.
-using namespace std::string_view_literals;
+void putSentence(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kSentence{putSentence, "The first sentence of the text."};
 
-inline constexpr std::uint16_t kBlockAt = 152;
-inline constexpr std::uint16_t kDataAt = 184;
-inline constexpr std::string_view kSampleBlock = "\0\x4d"
-                                                 "scc_main.c\0initService"sv;
+void putDump(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kDump{
+    putDump, "What follows the text's NUL, as `Hex`.", {}, "Bad block\0\xDE\xAD\xBE\xEF\x01\x02"sv};
 
-template <std::uint16_t Code>
-inline constexpr Key kCode[] = {{150, 2, Code}};
+// The text of the sample is "Ready", so what follows it begins six bytes on.
+void putStatus(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kStatus{
+    putStatus, "The 64 bytes after the text's NUL; fewer are reported as `Incorrect_data_len`.",
+    kStatusRows};
 
-template <const auto& Rows>
-inline constexpr Part kLocated[] = {{"Location block", kLocationRows, kBlockAt},
-                                    {"Structure", Rows, kDataAt}};
-inline constexpr Part kBlockAlone[] = {{"Location block", kLocationRows, kBlockAt}};
-// The text is "Ready", so what follows it begins six bytes on.
-inline constexpr Part kStatusParts[] = {{"Location block", kLocationRows, kBlockAt},
-                                        {"Structure, behind the text", kStatusRows, kDataAt + 6}};
+void putTrailer(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kTrailer{putTrailer,
+                                      "Unless the severity is 1: `File`, `Func`, `Line`."};
+void putStatusTrailer(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kStatusTrailer{
+    putStatusTrailer, "Unless the severity is 1 or 101: `File`, `Func`, `Line`."};
 
-inline constexpr Fill kBlockFill[] = {{kBlockAt, kSampleBlock}};
-inline constexpr Fill kTextFill[] = {
-    {kBlockAt, kSampleBlock}, {kDataAt, "openStore(): failed to open the store. Retrying\0"sv}};
-inline constexpr Fill kDumpFill[] = {{kBlockAt, kSampleBlock},
-                                     {kDataAt, "Bad block header\0\xDE\xAD\xBE\xEF\x01\x02"sv}};
-inline constexpr Fill kReadyFill[] = {{kBlockAt, kSampleBlock},
-                                      {kDataAt, "Ready\0"sv},
-                                      {kDataAt + 6 + kStatusSize - 4, "\0\0\0\0"sv}};
-template <std::uint16_t Behind>
-inline constexpr Fill kTextBehind[] = {
-    {kBlockAt, kSampleBlock},
-    {kDataAt + Behind, "Lock held by the other controller. Retry later\0"sv}};
+// A structure, then a text, whose first sentence is the summary.
+constexpr EventRow withText(unsigned code, Title title, Piece structure, unsigned textAt) {
+    return {code,
+            title,
+            summary(kSentence, textAt),
+            {structure, rows(kTextRows, textAt), kTrailer,
+             sample(textAt, "Lock held by the other controller. Retry later\0"sv)}};
+}
 
-inline constexpr Section kSections[] = {
-    {"Text", kCode<2000>, kBlockAlone, kTextFill, "A text."},
-    {"Dump", kCode<2005>, kBlockAlone, kDumpFill, "A text, then bytes that are dumped."},
-    {"Shared memory", kCode<2010>, kLocated<kSharedMemoryRows>, kBlockFill, "Also code 2012."},
-    {"Lock", kCode<2011>, kLocated<kLockRows>, kTextBehind<28>, "A text at 28."},
-    {"Management message", kCode<2013>, kLocated<kManagementMessageRows>,
-     kTextBehind<kManagementMessageSize>, "A text at 36."},
-    {"Request", kCode<2015>, kLocated<kRequestRows>, kTextBehind<32>, "A text at 32."},
-    {"Response", kCode<2016>, kLocated<kResponseRows>, kTextBehind<32>, "A text at 32."},
-    {"Timer", kCode<2017>, kLocated<kTimerRows>, kTextBehind<32>, "A text at 32."},
-    {"Lock manager", kCode<2018>, kLocated<kLockManagerRows>, kTextBehind<40>, "A text at 40."},
-    {"Persistent memory", kCode<2019>, kLocated<kPersistentMemoryRows>, kBlockFill},
-    {"Global status", kCode<2020>, kStatusParts, kReadyFill,
-     "A text, then 64 bytes of status; fewer are reported as `Incorrect_data_len`."},
+inline constexpr EventRow kEventRows[] = {
+    {2000,
+     {"Error Text", "Warning Text", "Text Information"},
+     kSentence,
+     {kTextRows, kTrailer, sample(0, "openStore(): failed to open the store. Retrying\0"sv)}},
+    {2005,
+     {"Error Dump Data", "Warning Dump Data", "Dump Information"},
+     kSentence,
+     {kTextRows, kDump, kTrailer}},
+    {2010,
+     "Instantiation of SharedMemory Failed",
+     line("Shared Memory Event"),
+     {kSharedMemoryRows, kTrailer}},
+    withText(2011, {"Locking Error", "Locking Warning", "Locking Information"}, kLockRows, 28),
+    {2012,
+     "Instantiation of SharedMemory Failed",
+     line("Shared Memory Event"),
+     {kSharedMemoryRows, kTrailer}},
+    withText(2013, {"MMSG Error", "MMSG Warning", "MMSG Information"}, kManagementMessageRows,
+             kManagementMessageSize),
+    withText(2015,
+             {"Error in Request Event processing", "Warning in Request Event processing",
+              "Request Event Information"},
+             kRequestRows, 32),
+    withText(2016,
+             {"Error in CEE Response Event processing", "Warning in CEE Response Event processing",
+              "CEE Response Event Information"},
+             kResponseRows, kResponseSize),
+    withText(2017,
+             {"Error in CEE Timer Event processing", "Warning in CEE Timer Event processing",
+              "CEE Timer Event Information"},
+             kTimerRows, 32),
+    withText(2018,
+             {"Error in DDLM internal processing", "Warning in DDLM internal processing",
+              "DDLM Information"},
+             kLockManagerRows, 40),
+    {2019,
+     {"Error in CPM internal processing", "Warning in CPM internal processing", "CPM Information"},
+     line("Persistent Memory Event"),
+     {kPersistentMemoryRows, kTrailer}},
+    {2020,
+     {"Error in MPU Global Status Event processing",
+      "Warning in MPU Global Status Event processing", "MPU Global Status Information"},
+     kSentence,
+     {kTextRows, custom(kStatus, 6), kStatusTrailer, sample(0, "Ready\0"sv),
+      sample(6 + kStatusSize - 4, "\0\0\0\0"sv)}},
 };
 
-inline constexpr Module kModule{
-    23, "SYSTEM_CONFIGMP_Event",
-    "A payload longer than 32 bytes begins with a location block: line, file name and its NUL, "
-    "function name up to the end of the block. The data follow it; offsets below have the block. "
-    "Unless the severity is 1 (or, for the global status, 0x65) the body ends with File, Func and "
-    "Line. Modules 19 (DDLM) and 25 (AIM) are decoded alike.",
-    kSections};
+inline constexpr Piece kFrame[] = {
+    rows(kLocationRows, 152),
+    sample(152, "\0\x4d"
+                "scc_main.c\0initService"sv),
+};
+inline constexpr EventTable kEvents{
+    .rows = kEventRows,
+    .minor = u16(150),
+    .dataAt = 184,
+    .frame = kFrame,
+    .note = "A payload longer than 32 bytes begins with a location block: line, file name and its "
+            "NUL, function name up to the end of the block. The data follow it; those of a shorter "
+            "one begin with the payload. Modules 19 (DDLM) and 25 (AIM) are decoded alike.",
+};
+static_assert(accepted<kEvents>);
+
+inline constexpr const EventTable* kTables[] = {&kEvents};
+inline constexpr Module kModule{23, "SYSTEM_CONFIGMP_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::scc

@@ -3,41 +3,8 @@
 #pragma once
 
 #include "event/Catalogue.h"
-#include "event/Label.h"
 
 namespace Pegasus::mpu::esa {
-
-enum Id : std::uint16_t {
-    kBugcheck = 1,
-    kState,
-    kMessageBuffer,
-    kWorkspaceBuffer,
-    kDriveLed,
-    kPower,
-    kFan,
-    kTemperature,
-    kAlarm,
-    kInformation,
-};
-
-struct Event {
-    Label<48> title;
-    Label<20> telling; // tag of the element whose first value the summary shows
-};
-inline constexpr Event kEvents[] = {
-    // by event id
-    {},
-    {"ES Adapter Bug Check Error Message", {}}, // its text comes from the record
-    {"ES Adapter Bug Check Information", {}},
-    {"ES Adapter Bug Check Message Buffer Data", {}},
-    {"ES Adapter Bug Check Workspace Buffer Data", {}},
-    {"ES Adapter Drive Fault LED Event", "Drive_Fault_LED"},
-    {"ES Adapter Power Supply Status Event", "Power_Supply_Status"},
-    {"ES Adapter Fan Fault Status Event", "Fan_Fault_Status"},
-    {"ES Adapter Temperature Sensor Event", "Temperature_Event"},
-    {"ES Adapter Alarm Status Event", "Current_Alarm_State"},
-    {"ES Adapter Information Event", "Information"},
-};
 
 // Models, each with its chip that watches voltages, fans and temperatures.
 inline constexpr std::string_view kEnclosureTexts[] = {
@@ -63,7 +30,7 @@ inline constexpr std::string_view kEnclosureTexts[] = {
     "Expansion Enclosure (VSC055)",
     "Unrecognized Enclosure",
 };
-inline constexpr NameTable kEnclosures = names<kEnclosureTexts>(Otherwise::Last);
+inline constexpr NameTable kEnclosures = names<kEnclosureTexts>(Fallback::Last);
 
 inline constexpr std::string_view kPowerTexts[] = {
     "Power AC Redundancy OK",
@@ -80,7 +47,7 @@ inline constexpr std::string_view kTemperatureTexts[] = {
     "Temperature Over 55 Degrees Celsius Event",
     "Unrecognized Temperature Event",
 };
-inline constexpr NameTable kTemperatures = names<kTemperatureTexts>(Otherwise::Last);
+inline constexpr NameTable kTemperatures = names<kTemperatureTexts>(Fallback::Last);
 
 inline constexpr std::string_view kPositionTexts[] = {
     "On-board",       "Auxiliary 1", "Auxiliary 2",     "Auxiliary 3",
@@ -107,199 +74,199 @@ inline constexpr std::string_view kInformationTexts[] = {
      "lifetime."),
     "Unrecognized information",
 };
-inline constexpr NameTable kInformations = names<kInformationTexts>(Otherwise::Last);
-inline constexpr std::uint32_t kReport = 9; // codes of information events without a fixed text
-inline constexpr std::uint32_t kReadings = 10;
+inline constexpr NameTable kInformations = names<kInformationTexts>(Fallback::Last);
 
 template <class... Values>
-constexpr Row chosen(std::string_view tag, std::string_view format, Values... values) {
-    return Row(tag, format, values...).chosen();
+constexpr Row assumed(std::string_view tag, std::string_view format, Values... values) {
+    return Row(tag, format, values...).assumed();
 }
 
-// Bugcheck error message: a location block as the management modules write it, then these. The
-// function name, shown behind the file name, lies behind its NUL.
+// Bugcheck error message: a location block as the management modules write it, then these.
 inline constexpr Row kErrorRows[] = {
-    chosen("Critical Error", "%d", u32(32)),
-    Row("File", "%s", text(2, 30)).fits(),
+    assumed("Critical Error", "%d", u32(32)),
+    Row("File", "%s", text(2, 30)).inferred(),
 };
+void putFunction(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kFunction{
+    putFunction,
+    "`Function`, the text after the file name's NUL, in the same 32 bytes.",
+    {},
+    "\1\x0C"
+    "esa_i2c.c\0writeByte\0"sv,
+    Provenance::Inferred};
 inline constexpr unsigned kMessageAt = 36;
 inline constexpr Row kMessageRows[] = {
-    Row("Line", "%d", u16(0)).fits(),
-    chosen("Error_Message", "%s", text(kMessageAt)),
+    Row("Line", "%d", u16(0)).inferred(),
+    assumed("Error_Message", "%s", text(kMessageAt)),
 };
+void tellMessage(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kToldMessage{
+    tellMessage, "the title, then `: ` and the message unless that is empty"};
+
+void putBuffer(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kBuffer{putBuffer,
+                                     "The payload as `Buffer_Data`.",
+                                     {},
+                                     "\x02\x00\x00\x1C\x00\x00\x00\x01\x11\x00\x02\x24"sv,
+                                     Provenance::Assumed};
 
 // The adapter's state as it lies in its memory. SES control and status elements are four bytes
 // each, shown as one run of hexadecimal digits.
 inline constexpr Row kStateRows[] = {
-    chosen("Event_Id", "%d", u32(0)),
-    chosen("socketFdMSM", "%d", u32(4)),
-    chosen("socketAddressMSM.sun_path", "%s", text(268, 108)),
-    chosen("i2cFileFd", "%d", u32(8)),
-    chosen("enclosureType", "%d", u32(12)),
-    chosen("elementTypeMaxNumber", "%d", u32(16)),
-    chosen("deviceMaxNumber", "%d", u32(20)),
-    chosen("powerSupplyMaxNumber", "%d", u32(24)),
-    chosen("coolingMaxNumber", "%d", u32(28)),
-    chosen("temperatureSensorMaxNumber", "%d", u32(32)),
-    chosen("audibleAlarmMaxNumber", "%d", u32(36)),
-    chosen("pageCodeInRecentSndDiagCmd", "%d", u32(40)),
-    chosen("sesTypeDescriptorList", "%08X", u32(44)).times(5, 4),
-    chosen("deviceControlOverall", "%08X", u32(64)),
-    chosen("deviceControl", "%08X %08X %08X %08X %08X", u32(68), u32(72), u32(76), u32(80),
-           u32(84)),
-    chosen("deviceStatusOverall", "%08X", u32(88)),
-    chosen("deviceStatus", "%08X %08X %08X %08X %08X", u32(92), u32(96), u32(100), u32(104),
-           u32(108)),
-    chosen("driveFaultLedStatus0", "0x%x", u32(112)),
-    chosen("driveFaultLedStatus1", "0x%x", u32(116)),
-    chosen("powerSupplyControlOverall", "%08X", u32(120)),
-    chosen("powerSupplyControl", "%08X %08X", u32(124), u32(128)),
-    chosen("powerSupplyStatusOverall", "%08X", u32(132)),
-    chosen("powerSupplyStatus", "%08X %08X", u32(136), u32(140)),
-    chosen("internalPowerSupplyStatus", "0x%x", u32(144)),
-    chosen("coolingControlOverall", "%08X", u32(148)),
-    chosen("coolingControl", "%08X %08X", u32(152), u32(156)),
-    chosen("coolingStatusOverall", "%08X", u32(160)),
-    chosen("coolingStatus", "%08X %08X", u32(164), u32(168)),
-    chosen("coolingOnOff", "%08X %08X", u32(172), u32(176)),
-    chosen("fanFaultStatus", "0x%x", u32(180)),
-    chosen("temperatureSensor", "[%d], %d", index, u32(184)).times(7, 4),
-    chosen("temperatureReportStatus", "0x%x", u32(212)),
-    chosen("audibleAlarmControlOverall", "%08X", u32(216)),
-    chosen("audibleAlarmControl", "%08X", u32(220)),
-    chosen("audibleAlarmStatusOverall", "%08X", u32(224)),
-    chosen("audibleAlarmStatus", "%08X", u32(228)),
-    chosen("alarmState", "%d", u32(232)),
-    chosen("compositeFaultStatus", "0x%x", u32(236)),
-    chosen("esaDebug", "%d", u32(240)),
-    chosen("vsc055GPD", "0x%x", u32(244)),
-    chosen("vsc055DDP", "0x%x", u32(248)),
-    chosen("vsc055FSC", "0x%x", u32(252)),
-    chosen("vsc055PWMC", "0x%x", u32(256)),
-    chosen("selectTimeout.sec", "%d", u32(260)),
-    chosen("pollTimeout.sec", "%d", u32(264)),
+    assumed("Event_Id", "%d", u32(0)),
+    assumed("socketFdMSM", "%d", u32(4)),
+    assumed("socketAddressMSM.sun_path", "%s", text(268, 108)),
+    assumed("i2cFileFd", "%d", u32(8)),
+    assumed("enclosureType", "%d", u32(12)),
+    assumed("elementTypeMaxNumber", "%d", u32(16)),
+    assumed("deviceMaxNumber", "%d", u32(20)),
+    assumed("powerSupplyMaxNumber", "%d", u32(24)),
+    assumed("coolingMaxNumber", "%d", u32(28)),
+    assumed("temperatureSensorMaxNumber", "%d", u32(32)),
+    assumed("audibleAlarmMaxNumber", "%d", u32(36)),
+    assumed("pageCodeInRecentSndDiagCmd", "%d", u32(40)),
+    assumed("sesTypeDescriptorList", "%08X", u32(44)).repeat(5, 4),
+    assumed("deviceControlOverall", "%08X", u32(64)),
+    assumed("deviceControl", "%08X %08X %08X %08X %08X", u32(68), u32(72), u32(76), u32(80),
+            u32(84)),
+    assumed("deviceStatusOverall", "%08X", u32(88)),
+    assumed("deviceStatus", "%08X %08X %08X %08X %08X", u32(92), u32(96), u32(100), u32(104),
+            u32(108)),
+    assumed("driveFaultLedStatus0", "0x%x", u32(112)),
+    assumed("driveFaultLedStatus1", "0x%x", u32(116)),
+    assumed("powerSupplyControlOverall", "%08X", u32(120)),
+    assumed("powerSupplyControl", "%08X %08X", u32(124), u32(128)),
+    assumed("powerSupplyStatusOverall", "%08X", u32(132)),
+    assumed("powerSupplyStatus", "%08X %08X", u32(136), u32(140)),
+    assumed("internalPowerSupplyStatus", "0x%x", u32(144)),
+    assumed("coolingControlOverall", "%08X", u32(148)),
+    assumed("coolingControl", "%08X %08X", u32(152), u32(156)),
+    assumed("coolingStatusOverall", "%08X", u32(160)),
+    assumed("coolingStatus", "%08X %08X", u32(164), u32(168)),
+    assumed("coolingOnOff", "%08X %08X", u32(172), u32(176)),
+    assumed("fanFaultStatus", "0x%x", u32(180)),
+    assumed("temperatureSensor", "[%d], %d", index, u32(184)).repeat(7, 4),
+    assumed("temperatureReportStatus", "0x%x", u32(212)),
+    assumed("audibleAlarmControlOverall", "%08X", u32(216)),
+    assumed("audibleAlarmControl", "%08X", u32(220)),
+    assumed("audibleAlarmStatusOverall", "%08X", u32(224)),
+    assumed("audibleAlarmStatus", "%08X", u32(228)),
+    assumed("alarmState", "%d", u32(232)),
+    assumed("compositeFaultStatus", "0x%x", u32(236)),
+    assumed("esaDebug", "%d", u32(240)),
+    assumed("vsc055GPD", "0x%x", u32(244)),
+    assumed("vsc055DDP", "0x%x", u32(248)),
+    assumed("vsc055FSC", "0x%x", u32(252)),
+    assumed("vsc055PWMC", "0x%x", u32(256)),
+    assumed("selectTimeout.sec", "%d", u32(260)),
+    assumed("pollTimeout.sec", "%d", u32(264)),
 };
 
 inline constexpr Row kEnclosureRows[] = {
-    chosen("Enclosure_Type", "%s", name(u32(0), kEnclosures)),
+    assumed("Enclosure_Type", "%s", name(u32(0), kEnclosures)),
 };
+void putDriveLeds(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kDriveLeds{
+    putDriveLeds,
+    "One `Drive_Fault_LED` for each bit that is set, the first in the summary, too: bit k of the "
+    "word at 4 is drive k, of the word at 8 drive 32 + k.",
+    {},
+    "\0\0\0\x12\0\0\0\1"sv,
+    Provenance::Assumed};
 inline constexpr Row kPowerRows[] = {
-    chosen("Power_Supply_Status", "%s", name(u32(0), kPowerStates)),
+    assumed("Power_Supply_Status", "%s", name(u32(0), kPowerStates)),
 };
+void putFanFaults(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kFanFaults{
+    putFanFaults,
+    "One `Fan_Fault_Status` for each bit that is set in the word at 0, the first in the summary, "
+    "too: bit k is fan k.",
+    {},
+    "\0\0\0\5"sv,
+    Provenance::Assumed};
 inline constexpr Row kTemperatureRows[] = {
-    chosen("Temperature_Event", "%s", name(u32(0), kTemperatures)),
-    chosen("Sensor_Position", "%s", name(u32(4), kPositions)),
-    chosen("Current_Temperature", "%d degrees Celsius", u32(8)),
+    assumed("Temperature_Event", "%s", name(u32(0), kTemperatures)),
+    assumed("Sensor_Position", "%s", name(u32(4), kPositions)),
+    assumed("Current_Temperature", "%d degrees Celsius", u32(8)),
 };
 inline constexpr Row kAlarmRows[] = {
-    chosen("Current_Alarm_State", "%s", name(u32(0), kAlarms)),
+    assumed("Current_Alarm_State", "%s", name(u32(0), kAlarms)),
 };
 
 inline constexpr Row kInformationRows[] = {
-    chosen("Information", "%s", name(u32(0), kInformations)),
+    assumed("Information", "%s", name(u32(0), kInformations)),
 };
+inline constexpr std::string_view kReportSummary =
+    "ES Adapter Information Event: %s temperature-%d has %d invalid readings within %d hours since "
+    "last report. The last invalid reading is %d degrees Celsius ";
+inline constexpr Row kReportLine =
+    line(kReportSummary, name(u32(4), kPositions), u32(8), u32(12), u32(16), u32(20));
 inline constexpr Row kReportRows[] = {
-    chosen("Information",
-           "%s temperature-%d has %d invalid readings within %d hours since last report. The last "
-           "invalid reading is %d degrees Celsius ",
-           name(u32(4), kPositions), u32(8), u32(12), u32(16), u32(20)),
+    assumed("Information", kReportSummary.substr(sizeof "ES Adapter Information Event: " - 1),
+            name(u32(4), kPositions), u32(8), u32(12), u32(16), u32(20)),
 };
 inline constexpr Row kVoltageRows[] = {
-    chosen("Voltage_5V", "%f V", u32(4)),
-    chosen("Voltage_12V", "%f V", u32(8)),
+    assumed("Voltage_5V", "%f V", u32(4)),
+    assumed("Voltage_12V", "%f V", u32(8)),
 };
-// Shown are as many as Cooling_Number says, which rows can't.
 inline constexpr unsigned kFanSpeedAt = 12;
 inline constexpr unsigned kMaxFans = 8;
 inline constexpr unsigned kFanCountAt = 48;
 inline constexpr Row kFanRows[] = {
-    chosen("Fan_Speed", "Fan [%d] has %d RPM.", index, u32(kFanSpeedAt)).times(kMaxFans, 4),
+    assumed("Fan_Speed", "Fan [%d] has %d RPM.", index, u32(kFanSpeedAt)).repeat(kMaxFans, 4),
 };
+void putFanSpeeds(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kFanSpeeds{putFanSpeeds,
+                                        "As many `Fan_Speed` as `Cooling_Number` says.",
+                                        kFanRows,
+                                        {},
+                                        Provenance::Assumed};
 inline constexpr Row kThresholdRows[] = {
-    chosen("Fan_Speed_Divisor", "%d", u32(44)),
-    chosen("Cooling_Number", "%d", u32(kFanCountAt)),
-    chosen("Temperature_Sensor_Number", "%d", u32(52)),
-    chosen("Overheat_Temperature_Limit", "%d", u32(56)),
-    chosen("Fan_PWM_25_To_50_Threshold", "%d", u32(60)),
-    chosen("Fan_PWM_50_To_75_Threshold", "%d", u32(64)),
-    chosen("Fan_PWM_75_To_100_Threshold", "%d", u32(68)),
-    chosen("Fan_PWM_100_To_75_Threshold", "%d", u32(72)),
-    chosen("Fan_PWM_75_To_50_Threshold", "%d", u32(76)),
-    chosen("Fan_PWM_50_To_25_Threshold", "%d", u32(80)),
+    assumed("Fan_Speed_Divisor", "%d", u32(44)),
+    assumed("Cooling_Number", "%d", u32(kFanCountAt)),
+    assumed("Temperature_Sensor_Number", "%d", u32(52)),
+    assumed("Overheat_Temperature_Limit", "%d", u32(56)),
+    assumed("Fan_PWM_25_To_50_Threshold", "%d", u32(60)),
+    assumed("Fan_PWM_50_To_75_Threshold", "%d", u32(64)),
+    assumed("Fan_PWM_75_To_100_Threshold", "%d", u32(68)),
+    assumed("Fan_PWM_100_To_75_Threshold", "%d", u32(72)),
+    assumed("Fan_PWM_75_To_50_Threshold", "%d", u32(76)),
+    assumed("Fan_PWM_50_To_25_Threshold", "%d", u32(80)),
 };
 
-// The catalogue.
-inline constexpr std::uint16_t kDataAt = 152;
+inline constexpr Row kTitle = line("%s", eventName);
+constexpr Row titleAnd(const Value& telling) {
+    return line("%s: %s", eventName, telling);
+}
 
-template <Id EventId>
-inline constexpr Key kKeys[] = {{150, 2, EventId}};
-template <std::uint32_t InformationCode>
-inline constexpr Key kInformationKeys[] = {{150, 2, kInformation}, {kDataAt, 4, InformationCode}};
-
-template <const auto& Rows>
-inline constexpr Part kParts[] = {{"Event data", Rows, kDataAt}};
-inline constexpr Part kErrorParts[] = {{"Event data", kErrorRows, kDataAt},
-                                       {"Message", kMessageRows, kDataAt}};
-inline constexpr Part kReadingParts[] = {{"Voltages", kVoltageRows, kDataAt},
-                                         {"Fans", kFanRows, kDataAt},
-                                         {"Fan control", kThresholdRows, kDataAt}};
-
-inline constexpr Fill kErrorFills[] = {{kDataAt, "\1\x0C"
-                                                 "esa_i2c.c\0writeByte\0"sv},
-                                       {kDataAt + kMessageAt, "I2C bus is busy\0"sv}};
-inline constexpr Fill kBufferFills[] = {
-    {kDataAt, "\x02\x00\x00\x1C\x00\x00\x00\x01\x11\x00\x02\x24"sv}};
-inline constexpr Fill kLedFills[] = {{kDataAt + 4, "\0\0\0\x12\0\0\0\1"sv}};
-inline constexpr Fill kFanFills[] = {{kDataAt, "\0\0\0\5"sv}};
-inline constexpr Fill kTemperatureFills[] = {{kDataAt, "\0\0\0\2\0\0\0\5\0\0\0\x2E"sv}};
-inline constexpr Fill kReportFills[] = {
-    {kDataAt + 4, "\0\0\0\1\0\0\0\2\0\0\0\5\0\0\0\x18\xFF\xFF\xFF\x80"sv}};
-inline constexpr Fill kReadingFills[] = { // 5.02 V, 12.08 V, four fans
-    {kDataAt + 4, "\x40\xA0\xA3\xD7\x41\x41\x47\xAE"},
-    {kDataAt + kFanCountAt, "\0\0\0\4"sv}};
-
-inline constexpr Section kSections[] = {
-    {"Bugcheck error message", kKeys<kBugcheck>, kErrorParts, kErrorFills,
-     "`Function` is the text behind the file name's NUL, in the same 32 bytes."},
-    {"Bugcheck information", kKeys<kState>, kParts<kStateRows>},
-    {"Bugcheck message buffer",
-     kKeys<kMessageBuffer>,
-     {},
-     kBufferFills,
-     "The payload as `Buffer_Data`."},
-    {"Bugcheck workspace buffer",
-     kKeys<kWorkspaceBuffer>,
-     {},
-     kBufferFills,
-     "The payload as `Buffer_Data`."},
-    {"Drive fault LED", kKeys<kDriveLed>, kParts<kEnclosureRows>, kLedFills,
-     "One `Drive_Fault_LED` for each bit that is set (chosen): bit k of the word at 4 is drive k, "
-     "of the word at 8 drive 32 + k."},
-    {"Power supply", kKeys<kPower>, kParts<kPowerRows>},
-    {"Fan fault",
-     kKeys<kFan>,
-     {},
-     kFanFills,
-     "One `Fan_Fault_Status` for each bit that is set in the word at 0 (chosen): bit k is fan k."},
-    {"Temperature", kKeys<kTemperature>, kParts<kTemperatureRows>, kTemperatureFills},
-    {"Alarm", kKeys<kAlarm>, kParts<kAlarmRows>},
-    {"Information", kInformationKeys<0>, kParts<kInformationRows>},
-    {"Invalid readings", kInformationKeys<kReport>, kParts<kReportRows>, kReportFills},
-    {"Environment readings", kInformationKeys<kReadings>, kReadingParts, kReadingFills,
-     "`Fan_Speed` as many times as `Cooling_Number` says."},
+inline constexpr EventRow kEventRows[] = {
+    // clang-format off
+    {anyOf(1), "ES Adapter Bug Check Error Message", summary(kToldMessage, kMessageAt), {kErrorRows, kFunction, kMessageRows, sample(kMessageAt, "I2C bus is busy\0"sv)}},
+    {anyOf(2), "ES Adapter Bug Check Information", kTitle, {kStateRows}},
+    {anyOf(3), "ES Adapter Bug Check Message Buffer Data", kTitle, {kBuffer}},
+    {anyOf(4), "ES Adapter Bug Check Workspace Buffer Data", kTitle, {kBuffer}},
+    {anyOf(5), "ES Adapter Drive Fault LED Event", kTitle, {kEnclosureRows, custom(kDriveLeds, 4)}},
+    {anyOf(6), "ES Adapter Power Supply Status Event", titleAnd(name(u32(0), kPowerStates)), {kPowerRows}},
+    {anyOf(7), "ES Adapter Fan Fault Status Event", kTitle, {kFanFaults}},
+    {anyOf(8), "ES Adapter Temperature Sensor Event", titleAnd(name(u32(0), kTemperatures)), {kTemperatureRows, sample(0, "\0\0\0\2\0\0\0\5\0\0\0\x2E"sv)}},
+    {anyOf(9), "ES Adapter Alarm Status Event", titleAnd(name(u32(0), kAlarms)), {kAlarmRows}},
+    {anyOf(10), "ES Adapter Information Event", titleAnd(name(u32(0), kInformations)), {kInformationRows}},
+    EventRow{{10, 9}, "ES Adapter Information Event", kReportLine, {kReportRows, sample(4, "\0\0\0\1\0\0\0\2\0\0\0\5\0\0\0\x18\xFF\xFF\xFF\x80"sv)}}.assumed(),
+    EventRow{{10, 10}, "ES Adapter Information Event", kTitle, {kVoltageRows, kFanSpeeds, kThresholdRows, sample(4, "\x40\xA0\xA3\xD7\x41\x41\x47\xAE"), sample(kFanCountAt, "\0\0\0\4"sv)}}.assumed(), // 5.02 V, 12.08 V, four fans
+    // clang-format on
 };
 
-inline constexpr auto kCodes = [] {
-    std::array<Code, std::size(kEvents) - 1> codes{};
-    for (std::uint32_t i = 1; i <= codes.size(); ++i)
-        codes[i - 1] = {i, kEvents[i].title};
-    return codes;
-}();
+inline constexpr EventTable kEvents{
+    .rows = kEventRows,
+    .major = u16(150),
+    .minor = u32(152),
+    .note = "The summary is the title and, where there is one, the first value that tells what "
+            "happened. An event with another id is named and summed up by that; its body says "
+            "`Unhandled Event by ES_ADAPTERMP`.",
+};
+static_assert(accepted<kEvents>);
 
-inline constexpr Module kModule{
-    33, "ES_ADAPTERMP_Event",
-    "The event id says what the data are. The summary is the title and, where there is one, the "
-    "first telling value.",
-    kSections, kCodes};
+inline constexpr const EventTable* kTables[] = {&kEvents};
+inline constexpr Module kModule{33, "ES_ADAPTERMP_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::esa

@@ -1,5 +1,6 @@
 #include "decoders/protocol/ISCSIMP_Event.h"
 
+#include "decoders/Decode.h"
 #include "decoders/protocol/ISCSIMP_Layouts.h"
 #include "event/StringFormat.h"
 
@@ -10,35 +11,28 @@ using namespace mpu::iscsi;
 
 namespace {
 
+constexpr const Events& events = kEventsOf<kEvents>;
+
+constexpr Row kAddressLine[] = {line("%u.%u.%u.%u", u8(0), u8(1), u8(2), u8(3))};
+
 template <const auto& Rows>
-void put(TextWriter& body, RecordView view) {
-    write(body, kLayout<Rows, Style::Joined>, view);
+void put(TextWriter& out, RecordView view) {
+    write(out, kLayout<Rows, Style::Joined>, view);
 }
 
-void putName(TextWriter& body, std::string_view tag, const NameTable& names, unsigned code) {
-    body.open(tag);
-    names.put(body, code);
-    body.close(tag);
+void putElement(Draft& draft, std::string_view tag, Untrusted text) {
+    draft.body.element(tag, text, "");
 }
 
-void putText(TextWriter& body, std::string_view tag, std::string_view text) {
-    body.element(tag, text, "");
-}
-
-void putAddress(TextWriter& out, RecordView address) {
-    for (std::size_t i = 0; i < sizeof(IpAddr_t); ++i)
-        out.put(i == 0 ? "" : ".").decimal(address.u8(i));
-}
-
-// The texts behind the fixed part of the data, in their order.
+// The texts after the fixed part of the data, in their order; offsets are from the lengths.
 class TextRun {
 public:
-    TextRun(RecordView data, std::size_t at) : data_(data), at_(at) {}
+    TextRun(RecordView data, unsigned at) : data_(data), at_(at - kLengthsAt) {}
 
     // The next one, whose length is at `lengthAt`.
-    std::string_view next(std::size_t lengthAt) {
+    Untrusted next(std::size_t lengthAt) {
         const std::size_t length = data_.u16(lengthAt);
-        const std::string_view text = data_.text(at_, length);
+        const Untrusted text = data_.text(at_, length);
         at_ += length;
         return text;
     }
@@ -48,144 +42,41 @@ private:
     std::size_t at_;
 };
 
-void putLoginRequest(TextWriter& body, RecordView header) {
-    put<kLoginRequestFlagRows>(body, header);
-    putName(body, "CSG", kStages, header.u8(1) >> 2 & 3u);
-    putName(body, "NSG", kStages, header.u8(1) & 3u);
-    put<kLoginRequestRows>(body, header);
+void putNames(Draft& draft, RecordView data, unsigned textsAt) {
+    TextRun texts(data, textsAt);
+    const Untrusted initiator = texts.next(kInitiatorLength);
+    if (data.u32(kInitiatorLength) == 0) // both lengths
+        return;
+    putElement(draft, "TargetName", texts.next(kTargetLength));
+    putElement(draft, "InitiatorName", initiator);
 }
 
-void putHeader(TextWriter& body, RecordView header) {
-    const unsigned opcode = header.u8(0) & kOpcodeMask;
-    if (opcode == kLoginRequest)
-        putLoginRequest(body, header);
-    else if (opcode == kTextRequest)
-        put<kTextRequestRows>(body, header);
+unsigned opcodeOf(RecordView header) {
+    return header.u8(0) & kOpcodeMask;
 }
 
-void putReason(TextWriter& summary, RecordView data) {
-    kReasons.put(summary, data.u16(2));
+// For callers with strings of their own. The pieces read the data alone, nothing of a record.
+void append(Kind kind, XmlString& body, std::string& summary, RecordView data) {
+    const EmpEvLogMsg_s none{};
+    Draft draft(Texts::Raw);
+    events.writeBody(draft, *events.find(kind), Record(&none), data);
+    body.append(draft.body.view());
+    summary.append(draft.summary.view());
 }
 
-// The names and the header of a request.
-void putRequest(TextWriter& body, RecordView data, TextRun& texts, std::size_t headerAt) {
-    const std::string_view initiator = texts.next(kInitiatorNameLength);
-    const std::string_view target = texts.next(kTargetNameLength);
-    if (data.u16(kInitiatorNameLength) != 0 || data.u16(kTargetNameLength) != 0) {
-        putText(body, "TargetName", target);
-        putText(body, "InitiatorName", initiator);
-    }
-    putHeader(body, data.from(headerAt, kHeaderSize));
-}
-
-void buildBasic(TextWriter& body, TextWriter& summary, RecordView data) {
-    put<kReasonRows>(body, data);
-    putReason(summary, data);
-}
-
-void buildSocket(TextWriter& body, TextWriter& summary, RecordView data) {
-    buildBasic(body, summary, data);
-    put<kSocketRows>(body, data);
-    if (data.u16(2) == kSocketClosed) {
-        put<kCloseRows>(body, data);
-        kCloseReasons.put(summary.put(", "), data.u32(kCloseReason));
-    }
-    putAddress(summary.put(", Target "), data.from(kTargetAddress));
-    summary.put(":").decimal(data.u16(kTargetPort));
-    putAddress(summary.put(", Initiator "), data.from(kInitiatorAddress));
-    summary.put(":").decimal(data.u16(kInitiatorPort));
-    summary.put(", Socket ").decimal(data.u32(4));
-}
-
-void buildParameter(TextWriter& body, TextWriter& summary, RecordView data) {
-    buildBasic(body, summary, data);
-    TextRun texts(data, kParameterTexts);
-    putRequest(body, data, texts, kParameterHeader);
-    const std::string_view key = texts.next(kKeyLength);
-    const std::string_view offer = texts.next(kOfferLength);
-    const std::string_view answer = texts.next(kAnswerLength);
-    if (data.u16(kKeyLength) != 0)
-        putText(body, "Parameter", key);
-    if (data.u16(kAnswerLength) != 0) {
-        putText(body, "Value_Offered", offer);
-        putText(body, "Value_Answered", answer);
-    } else if (data.u16(kOfferLength) != 0) {
-        putText(body, "Value", offer);
-    }
-}
-
-void buildLogin(TextWriter& body, TextWriter& summary, RecordView data) {
-    TextRun texts(data, kLoginTexts);
-    put<kLoginSocketRows>(body, data);
-    putText(body, "InitiatorName", texts.next(kInitiatorNameLength));
-    put<kLoginInitiatorRows>(body, data);
-    putText(body, "TargetName", texts.next(kTargetNameLength));
-    put<kLoginTargetRows>(body, data);
-    put<kLoginRows>(body, data);
-    if (isChap(data.u8(47)))
-        put<kMutualRows>(body, data);
-    const std::uint32_t flags = data.u32(kLoginFlags.at);
-    if (flags >> kOfMarkerFlag & 1)
-        put<kOfMarkerRows>(body, data);
-    if (flags >> kIfMarkerFlag & 1)
-        put<kIfMarkerRows>(body, data);
-
-    putReason(summary, data);
-    summary.put(", TSIH ").decimal(data.u32(8)).put(", Target ID ").decimal(data.u16(66));
-    summary.put(", Initiator ID ").decimal(data.u16(64));
-    summary.put(", Socket ").decimal(data.u32(4));
-}
-
-void buildRequest(TextWriter& body, TextWriter& summary, RecordView data) {
-    buildBasic(body, summary, data);
-    TextRun texts(data, kRequestTexts);
-    putRequest(body, data, texts, kRequestHeader);
-}
-
-void buildMessage(TextWriter& body, TextWriter& summary, RecordView data) {
-    put<kMessageRows>(body, data);
-    putReason(summary, data);
-}
-
-void build(TextWriter& body, TextWriter& summary, RecordView data) {
-    switch (data.u16(0)) {
-    case kBasic:
-        return buildBasic(body, summary, data);
-    case kSocket:
-        return buildSocket(body, summary, data);
-    case kParameter:
-        return buildParameter(body, summary, data);
-    case kLogin:
-        return buildLogin(body, summary, data);
-    case kRequest:
-        return buildRequest(body, summary, data);
-    case kMessage:
-        return buildMessage(body, summary, data);
-    }
-}
-
-// For callers with strings of their own.
-void append(void (*builder)(TextWriter&, TextWriter&, RecordView), XmlString& body,
-            std::string& summary, RecordView data) {
+template <const auto& Rows>
+void append(XmlString& body, const ISCSI_BHS* header) {
     BodyWriter elements;
-    LineWriter line;
-    builder(elements, line, data);
-    body.append(elements.view());
-    summary.append(line.view());
-}
-
-void append(void (*builder)(TextWriter&, RecordView), XmlString& body, const ISCSI_BHS* header) {
-    BodyWriter elements;
-    builder(elements, {header, sizeof *header});
+    put<Rows>(elements, {header, sizeof *header});
     body.append(elements.view());
 }
 
-// The data and as many texts behind them, whose lengths stand in the data from 56 on.
+// The data and as many texts after them, whose lengths are in the data from 56 on.
 template <class Data>
 RecordView whole(const Data* data, unsigned texts = 0) {
     std::size_t size = sizeof *data;
     for (unsigned i = 0; i < texts; ++i)
-        size += loadBig<std::uint16_t>(data->bytes + kInitiatorNameLength + 2 * i);
+        size += loadBig<std::uint16_t>(data->bytes + kLengthsAt + 2 * i);
     return {data, size};
 }
 
@@ -196,62 +87,134 @@ static_assert(sizeof(BASIC_DATA) == kHeadSize && sizeof(SOCKET_DATA) == kSocketS
 
 } // namespace
 
+char* iscsi::putCurrentStage(char* out, const std::uint8_t* at) {
+    return kStages.put(out, *at >> 2 & 3u);
+}
+
+char* iscsi::putNextStage(char* out, const std::uint8_t* at) {
+    return kStages.put(out, *at & 3u);
+}
+
+void iscsi::putClose(Draft& draft, const Record&, RecordView data) {
+    if (data.u16(2) == kSocketClosed) {
+        put<kCloseRows>(draft.body, data);
+        kCloseReasons.put(draft.summary.put(", "), data.u32(kCloseReason));
+    }
+    put<kPeersLine>(draft.summary, data);
+}
+
+void iscsi::putInitiatorName(Draft& draft, const Record&, RecordView data) {
+    putElement(draft, "InitiatorName", TextRun(data, kLoginTexts).next(kInitiatorLength));
+}
+
+void iscsi::putTargetName(Draft& draft, const Record&, RecordView data) {
+    TextRun texts(data, kLoginTexts);
+    texts.next(kInitiatorLength);
+    putElement(draft, "TargetName", texts.next(kTargetLength));
+}
+
+void iscsi::putLoginOptions(Draft& draft, const Record&, RecordView data) {
+    const unsigned method = data.u8(47);
+    if (method == 2 || method == 3) // CHAP
+        put<kMutualRows>(draft.body, data);
+    const std::uint32_t flags = data.u32(kLoginFlags.at);
+    if (flags >> kOfMarkerFlag & 1)
+        put<kOfMarkerRows>(draft.body, data);
+    if (flags >> kIfMarkerFlag & 1)
+        put<kIfMarkerRows>(draft.body, data);
+}
+
+void iscsi::putLoginRequest(Draft& draft, const Record&, RecordView data) {
+    if (opcodeOf(data) == kLoginRequest)
+        put<kLoginRequestRows>(draft.body, data);
+}
+
+void iscsi::putTextRequest(Draft& draft, const Record&, RecordView data) {
+    if (opcodeOf(data) == kTextRequest)
+        put<kTextRequestRows>(draft.body, data);
+}
+
+void iscsi::putRequestNames(Draft& draft, const Record&, RecordView data) {
+    putNames(draft, data, kRequestTexts);
+}
+
+void iscsi::putParameterNames(Draft& draft, const Record&, RecordView data) {
+    putNames(draft, data, kParameterTexts);
+}
+
+void iscsi::putParameterTexts(Draft& draft, const Record&, RecordView data) {
+    TextRun texts(data, kParameterTexts);
+    texts.next(kInitiatorLength);
+    texts.next(kTargetLength);
+    const Untrusted key = texts.next(kKeyLength);
+    const Untrusted offer = texts.next(kOfferLength);
+    if (data.u16(kKeyLength) != 0)
+        putElement(draft, "Parameter", key);
+    if (data.u16(kAnswerLength) != 0) {
+        putElement(draft, "Value_Offered", offer);
+        putElement(draft, "Value_Answered", texts.next(kAnswerLength));
+    } else if (data.u16(kOfferLength) != 0) {
+        putElement(draft, "Value", offer);
+    }
+}
+
+void iscsi::decode(const Record& record, Draft& draft) {
+    const RecordView data = record.payload();
+    events.writeTitle(draft, record);
+    if (const Events::Entry* event = events.find(data.u16(0)))
+        events.writeBody(draft, *event, record, data);
+}
+
 ISCSIMP_Event::ISCSIMP_Event(const EmpEvLogMsg_s* record, int length)
     : Avrel_Event(record, static_cast<unsigned int>(length)) {
-    if (!record)
-        return;
-    const RecordView view = RecordView::of(record, static_cast<unsigned int>(length));
-    BodyWriter body(Texts::Safe);
-    LineWriter line;
-    kEvents.put(line, record->eventId);
-    line.assignTo(eventID_);
-    line.clear();
-    build(body, line, view.from(sizeof *record));
-    body.assignTo(body_);
-    line.assignTo(summary_);
+    take(record, length, iscsi::decode);
 }
 
 ISCSIMP_Event::~ISCSIMP_Event() = default;
 
 void ISCSIMP_Event::build_basic_event(XmlString& body, std::string& summary,
                                       const BASIC_DATA* data) {
-    append(buildBasic, body, summary, whole(data));
+    append(Kind::kBasic, body, summary, whole(data));
 }
 void ISCSIMP_Event::build_socket_event(XmlString& body, std::string& summary,
                                        const SOCKET_DATA* data) {
-    append(buildSocket, body, summary, whole(data));
+    append(Kind::kSocket, body, summary, whole(data));
 }
 void ISCSIMP_Event::build_param_event(XmlString& body, std::string& summary,
                                       const PARAM_DATA* data) {
-    append(buildParameter, body, summary, whole(data, 5));
+    append(Kind::kParameter, body, summary, whole(data, 5));
 }
 void ISCSIMP_Event::build_login_event(XmlString& body, std::string& summary,
                                       const LOGIN_DATA* data) {
-    append(buildLogin, body, summary, whole(data, 2));
+    append(Kind::kLogin, body, summary, whole(data, 2));
 }
 void ISCSIMP_Event::build_request_event(XmlString& body, std::string& summary,
                                         const REQUEST_DATA* data) {
-    append(buildRequest, body, summary, whole(data, 2));
+    append(Kind::kRequest, body, summary, whole(data, 2));
 }
 void ISCSIMP_Event::build_message_event(XmlString& body, std::string& summary,
                                         const MESSAGE_DATA* data) {
-    append(buildMessage, body, summary, whole(data));
+    append(Kind::kMessage, body, summary, whole(data));
 }
 void ISCSIMP_Event::build_unknown_event(XmlString&, std::string&, const void*) {}
 
 void ISCSIMP_Event::build_bhs(XmlString& body, const ISCSI_BHS* header) {
-    append(putHeader, body, header);
+    const unsigned opcode = opcodeOf({header, sizeof *header});
+    if (opcode == kLoginRequest)
+        append<kLoginRequestRows>(body, header);
+    else if (opcode == kTextRequest)
+        append<kTextRequestRows>(body, header);
 }
 void ISCSIMP_Event::build_login_request_bhs(XmlString& body, const ISCSI_LOGIN_REQUEST* header) {
-    append(putLoginRequest, body, header);
+    append<kLoginRequestRows>(body, header);
 }
 void ISCSIMP_Event::build_text_request_bhs(XmlString& body, const ISCSI_TEXT_REQUEST* header) {
-    append(put<kTextRequestRows>, body, header);
+    append<kTextRequestRows>(body, header);
 }
 
 std::string ISCSIMP_Event::get_ip_address(const IpAddr_t& address) {
     LineWriter text;
-    putAddress(text, {&address, sizeof address});
+    put<kAddressLine>(text, {&address, sizeof address});
     return std::string(text.view());
 }
 

@@ -1,5 +1,7 @@
 #include "decoders/protocol/ISNSC_Event.h"
 
+#include "decoders/Decode.h"
+#include "decoders/common/Unknown.h"
 #include "decoders/protocol/ISNSC_Layouts.h"
 #include "platform/trace/ProviderTraceServices.h"
 
@@ -9,6 +11,8 @@ using namespace mpu;
 using namespace mpu::isns;
 
 namespace {
+
+constexpr const Events& events = kEventsOf<kEvents>;
 
 constexpr const char* kTraceSource = "ISNSC_Event";
 
@@ -20,108 +24,91 @@ constexpr std::size_t kLongestBody = 16383;
 // characters for its four bytes.
 constexpr std::size_t kSmallRecord = 2048;
 
-void putTitle(TextWriter& out, RecordView event) {
-    const auto word = [&](const NameTable& names, std::uint32_t code, std::string_view unknown) {
-        const std::string_view name = names.find(code);
-        out.put(name.empty() ? unknown : name);
-        if (name.empty())
-            out.integer(code);
-    };
-    word(kLabels, event.u32(kKindAt), "Unknown event: ");
-    word(kReasons, event.u32(kReasonAt), "Unknown reason: ");
+char* putWord(char* out, const NameTable& names, std::uint32_t code, std::string_view unknown) {
+    const std::string_view name = names.find(code);
+    return name.empty() ? putSigned(putText(out, unknown), static_cast<std::int32_t>(code))
+                        : putText(out, name);
 }
 
-// Returns the summary, empty where that is the title.
-std::string_view putMessage(TextWriter& body, RecordView event) {
-    std::string_view summary;
-    body.open("ICS_MESSAGE");
-    write(body, kLayout<kLocationRows>, event);
-    write(body, kLayout<kHeaderRows>, event);
-    switch (event.u8(kTypeAt)) {
-    case kConfiguration:
-        write(body, kLayout<kConfigurationRows>, event);
-        body.element("src_node_alias", event.text(kNodeAt + event.text(kNodeAt).size() + 1), " ");
-        summary = event.u32(kKindAt) == kRequest ? "Client_Config Request Message"
-                                                 : "Client_Config Response Message";
-        break;
-    case kStatus:
-        write(body, kLayout<kStatusRows>, event);
-        break;
-    default:
-        body.put("Unknown ics_type");
-        summary = "Unknown ICS message";
-    }
-    body.close("ICS_MESSAGE");
-    return summary;
-}
+// A text message from its identifier on.
+struct Text {
+    explicit Text(RecordView data)
+        : identifier(data.u32(0)), count(data.u32(4)),
+          held(data.size() > 8 ? (data.size() - 8) / 4 : std::size_t{0}) {}
 
-void putArgument(TextWriter& body, std::uint32_t number, std::uint32_t value) {
-    const auto tag = [&](std::string_view start) {
-        body.put(start).put(number < 10 ? "0" : "").decimal(number).put(">");
-    };
-    tag("<Arg");
-    body.put("0x").hexUpper(value, 8);
-    tag("</Arg");
-    body.put(" ");
-}
-
-std::string_view putArguments(TextWriter& body, RecordView event) {
-    const std::uint32_t count = event.u32(kCountAt);
-    const std::size_t held =
-        event.size() > kArgumentsAt ? (event.size() - kArgumentsAt) / 4 : std::size_t{0};
-    const std::size_t shown = count >> 31 ? 0 : std::min<std::size_t>(count, held);
-    body.open("Arguments");
-    write(body, kLayout<kLocationRows>, event);
-    write(body, kLayout<kCountRows>, event);
-    for (std::uint32_t i = 0; i < shown && body.view().size() <= kLongestBody; ++i)
-        putArgument(body, i + 1, event.u32(kArgumentsAt + 4 * i));
-    body.close("Arguments");
-    if (event.u32(kTextIdentifierAt) != kKnownText)
-        return "Unknown text_id for TEXT_MSG Event";
-    return count <= held ? "Display Arguments, detail in Message Body"
-                         : "Invalid Arguments, detail in Message Body";
-}
-
-std::string_view build(TextWriter& body, RecordView event, std::size_t payloadLength) {
-    switch (event.u32(kKindAt)) {
-    case kRequest:
-    case kResponse:
-    case kMessage:
-        return putMessage(body, event);
-    case kText:
-        return putArguments(body, event);
-    default:
-        body.open("Hex").hexBytes(event.bytes(0, payloadLength)).close("Hex");
-        return "Unhandled Event by ISNS Client";
-    }
-}
+    std::uint32_t identifier;
+    std::uint32_t count;
+    std::size_t held; // arguments in the record
+};
 
 } // namespace
 
-ISNSC_Event::ISNSC_Event(const EmpEvLogMsg_s* record, int length)
-    : Avrel_Event(record, static_cast<unsigned int>(length)) {
-    if (!record)
-        return;
-    const RecordView view = RecordView::of(record, static_cast<unsigned int>(length));
-    const RecordView event = view.from(sizeof *record);
-    const bool small = view.size() <= kSmallRecord;
-    BodyWriter body(small ? Texts::Safe : Texts::Raw);
-    LineWriter title;
-    putTitle(title, event);
-    const std::string_view summary = build(body, event, record->evStructLength);
-    if (!small) { // cut first, then made safe as a whole
-        const std::size_t size = body.view().size();
-        body.commit(body.reserve(0) - (size - std::min(size, kLongestBody)));
-        body.expectMarkup();
-    }
+char* isns::putLabel(char* out, const std::uint8_t* at) {
+    return putWord(out, kLabels, loadBig<std::uint32_t>(at), "Unknown event: ");
+}
 
+char* isns::putReason(char* out, const std::uint8_t* at) {
+    return putWord(out, kReasons, loadBig<std::uint32_t>(at), "Unknown reason: ");
+}
+
+void isns::tellTitle(Draft& draft, const Record&, RecordView) {
+    draft.summary.put(draft.title.view());
+}
+
+void isns::putAlias(Draft& draft, const Record&, RecordView data) {
+    draft.body.element("src_node_alias", data.text(data.text(0).size() + 1), " ");
+    draft.body.close("ICS_MESSAGE");
+}
+
+void isns::tellArguments(Draft& draft, const Record&, RecordView data) {
+    const Text text(data);
+    draft.summary.put(text.identifier != kKnownText ? "Unknown text_id for TEXT_MSG Event"
+                      : text.count <= text.held     ? "Display Arguments, detail in Message Body"
+                                                    : "Invalid Arguments, detail in Message Body");
+}
+
+void isns::putArguments(Draft& draft, const Record&, RecordView data) {
+    const Text text(data);
+    const std::size_t shown = text.count >> 31 ? 0 : std::min<std::size_t>(text.count, text.held);
+    TextWriter& body = draft.body;
+    for (std::uint32_t i = 0; i < shown && body.view().size() <= kLongestBody; ++i) {
+        const auto tag = [&](std::string_view start) {
+            body.put(start).put(i < 9 ? "0" : "").decimal(i + 1).put(">");
+        };
+        tag("<Arg");
+        body.put("0x").hexUpper(data.u32(8 + 4 * i), 8);
+        tag("</Arg");
+        body.put(" ");
+    }
+    body.close("Arguments");
+}
+
+void isns::putPayload(Draft& draft, const Record& record, RecordView) {
+    writePayload(draft.body, record);
+}
+
+void isns::decode(const Record& record, Draft& draft) {
     ProviderTraceServices::ptsTrace(kTraceSource, 101, {"setEventID, setBody, setSummary: begin"});
-    title.assignTo(eventID_);
-    body.assignTo(body_);
-    assignAscii(summary_, summary.empty() ? title.view() : summary);
+    const RecordView data = record.payload();
+    const bool small = record.view().size() <= kSmallRecord;
+    if (!small)
+        draft.body.setTexts(Texts::Raw);
+    events.writeTitle(draft, record);
+    const Events::Entry* event = events.find(data.u32(4), data.u8(kTypeAt));
+    events.writeBody(draft, event ? *event : *events.find(kOtherKind, 0), record, data);
+    if (!small) { // cut first, then made safe as a whole
+        const std::size_t size = draft.body.view().size();
+        draft.body.commit(draft.body.reserve(0) - (size - std::min(size, kLongestBody)));
+        draft.body.expectMarkup();
+    }
     ProviderTraceServices::ptsTrace(kTraceSource, 107,
                                     {"eventID 128, body 16384, summary 256, setEventID, setBody, "
                                      "setSummary: end"});
+}
+
+ISNSC_Event::ISNSC_Event(const EmpEvLogMsg_s* record, int length)
+    : Avrel_Event(record, static_cast<unsigned int>(length)) {
+    take(record, length, isns::decode);
 }
 
 ISNSC_Event::~ISNSC_Event() = default;

@@ -7,8 +7,6 @@
 
 namespace Pegasus::mpu::isns {
 
-enum Kind : std::uint32_t { kRequest = 1, kResponse, kMessage, kText = 7 };
-
 // Titles are a label and a reason word, joined as they stand.
 inline constexpr std::string_view kLabelTexts[] = {
     "", "ICS REQ ", "ICS RSP ", "ICS MSG ", "ISNS REQ ", "ISNS RSP ", "ISNS MSG ", "TEXT ",
@@ -17,125 +15,140 @@ inline constexpr NameTable kLabels = names<kLabelTexts>();
 inline constexpr std::string_view kReasonTexts[] = {"", "Information", "Rcvd", "Sent"};
 inline constexpr NameTable kReasons = names<kReasonTexts>();
 
-inline constexpr unsigned kKindAt = 4; // the word in front of it is not shown
-inline constexpr unsigned kReasonAt = 8;
-inline constexpr Row kLocationRows[] = {
-    // The event data begin with their own structure, so only the event header has room for these.
-    Row("Module", "%s", text(12, 8)).chosen(),
-    Row("Line", "%d", u32(20)).chosen(),
-};
+char* putLabel(char* out, const std::uint8_t* at);
+char* putReason(char* out, const std::uint8_t* at);
+inline constexpr CustomField kLabel{
+    putLabel, sizeof "Unknown event: " + kDecimalRoom,
+    "the kind, as 1 ICS REQ, 2 ICS RSP, 3 ICS MSG, 4 ISNS REQ, 5 ISNS RSP, 6 ISNS MSG, 7 TEXT, "
+    "each with a blank, else Unknown event: n"};
+inline constexpr CustomField kReason{
+    putReason, sizeof "Unknown reason: " + kDecimalRoom,
+    "the reason, as 1 Information, 2 Rcvd, 3 Sent, else Unknown reason: n"};
+void tellTitle(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kTitle{tellTitle, "the title"};
+
+// The event data begin with their own structure, so only the event header has room for these.
+inline constexpr Row kModuleRow = Row("Module", "%s", text(12, 8)).assumed();
+inline constexpr Row kLineRow = Row("Line", "%d", u32(20)).assumed();
 
 // ICS events: a message header, then the part that its message type says.
-enum Type : std::uint8_t { kConfiguration = 1, kStatus };
 inline constexpr unsigned kHeaderAt = 24;
 inline constexpr unsigned kTypeAt = kHeaderAt + message_header::kMessageType;
-inline constexpr Row kHeaderRows[] = {
+inline constexpr Row kMessageRows[] = {
+    open("ICS_MESSAGE"),
+    kModuleRow,
+    kLineRow,
     Row("mmch_LH", "(%08X, %08X) (hex)", u32(kHeaderAt + message_header::kListHead),
         u32(kHeaderAt + message_header::kListHead + 4))
-        .fits(),
-    Row("Message_Type", "%d", u8(kTypeAt)).fits(),
-    Row("Message_Version", "%d", u8(kHeaderAt + message_header::kVersion)).fits(),
-    Row("Message_Length", "%d", u16(kHeaderAt + message_header::kLength)).fits(),
-    Row("OpCode_Protocol", "%d", u8(kHeaderAt + message_header::kProtocol)).fits(),
-    Row("OpCode_Type", "%08X (hex)", u24(kHeaderAt + message_header::kType)).fits(),
-    Row("Requestor", "%d", u8(kHeaderAt + message_header::kRequestor)).fits(),
-    Row("mmsg_cont", "%02X (hex)", u8(kHeaderAt + message_header::kControl)).fits(),
-    Row("Dest_EP", "%02X (hex)", u8(kHeaderAt + message_header::kDestination)).fits(),
+        .inferred(),
+    Row("Message_Type", "%d", u8(kTypeAt)).inferred(),
+    Row("Message_Version", "%d", u8(kHeaderAt + message_header::kVersion)).inferred(),
+    Row("Message_Length", "%d", u16(kHeaderAt + message_header::kLength)).inferred(),
+    Row("OpCode_Protocol", "%d", u8(kHeaderAt + message_header::kProtocol)).inferred(),
+    Row("OpCode_Type", "%08X (hex)", u24(kHeaderAt + message_header::kType)).inferred(),
+    Row("Requestor", "%d", u8(kHeaderAt + message_header::kRequestor)).inferred(),
+    Row("mmsg_cont", "%02X (hex)", u8(kHeaderAt + message_header::kControl)).inferred(),
+    Row("Dest_EP", "%02X (hex)", u8(kHeaderAt + message_header::kDestination)).inferred(),
     Row("Recipient_Loc_BM", "%016X (hex)", u64(kHeaderAt + message_header::kLocalRecipients))
-        .fits(),
+        .inferred(),
     Row("Recipient_OB_BM", "%016X (hex)", u64(kHeaderAt + message_header::kOutOfBoxRecipients))
-        .fits(),
-    Row("Return_Code", "%d", u32(kHeaderAt + message_header::kReturnCode)).fits(),
-    Row("Handle", "%08X (hex)", u32(kHeaderAt + message_header::kHandle)).fits(),
-    Row("General_Use_1", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse1)).fits(),
-    Row("General_Use_2", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse2)).fits(),
-    Row("General_Use_3", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse3)).fits(),
+        .inferred(),
+    Row("Return_Code", "%d", u32(kHeaderAt + message_header::kReturnCode)).inferred(),
+    Row("Handle", "%08X (hex)", u32(kHeaderAt + message_header::kHandle)).inferred(),
+    Row("General_Use_1", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse1)).inferred(),
+    Row("General_Use_2", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse2)).inferred(),
+    Row("General_Use_3", "%08X (hex)", u32(kHeaderAt + message_header::kGeneralUse3)).inferred(),
 };
 inline constexpr Row kStatusRows[] = {
-    Row("isns_status", "%08X (hex)", u32(88)).chosen(),
+    Row("isns_status", "%08X (hex)", u32(88)).assumed(),
+    close("ICS_MESSAGE"),
 };
+inline constexpr Row kOtherTypeRows[] = {line("Unknown ics_type"), close("ICS_MESSAGE")};
+inline constexpr unsigned kNodeAt = 112;
 inline constexpr Row kConfigurationRows[] = {
-    Row("isns_control", "%08X (hex)", u32(88)).chosen(),
-    Row("isns_server_ip", "%08X (hex)", u32(92)).chosen(),
-    Row("isns_server_subnet_mask", "%08X (hex)", u32(96)).chosen(),
-    Row("isns_server_port", "%08X (hex)", u32(100)).chosen(),
-    Row("isns_heartbeat_ip", "%08X (hex)", u32(104)).chosen(),
-    Row("isns_heartbeat_subnet_mask", "%08X (hex)", u32(108)).chosen(),
-    Row("src_node_id", "%s", text(112)).chosen(),
+    Row("isns_control", "%08X (hex)", u32(88)).assumed(),
+    Row("isns_server_ip", "%08X (hex)", u32(92)).assumed(),
+    Row("isns_server_subnet_mask", "%08X (hex)", u32(96)).assumed(),
+    Row("isns_server_port", "%08X (hex)", u32(100)).assumed(),
+    Row("isns_heartbeat_ip", "%08X (hex)", u32(104)).assumed(),
+    Row("isns_heartbeat_subnet_mask", "%08X (hex)", u32(108)).assumed(),
+    Row("src_node_id", "%s", text(kNodeAt)).assumed(),
 };
-inline constexpr unsigned kNodeAt = 112; // src_node_alias lies behind the identifier's NUL
+void putAlias(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kAlias{putAlias,
+                                    "`src_node_alias`, the text after the NUL of `src_node_id`.",
+                                    {},
+                                    "iqn.2002-03.com.example:array.4\0Array 4, upper shelf\0"sv,
+                                    Provenance::Assumed};
 
 // Text messages.
-inline constexpr unsigned kTextIdentifierAt = 24;
 inline constexpr std::uint32_t kKnownText = 1;
 inline constexpr unsigned kCountAt = 28;
 inline constexpr unsigned kArgumentsAt = 32;
-inline constexpr Row kCountRows[] = {
-    Row("Arg_Count", "%d", u32(kCountAt)).chosen(),
+inline constexpr Row kTextRows[] = {
+    open("Arguments"),
+    kModuleRow,
+    kLineRow,
+    Row("Arg_Count", "%d", u32(kCountAt)).assumed(),
+};
+void tellArguments(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kToldArguments{
+    tellArguments,
+    "Unknown text_id for TEXT_MSG Event, unless the u32 at 24 is 1; Display Arguments, detail in "
+    "Message Body, when the record holds as many as `Arg_Count` says; else Invalid Arguments, "
+    "detail in Message Body"};
+void putArguments(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kArguments{
+    putArguments,
+    "As many arguments as `Arg_Count` says and the record holds: `Arg01` and so on, a u32 each "
+    "from 32 on.",
+    {},
+    "\0\0\0\1\0\0\0\3\0\0\0\5\xC0\xA8\0\1\xFF\xFF\xFF\xFE"sv,
+    Provenance::Assumed};
+
+void putPayload(Draft& draft, const Record& record, RecordView data);
+inline constexpr CustomPiece kPayload{
+    putPayload, "The payload as `Hex`.", {}, "\0\1\0\4\x80\0\0\1"sv};
+
+// Kind and message type; the types are settled by us.
+constexpr EventRow message(Codes codes, Title label, Summary summary, Pieces pieces) {
+    return EventRow{codes, label, summary, pieces}.assumed();
+}
+inline constexpr Row kRequest = line("Client_Config Request Message");
+inline constexpr Row kResponse = line("Client_Config Response Message");
+inline constexpr Row kOtherType = line("Unknown ICS message");
+inline constexpr Row kUnhandled = line("Unhandled Event by ISNS Client");
+inline constexpr unsigned kOtherKind = 4; // stands for all without a row
+inline constexpr EventRow kEventRows[] = {
+    // clang-format off
+    message({1, 1}, "ICS REQ", kRequest, {kMessageRows, kConfigurationRows, custom(kAlias, kNodeAt)}),
+    message({1, 2}, "ICS REQ", kTitle, {kMessageRows, kStatusRows}),
+    message(anyOf(1), "ICS REQ", kOtherType, {kMessageRows, kOtherTypeRows}),
+    message({2, 1}, "ICS RSP", kResponse, {kMessageRows, kConfigurationRows, custom(kAlias, kNodeAt)}),
+    message({2, 2}, "ICS RSP", kTitle, {kMessageRows, kStatusRows}),
+    message(anyOf(2), "ICS RSP", kOtherType, {kMessageRows, kOtherTypeRows}),
+    message({3, 1}, "ICS MSG", kResponse, {kMessageRows, kConfigurationRows, custom(kAlias, kNodeAt)}),
+    message({3, 2}, "ICS MSG", kTitle, {kMessageRows, kStatusRows}),
+    message(anyOf(3), "ICS MSG", kOtherType, {kMessageRows, kOtherTypeRows}),
+    {anyOf(kOtherKind), "ISNS REQ", kUnhandled, {custom(kPayload, kHeaderAt)}},
+    {anyOf(5), "ISNS RSP", kUnhandled, {custom(kPayload, kHeaderAt)}},
+    {anyOf(6), "ISNS MSG", kUnhandled, {custom(kPayload, kHeaderAt)}},
+    {anyOf(7), "TEXT", summary(kToldArguments, kHeaderAt), {kTextRows, custom(kArguments, kHeaderAt)}},
+    // clang-format on
 };
 
-// The catalogue.
-inline constexpr std::uint16_t kEventAt = 152;
-
-template <std::uint32_t KindCode, std::uint32_t Reason, std::uint8_t TypeCode>
-inline constexpr Key kMessageKeys[] = {{kEventAt + kKindAt, 4, KindCode},
-                                       {kEventAt + kReasonAt, 4, Reason},
-                                       {kEventAt + kTypeAt, 1, TypeCode}};
-inline constexpr Key kTextKeys[] = {{kEventAt + kKindAt, 4, kText},
-                                    {kEventAt + kReasonAt, 4, 1},
-                                    {kEventAt + kTextIdentifierAt, 4, kKnownText},
-                                    {kEventAt + kCountAt, 4, 3}};
-inline constexpr Key kOtherKeys[] = {{kEventAt + kKindAt, 4, 4}, {kEventAt + kReasonAt, 4, 3}};
-
-inline constexpr Part kHeaderParts[] = {{"Event header", kLocationRows, kEventAt},
-                                        {"Message header", kHeaderRows, kEventAt}};
-inline constexpr Part kStatusParts[] = {{"Event header", kLocationRows, kEventAt},
-                                        {"Message header", kHeaderRows, kEventAt},
-                                        {"Status", kStatusRows, kEventAt}};
-inline constexpr Part kConfigurationParts[] = {{"Event header", kLocationRows, kEventAt},
-                                               {"Message header", kHeaderRows, kEventAt},
-                                               {"Configuration", kConfigurationRows, kEventAt}};
-inline constexpr Part kTextParts[] = {{"Event header", kLocationRows, kEventAt},
-                                      {"Text message", kCountRows, kEventAt}};
-
-inline constexpr Fill kModuleFill{kEventAt + 12, "isnsc\0\0\0\0\0\1\x2B"sv};
-inline constexpr Fill kHeaderFills[] = {kModuleFill};
-inline constexpr Fill kConfigurationFills[] = {
-    kModuleFill, {kEventAt + kNodeAt, "iqn.2002-03.com.example:array.4\0Array 4, upper shelf\0"sv}};
-inline constexpr Fill kTextFills[] = {
-    kModuleFill, {kEventAt + kArgumentsAt, "\0\0\0\5\xC0\xA8\0\1\xFF\xFF\xFF\xFE"sv}};
-inline constexpr Fill kOtherFills[] = {{kEventAt + 24, "\0\1\0\4\x80\0\0\1"sv}};
-
-inline constexpr std::string_view kHeaderNote = "In an element `ICS_MESSAGE`. Requests, responses "
-                                                "and messages (kinds 1 to 3) are decoded alike.";
-
-inline constexpr Section kSections[] = {
-    {"ICS status message", kMessageKeys<kMessage, 2, kStatus>, kStatusParts, kHeaderFills,
-     kHeaderNote},
-    {"ICS configuration request", kMessageKeys<kRequest, 2, kConfiguration>, kConfigurationParts,
-     kConfigurationFills,
-     "As a status message; behind the identifier's NUL lies `src_node_alias` (chosen)."},
-    {"ICS configuration response", kMessageKeys<kResponse, 3, kConfiguration>, kConfigurationParts,
-     kConfigurationFills, "As the request."},
-    {"ICS message of another type", kMessageKeys<kMessage, 2, 9>, kHeaderParts, kHeaderFills,
-     "As a status message, without a part of its own."},
-    {"Text", kTextKeys, kTextParts, kTextFills,
-     "In an element `Arguments`. The text identifier is at 24, arguments of four bytes lie from 32 "
-     "on (chosen), as many as `Arg_Count` says: `Arg01` and so on."},
-    {"Any other kind", kOtherKeys, {}, kOtherFills, "The payload in hexadecimal digits."},
+inline constexpr EventTable kEvents{
+    .rows = kEventRows,
+    .major = u32(156),
+    .minor = u8(152 + kTypeAt),
+    .title = line("%s%s", custom(156, 4, kLabel), custom(160, 4, kReason)),
+    .head = {sample(8, "\0\0\0\2isnsc\0\0\0\0\0\1\x2B"sv)},
+    .note = "Events of any other kind are shown as those of 4 to 6. A body is cut at 16383 "
+            "characters before it is made safe.",
 };
+static_assert(accepted<kEvents>);
 
-inline constexpr auto kCodes = [] {
-    std::array<Code, std::size(kLabelTexts) - 1> codes{};
-    for (std::uint32_t i = 1; i <= codes.size(); ++i)
-        codes[i - 1] = {i, kLabelTexts[i].substr(0, kLabelTexts[i].size() - 1)};
-    return codes;
-}();
-
-inline constexpr Module kModule{
-    31, "ISNSC_Event",
-    "The word at 156 is the kind, that at 160 the reason: 1 information, 2 received, 3 sent. The "
-    "title is made of both.",
-    kSections, kCodes};
+inline constexpr const EventTable* kTables[] = {&kEvents};
+inline constexpr Module kModule{31, "ISNSC_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::isns

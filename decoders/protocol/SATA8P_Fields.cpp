@@ -184,7 +184,7 @@ void SATA8P_Event::build_request_sense(XmlString& body, const SCSI_REQ_SENSE_DAT
 
 std::string SATA8P_Event::get_inquiry_string(const char* text, int length) {
     const RecordView view(text, length > 0 ? static_cast<std::size_t>(length) : 0);
-    return std::string(trimBlanks(view.text(0)));
+    return std::string(trimBlanks(view.text(0).raw()));
 }
 
 std::string SATA8P_Event::get_capacity(unsigned long long sectors) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "decoders/protocol/SATA8P_Names.h"
-#include "event/Layout.h"
+#include "event/TableCompiler.h"
 
 namespace Pegasus::mpu::sata {
 
@@ -23,19 +23,21 @@ inline constexpr std::uint16_t kCapacityRoom = 32;
 inline constexpr std::uint16_t kElapsedRoom = 32;
 inline constexpr std::uint16_t kRequestStatusRoom = 48;
 
-inline constexpr Made kCapacity{putCapacity, kCapacityRoom, "sectors as a size"};
-inline constexpr Made kElapsed{putElapsed, kElapsedRoom, "seconds, then milliseconds"};
-inline constexpr Made kCdb{putCdb, 48, "16 of CDB, then its length"};
-inline constexpr Made kFisLba{putFisLba, kHexRoom, "LBA, low to high, around the device byte"};
-inline constexpr Made kSenseKey{putSenseKey, kSenseKeys.room, "sense key in the low four bits"};
-inline constexpr Made kSenseNumber{putSenseNumber, 2, "its number"};
-inline constexpr Made kRegisterCause{putRegisterCause, kErrorCauses.room,
-                                     "status, error and, from the fourth on, the command"};
-inline constexpr Made kRequestStatus{putRequestStatus, kRequestStatusRoom,
-                                     "status, then what failed"};
-inline constexpr Made kSwapped{putSwapped, kHexRoom, "low word, then high word"};
-inline constexpr Made kPcixCommand{putPcixCommand, kPcixCommands.room,
-                                   "command in the low four bits"};
+inline constexpr CustomField kCapacity{putCapacity, kCapacityRoom, "sectors as a size"};
+inline constexpr CustomField kElapsed{putElapsed, kElapsedRoom, "seconds, then milliseconds"};
+inline constexpr CustomField kCdb{putCdb, 48, "16 of CDB, then its length"};
+inline constexpr CustomField kFisLba{putFisLba, kHexRoom,
+                                     "LBA, low to high, around the device byte"};
+inline constexpr CustomField kSenseKey{putSenseKey, kSenseKeys.room,
+                                       "sense key in the low four bits"};
+inline constexpr CustomField kSenseNumber{putSenseNumber, 2, "its number"};
+inline constexpr CustomField kRegisterCause{putRegisterCause, kErrorCauses.room,
+                                            "status, error and, from the fourth on, the command"};
+inline constexpr CustomField kRequestStatus{putRequestStatus, kRequestStatusRoom,
+                                            "status, then what failed"};
+inline constexpr CustomField kSwapped{putSwapped, kHexRoom, "low word, then high word"};
+inline constexpr CustomField kPcixCommand{putPcixCommand, kPcixCommands.room,
+                                          "command in the low four bits"};
 
 // ---- for the decoder ---------------------------------------------------------------------------
 

@@ -295,12 +295,12 @@ inline constexpr std::string_view kMarvellCommandTexts[] = {
     "Read",       "Write",        "Identify",         "Read Long",
     "Write Long", "Enable SMART", "Get SMART Status", "Get SMART Data",
 };
-inline constexpr NameTable kMarvellCommands = names<kMarvellCommandTexts>(Otherwise::Decimal);
+inline constexpr NameTable kMarvellCommands = names<kMarvellCommandTexts>(Fallback::Decimal);
 inline constexpr std::uint32_t kRead = 0;
 inline constexpr std::uint32_t kReadLong = 3;
 
 inline constexpr std::string_view kRequestCommandTexts[] = {"Read", "Write", "Identify"};
-inline constexpr NameTable kRequestCommands = names<kRequestCommandTexts>(Otherwise::Decimal);
+inline constexpr NameTable kRequestCommands = names<kRequestCommandTexts>(Fallback::Decimal);
 
 // Details of a request that failed.
 inline constexpr std::string_view kRequestFailureTexts[] = {

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <fmt/format.h>
 #include <fstream>
 #include <iterator>
 #include <vector>
@@ -16,6 +17,25 @@ using namespace Pegasus;
 using namespace Pegasus::fuzz;
 
 namespace {
+
+// Bytes as text in some of the forms that are recognised.
+std::vector<std::string> dumps(const std::string& bytes) {
+    static constexpr struct {
+        const char* offset;
+        const char* byte;
+    } kForms[] = {{"{:08x}: ", "{:02x} "}, {"{:07o} ", "{:02x} "}, {"", "{:02x}"},
+                  {"", "0x{:02x}, "},      {"", "{:02x}:"},        {"0x{:04x}:  ", "{:02x} "}};
+    std::vector<std::string> texts;
+    for (const auto& form : kForms) {
+        std::string& text = texts.emplace_back();
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            if (i % 16 == 0)
+                text += (i ? "\n" : "") + fmt::format(fmt::runtime(form.offset), i);
+            text += fmt::format(fmt::runtime(form.byte), static_cast<unsigned char>(bytes[i]));
+        }
+    }
+    return texts;
+}
 
 int writeSeeds(const std::filesystem::path& folder) {
     unsigned number = 0;
@@ -28,8 +48,8 @@ int writeSeeds(const std::filesystem::path& folder) {
     mpu::SampleWriter samples(1);
     std::string last;
     for (const mpu::Module& module : mpu::modules())
-        for (const mpu::Section& section : module.sections) {
-            const std::string message = samples.message(module, section);
+        for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
+            const std::string message = samples.message(module, kind);
             const std::string record = message.substr(mpu::message_header::kSize);
             ++number;
             write("message", '\1' + message);
@@ -38,6 +58,11 @@ int writeSeeds(const std::filesystem::path& folder) {
             write("text", record.substr(sizeof(EmpEvLogMsg_s)));
             write("capture", '\0' + message + last);
             write("capture", '\1' + record);
+            write("input", '\0' + message);
+            for (const std::string& text : dumps(message)) {
+                ++number;
+                write("input", '\0' + text);
+            }
             last = message;
         }
     return written ? 0 : 3;

@@ -1,10 +1,18 @@
 #include "platform/cmap/ManagedObject_Layouts.h"
 
+#include <atomic>
+#include <memory>
+
 namespace Pegasus {
 
 using namespace mpu;
 
-void mpu::writeObject(TextWriter& out, std::uint8_t classId, RecordView data) {
+namespace {
+
+constinit std::atomic<ManagedObjectFactory> registered[256]{};
+
+// As an object of the library's own classes renders.
+void writeKnown(TextWriter& out, std::uint8_t classId, RecordView data) {
     out.put("<ClassName>");
     kObjectClasses.put(out, classId);
     out.put("</ClassName> ");
@@ -13,12 +21,31 @@ void mpu::writeObject(TextWriter& out, std::uint8_t classId, RecordView data) {
     out.put("<Hex>").hexBytes(data.bytes(0)).put("</Hex> ");
 }
 
+} // namespace
+
+void mpu::writeObject(TextWriter& out, std::uint8_t classId, RecordView data) {
+    const ManagedObjectFactory factory = registered[classId].load(std::memory_order_acquire);
+    if (!factory) {
+        writeKnown(out, classId, data);
+    } else if (const std::unique_ptr<const ManagedObject> object{factory()}) {
+        const String text = object->render(data.data(), static_cast<unsigned int>(data.size()));
+        out.untrusted(Untrusted(static_cast<const char*>(text.getCString())));
+    }
+}
+
 ManagedObject::~ManagedObject() = default;
 
 String ManagedObject::render(const void* data, unsigned int length) const {
     BodyWriter out;
-    writeObject(out, classId_, {data, length});
+    writeKnown(out, classId_, {data, length});
     return out.string();
+}
+
+bool ManagedObject::registerClass(unsigned char classId, ManagedObjectFactory factory) {
+    if (!kObjectClasses.find(classId).empty())
+        return false;
+    registered[classId].store(factory, std::memory_order_release);
+    return true;
 }
 
 } // namespace Pegasus

@@ -26,11 +26,11 @@ objectClassTexts(std::index_sequence<Id...>) {
 }
 // By class identifier; the last one is for all others.
 inline constexpr auto kObjectClassTexts = objectClassTexts(std::make_index_sequence<59>());
-inline constexpr NameTable kObjectClasses = names<kObjectClassTexts>(Otherwise::Last);
+inline constexpr NameTable kObjectClasses = names<kObjectClassTexts>(Fallback::Last);
 
 // All objects whose places are known begin with their identifier, so the others do too.
 inline constexpr Row kObjectRows[] = {
-    Row("ObjID", "0x%08X", u32(0)).chosen(),
+    Row("ObjID", "0x%08X", u32(0)).assumed(),
 };
 
 // The attributes of an object; null for a class without a name. The statistics classes are taken to
@@ -51,7 +51,7 @@ constexpr const Layout* objectLayout(std::uint8_t classId) {
     }
 }
 
-// Writes the object as ManagedObject::render() does.
+// Writes the object as render() of its class gives it, one that is registered among them.
 void writeObject(TextWriter& out, std::uint8_t classId, RecordView data);
 
 } // namespace Pegasus::mpu

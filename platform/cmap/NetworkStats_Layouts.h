@@ -2,7 +2,7 @@
 // travel as managed objects too. Offsets are from the start of the object.
 #pragma once
 
-#include "event/Layout.h"
+#include "event/TableCompiler.h"
 
 namespace Pegasus::mpu {
 

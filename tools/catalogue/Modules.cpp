@@ -12,7 +12,7 @@
 #include "decoders/protocol/ES_ADAPTERMP_Layouts.h"
 #include "decoders/protocol/ISCSIMP_Layouts.h"
 #include "decoders/protocol/ISNSC_Layouts.h"
-#include "decoders/protocol/SATA8P_Catalogue.h"
+#include "decoders/protocol/SATA8P_Layouts.h"
 
 namespace Pegasus::mpu {
 
@@ -30,15 +30,15 @@ constexpr Module kModules[] = {
     unhandled::module(15, "HACCMP_Event"),
     unhandled::module(16, "MSMMP_Event"),
     startup::kModule,
-    {19, "DDLMMP_Event", "Decoded as module 23 (SCC).", {}},
+    {19, "DDLMMP_Event", "Decoded as module 23 (SCC)."},
     unhandled::module(21, "DRIVEADMP_Event"),
     iscsi::kModule,
     scc::kModule,
     ncs::kModule,
-    {25, "AIMMP_Event", "Decoded as module 23 (SCC).", {}},
+    {25, "AIMMP_Event", "Decoded as module 23 (SCC)."},
     unhandled::module(28, "SNMPMP_Event"),
     smis::kModule,
-    {30, "SMI_IND_Event", "Decoded as module 29 (SMIS).", {}},
+    {30, "SMI_IND_Event", "Decoded as module 29 (SMIS)."},
     isns::kModule,
     esa::kModule,
 };

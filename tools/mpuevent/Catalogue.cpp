@@ -8,7 +8,10 @@
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Inputs.h"
 
+#include <algorithm>
+#include <charconv>
 #include <memory>
+#include <optional>
 
 namespace Pegasus::tool {
 
@@ -47,24 +50,68 @@ void addModule(CLI::App& app, const char* option, std::string& module) {
         });
 }
 
-struct Page {
+struct ReferenceFormat {
     const char* name;
-    std::string (*make)(std::span<const mpu::Module>);
+    const char* description;
+    std::string (*make)(std::span<const mpu::Module>, const mpu::CodeFilter& wanted);
 };
-constexpr Page kPages[] = {
-    {"text", [](auto modules) { return mpu::reference(modules, mpu::Page::Text); }},
-    {"markdown", [](auto modules) { return mpu::reference(modules, mpu::Page::Markdown); }},
-    {"json-schema", jsonSchema},
+constexpr ReferenceFormat kReferenceFormats[] = {
+    {"text", "the record reference for a terminal",
+     [](auto modules, const auto& wanted) {
+         return mpu::reference(modules, mpu::Page::Text, wanted);
+     }},
+    {"markdown", "the same for a browser",
+     [](auto modules, const auto& wanted) {
+         return mpu::reference(modules, mpu::Page::Markdown, wanted);
+     }},
+    {"json-schema", "the schema of decode --format json",
+     [](auto modules, const auto&) { return jsonSchema(modules); }},
 };
+
+// "1040", or two codes as in "1/32"; nothing for what is neither.
+std::optional<mpu::CodeFilter> parseCode(const std::string& text) {
+    mpu::CodeFilter wanted;
+    std::uint32_t number = 0;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (bool first = true;; first = false) {
+        const auto [next, error] = std::from_chars(at, end, number);
+        if (error != std::errc())
+            return std::nullopt;
+        wanted.minor = number;
+        if (next == end)
+            return wanted;
+        if (!first || *next != '/')
+            return std::nullopt;
+        wanted.major = number;
+        at = next + 1;
+    }
+}
 
 struct FormatsOptions {
     std::string module;
+    std::string code;
     std::string format = "text";
 };
 
 Status formats(const FormatsOptions& options) {
+    const std::vector<mpu::Module> modules = select(options.module);
+    const mpu::CodeFilter wanted = parseCode(options.code).value_or(mpu::CodeFilter());
+    const auto isTold = [&](const mpu::Module& module) {
+        const std::vector<mpu::RecordKind> kinds = mpu::kindsOf(module);
+        return std::any_of(kinds.begin(), kinds.end(), [&](const mpu::RecordKind& kind) {
+            return kind.row && wanted.passes(kind.row->codes);
+        });
+    };
+    std::vector<mpu::Module> told;
+    std::copy_if(modules.begin(), modules.end(), std::back_inserter(told),
+                 [&](const mpu::Module& module) { return wanted.isAll() || isTold(module); });
+    if (told.empty()) {
+        complain("--code: no event has the code {}", options.code);
+        return kUsage;
+    }
     Output output;
-    output.text().put(rowOf(kPages, options.format).make(select(options.module)));
+    output.text().put(rowOf(kReferenceFormats, options.format).make(told, wanted));
     return output.finish();
 }
 
@@ -83,8 +130,8 @@ Status sample(const SampleOptions& options) {
     const std::vector<mpu::Module> chosen = select(options.module);
     for (std::uint64_t made = 0, before = 0;; before = made) {
         for (const mpu::Module& module : chosen)
-            for (const mpu::Section& section : module.sections) {
-                output.text().put(samples.message(module, section));
+            for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
+                output.text().put(samples.message(module, kind));
                 if (++made == options.count || !output.proceed())
                     return output.finish();
             }
@@ -97,11 +144,16 @@ Status sample(const SampleOptions& options) {
 
 Runner addFormats(CLI::App& app) {
     const auto options = std::make_shared<FormatsOptions>();
-    addModule(app, "module", options->module);
+    addModule(app, "module,--module", options->module);
+    app.add_option("--code", options->code,
+                   "Tell one event: its code, or class and code as in 1/32")
+        ->type_name("CODE")
+        ->check([](const std::string& text) {
+            return parseCode(text) ? std::string() : "not a code: " + text;
+        });
     app.add_option("--format", options->format,
-                   "The record reference (text, markdown), or the schema of decode --format json "
-                   "(json-schema)")
-        ->check(CLI::IsMember(namesOf(kPages)))
+                   "Output format. " + descriptionsOf(kReferenceFormats))
+        ->check(CLI::IsMember(namesOf(kReferenceFormats)))
         ->capture_default_str();
     return [options] { return formats(*options); };
 }
@@ -110,9 +162,10 @@ Runner addSample(CLI::App& app) {
     const auto options = std::make_shared<SampleOptions>();
     addModule(app, "--module", options->module);
     app.add_option("--count", options->count,
-                   "Messages to write, all kinds in turn; 0: one of each kind")
+                   "Number of messages, all kinds in turn; 0 = one of each kind")
         ->capture_default_str();
-    app.add_option("--seed", options->seed, "Other values in the records")->capture_default_str();
+    app.add_option("--seed", options->seed, "Random seed for the field values")
+        ->capture_default_str();
     addOutput(app, options->output);
     return [options] { return sample(*options); };
 }

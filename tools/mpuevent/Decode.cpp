@@ -41,7 +41,7 @@ Runner addDecode(CLI::App& app) {
     options->inputs.addOptions(app);
     options->events.addOptions(app);
     addOutput(app, options->output);
-    app.add_option("--jobs,-j", options->jobs, "Decode on so many threads; 0: one a processor")
+    app.add_option("--jobs,-j", options->jobs, "Number of decoding threads; 0 = one per CPU")
         ->type_name("N")
         ->check(CLI::Range(0u, kMaxJobs))
         ->capture_default_str();

@@ -4,20 +4,32 @@
 
 namespace Pegasus::tool {
 
+namespace {
+
+// "json, xml, csv"
+std::string formatsWithFields() {
+    std::string names;
+    for (const Format& row : kFormats)
+        if (row.hasFields)
+            names.append(names.empty() ? "" : ", ").append(row.name);
+    return names;
+}
+
+} // namespace
+
 void EventOptions::addOptions(CLI::App& app) {
-    app.add_option("--format", format,
-                   "Indented blocks (text), what and when on one line (brief), all on one line "
-                   "(line), one JSON object a line (json), XML (xml) or CSV (csv)")
+    app.add_option("--format", format, "Output format. " + descriptionsOf(kFormats))
         ->check(CLI::IsMember(namesOf(kFormats)))
         ->capture_default_str();
-    app.add_flag("--fields", fields, "The elements of the body one by one too (json, xml, csv)");
+    app.add_flag("--fields", fields,
+                 "Also list the body's elements individually (" + formatsWithFields() + ")");
     app.add_flag("--trace", trace, "Show the library's trace lines on standard error");
     filter.addOptions(app);
 }
 
 bool EventOptions::prepare() const {
-    if (fields && !rowOf(kFormats, format).fields) {
-        complain("--fields: not with --format {}, but with json, xml or csv", format);
+    if (fields && !rowOf(kFormats, format).hasFields) {
+        complain("--fields: not with --format {}; use one of {}", format, formatsWithFields());
         return false;
     }
     if (trace) {

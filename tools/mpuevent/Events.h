@@ -28,7 +28,7 @@ public:
         printer_->begin(output.text());
     }
     bool take(const Message& message) override {
-        if (const std::unique_ptr<Avrel_Event> event = filter_.decode(message)) {
+        if (const DecodedEvent* event = filter_.decode(message)) {
             printer_->print(*event, output_.text());
             --left_;
         }
@@ -41,7 +41,7 @@ public:
     }
 
 private:
-    const Filter filter_;
+    Filter filter_;
     std::uint64_t left_; // of the events to write
     const std::unique_ptr<Printer> printer_;
 };

@@ -1,6 +1,6 @@
 #include "tools/mpuevent/Filter.h"
 
-#include "formats/Utf8.h"
+#include "event/HeaderNames.h"
 
 #include <algorithm>
 #include <charconv>
@@ -25,12 +25,6 @@ struct Wrong {
     std::string what;
 };
 
-std::string ascii(const String& text) {
-    mpu::LineWriter out;
-    putUtf8(out, text);
-    return std::string(out.view());
-}
-
 std::optional<std::uint32_t> toNumber(std::string_view text) {
     const bool hex = text.starts_with("0x") || text.starts_with("0X");
     text.remove_prefix(hex ? 2 : 0);
@@ -44,18 +38,17 @@ std::optional<std::uint32_t> toNumber(std::string_view text) {
 
 // The codes of a header byte that `value` means: its number, or all of that name.
 std::vector<bool> codesOf(const char* what, const std::string& value,
-                          String (Avrel_Event::*nameOf)(unsigned) const) {
-    const Avrel_Event names(nullptr, 0);
+                          std::string_view (*nameOf)(std::uint8_t)) {
     std::vector<bool> codes(256);
     std::string known;
     bool found = false;
     for (unsigned code = 0; code < 256; ++code) {
         const std::string number = std::to_string(code);
-        const std::string name = ascii((names.*nameOf)(code));
-        codes[code] =
-            value == number || CLI::detail::to_lower(value) == CLI::detail::to_lower(name);
+        const std::string name(nameOf(static_cast<std::uint8_t>(code)));
+        codes[code] = value == number || (!name.empty() && CLI::detail::to_lower(value) ==
+                                                               CLI::detail::to_lower(name));
         found |= codes[code];
-        if (name != number && known.find(", " + name + ",") == known.npos)
+        if (!name.empty() && known.find(", " + name + ",") == known.npos)
             known.append(known.empty() ? ", " : " ").append(name).append(",");
     }
     if (!found) {
@@ -67,13 +60,15 @@ std::vector<bool> codesOf(const char* what, const std::string& value,
 }
 
 HeaderTest source(const std::string& value) {
-    return [codes = codesOf("source", value, &Avrel_Event::sourceFromEmpValue)](
-               const EmpEvLogMsg_s& record) { return codes[record.source]; };
+    return [codes = codesOf("source", value, mpu::sourceName)](const EmpEvLogMsg_s& record) {
+        return codes[record.source];
+    };
 }
 
 HeaderTest category(const std::string& value) {
-    return [codes = codesOf("category", value, &Avrel_Event::categoryFromEmpValue)](
-               const EmpEvLogMsg_s& record) { return codes[record.category]; };
+    return [codes = codesOf("category", value, mpu::categoryName)](const EmpEvLogMsg_s& record) {
+        return codes[record.category];
+    };
 }
 
 HeaderTest severity(const std::string& value) {
@@ -101,7 +96,7 @@ HeaderTest compared(const std::string& value) {
 }
 
 EventTest eventId(const std::string& value) {
-    return [value](const Avrel_Event& event) { return ascii(event.getEventID()) == value; };
+    return [value](const DecodedEvent& event) { return event.eventID == value; };
 }
 
 class Regex {
@@ -120,23 +115,20 @@ public:
     Regex(const Regex&) = delete;
     Regex& operator=(const Regex&) = delete;
 
-    bool matches(const String& text) {
-        utf8_.clear();
-        putUtf8(utf8_, text);
+    bool matches(std::string_view text) const {
         regmatch_t range{};
-        range.rm_eo = static_cast<regoff_t>(utf8_.view().size());
-        return regexec(&compiled_, utf8_.view().data(), 1, &range, REG_STARTEND) == 0;
+        range.rm_eo = static_cast<regoff_t>(text.size());
+        return regexec(&compiled_, text.data(), 1, &range, REG_STARTEND) == 0;
     }
 
 private:
     regex_t compiled_;
-    mpu::BodyWriter utf8_;
 };
 
 EventTest grep(const std::string& value) {
-    return [regex = std::make_shared<Regex>(value)](const Avrel_Event& event) {
-        return regex->matches(event.getEventID()) || regex->matches(event.getSummary()) ||
-               regex->matches(event.getBody());
+    return [regex = std::make_shared<Regex>(value)](const DecodedEvent& event) {
+        return regex->matches(event.eventID) || regex->matches(event.summary) ||
+               regex->matches(event.body);
     };
 }
 
@@ -177,7 +169,7 @@ void FilterOptions::addOptions(CLI::App& app) {
                 ->allow_extra_args(false)
                 ->group("Filters");
         }
-    app.add_option("--limit", limit, "Stop after so many events")
+    app.add_option("--limit", limit, "Stop after N events")
         ->type_name("N")
         ->check(CLI::Range(std::uint64_t(1), UINT64_MAX).description(""))
         ->group("Filters");
@@ -219,15 +211,11 @@ bool Filter::passes(const Message& message) const {
     return all(headerRules_, *reinterpret_cast<const EmpEvLogMsg_s*>(message.record.data()));
 }
 
-bool Filter::passes(const Avrel_Event& event) const {
-    return all(eventRules_, event);
-}
-
-std::unique_ptr<Avrel_Event> Filter::decode(const Message& message) const {
+const DecodedEvent* Filter::decode(const Message& message) {
     if (!passes(message))
         return nullptr;
-    std::unique_ptr<Avrel_Event> event = message.decode();
-    return passes(*event) ? std::move(event) : nullptr;
+    const DecodedEvent& event = decoder_.decode(message.record);
+    return all(eventRules_, event) ? &event : nullptr;
 }
 
 } // namespace Pegasus::tool

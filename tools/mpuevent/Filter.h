@@ -2,6 +2,7 @@
 #pragma once
 
 #include "capture/Capture.h"
+#include "formats/DecodedEvent.h"
 #include "formats/Severity.h"
 
 #include <CLI/App.hpp>
@@ -17,7 +18,7 @@ using namespace formats;
 struct FilterRow;
 
 using HeaderTest = std::function<bool(const EmpEvLogMsg_s&)>;
-using EventTest = std::function<bool(const Avrel_Event&)>;
+using EventTest = std::function<bool(const DecodedEvent&)>;
 
 // What is wanted by one option: what passes any of the tests, or none when negated.
 template <class Test>
@@ -51,10 +52,8 @@ public:
     explicit Filter(const FilterOptions& options);
     // Whether the record's header alone lets it pass: no need to decode it if not.
     bool passes(const Message& message) const;
-    // Whether the event of such a record is wanted.
-    bool passes(const Avrel_Event& event) const;
-    // The event of the message, null if it is not wanted.
-    std::unique_ptr<Avrel_Event> decode(const Message& message) const;
+    // The event of the message until the next call, null if it is not wanted.
+    const DecodedEvent* decode(const Message& message);
 
 private:
     template <class Test, class Subject>
@@ -62,6 +61,7 @@ private:
 
     const std::vector<FilterRule<HeaderTest>> headerRules_;
     std::vector<FilterRule<EventTest>> eventRules_;
+    EventDecoder decoder_;
 };
 
 } // namespace Pegasus::tool

@@ -1,11 +1,12 @@
 #include "tools/mpuevent/Inputs.h"
 
+#include "capture/Recognise.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
-#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,14 +16,14 @@ namespace {
 
 struct Input {
     const char* name;
-    Framing framing;
-    bool hex;
+    InputHints hints;
 };
 constexpr Input kInputs[] = {
-    {"cmap", Framing::Message, false},
-    {"record", Framing::Record, false},
-    {"hex", Framing::Message, true},
-    {"hex-record", Framing::Record, true},
+    {"auto", {}},
+    {"cmap", {Framing::Message, false}},
+    {"record", {Framing::Record, false}},
+    {"hex", {Framing::Message, true}},
+    {"hex-record", {Framing::Record, true}},
 };
 
 class File {
@@ -81,11 +82,14 @@ private:
     std::uint64_t size_ = 0;
 };
 
-// Bytes whose reading is shown.
+// Bytes whose reading is shown, and waited for only after the sink has shown what came of others.
 class ShownSource : public FileSource {
 public:
-    ShownSource(int descriptor, Progress& progress) : FileSource(descriptor), progress_(progress) {}
+    ShownSource(int descriptor, Progress& progress, Sink& sink)
+        : FileSource(descriptor), progress_(progress), sink_(sink) {}
     std::size_t read(std::uint8_t* to, std::size_t room) override {
+        if (!ready())
+            sink_.onIdle();
         const std::size_t got = FileSource::read(to, room);
         position_ += got;
         if (got != 0)
@@ -95,6 +99,7 @@ public:
 
 private:
     Progress& progress_;
+    Sink& sink_;
     std::uint64_t position_ = 0;
 };
 
@@ -103,7 +108,8 @@ private:
 void InputKind::addOption(CLI::App& app) {
     app.add_option("--input", name_,
                    "What a file holds: messages (cmap), bare records (record), or either as hex "
-                   "text (hex, hex-record)")
+                   "or base64 text (hex, hex-record). Recognised by its first bytes (auto) are "
+                   "those, such text in its usual forms, and gzip, xz and zstd data")
         ->check(CLI::IsMember(namesOf(kInputs)))
         ->capture_default_str();
     app.add_option("--max-reports", maxReports_,
@@ -113,20 +119,37 @@ void InputKind::addOption(CLI::App& app) {
 }
 
 InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Sink& sink) const {
-    const Input& input = rowOf(kInputs, name_);
     std::uint64_t faults = 0;
+    const auto isTold = [&] { return ++faults <= maxReports_ || maxReports_ == 0; };
+    std::vector<std::string> early; // found before it is said what the input is
+    bool said = false;
     const FaultHandler onFault = [&](const std::string& what) {
-        if (++faults <= maxReports_ || maxReports_ == 0)
-            sink.complaint(kDamaged, fmt::format("{}: {}", name, what));
+        if (!isTold())
+            return;
+        std::string line = fmt::format("{}: {}", name, what);
+        said ? sink.complaint(kDamaged, line) : early.push_back(std::move(line));
     };
-    std::optional<HexSource> hex;
-    if (input.hex)
-        hex.emplace(bytes, onFault);
-    Capture capture(input.framing, [&](const Damage& damage) { onFault(damage.str()); });
-    capture.open(hex ? static_cast<ByteSource&>(*hex) : bytes);
+    const auto say = [&](Status status, const std::string& what) {
+        if (!what.empty())
+            sink.complaint(status, fmt::format("{}: {}", name, what));
+        for (const std::string& line : early)
+            sink.complaint(kDamaged, line);
+        said = true;
+    };
+    const RecognisedInput input(bytes, rowOf(kInputs, name_).hints, onFault);
     bool more = true;
-    for (Message message; more && capture.next(message);)
-        more = sink.take(message);
+    if (!input.refusal().empty()) {
+        say(kFailed, input.failure() == 0 ? input.refusal() : "");
+    } else {
+        say(kFine, input.description().empty() ? "" : "recognised as " + input.description());
+        Capture capture(input.framing(), [&](const Damage& damage) {
+            if (isTold())
+                sink.onDamage(name, damage);
+        });
+        capture.open(input.bytes());
+        for (Message message; more && capture.next(message);)
+            more = sink.take(message);
+    }
     if (faults > maxReports_ && maxReports_ != 0)
         sink.complaint(kDamaged, fmt::format("{}: {} more faults", name, faults - maxReports_));
     return {more, faults};
@@ -152,7 +175,7 @@ std::uint64_t Inputs::read(Sink& sink) const {
             continue;
         }
         progress.open(name, file.size());
-        ShownSource bytes(file.descriptor(), progress);
+        ShownSource bytes(file.descriptor(), progress, sink);
         const InputKind::Result result = kind_.read(name, bytes, sink);
         more = result.more;
         faults += result.faults;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "capture/Capture.h"
+#include "tools/mpuevent/Choices.h"
 #include "tools/mpuevent/Output.h"
 
 #include <algorithm>
@@ -18,8 +19,13 @@ public:
     virtual ~Sink() = default;
     // Returns false when it wants no more.
     virtual bool take(const Message& message) = 0;
-    // What is wrong with an input at this place, and what it makes of the exit status.
+    // What is to be said of an input at this place, and what it makes of the exit status.
     virtual void complaint(Status status, const std::string& text) = 0;
+    virtual void onDamage(const std::string& input, const Damage& damage) {
+        complaint(kDamaged, input + ": " + damage.str());
+    }
+    // The input has nothing more for now: what it had is to be shown.
+    virtual void onIdle() {}
 };
 
 // Complains at once.
@@ -31,6 +37,7 @@ public:
         output_.flush();
         complain(text);
     }
+    void onIdle() override { output_.flush(); }
     // Of the inputs and of the output, which ends here.
     Status finish() { return std::max(status_, output_.finish()); }
 
@@ -55,7 +62,7 @@ public:
     Result read(const std::string& name, ByteSource& bytes, Sink& sink) const;
 
 private:
-    std::string name_ = "cmap";
+    std::string name_ = "auto";
     std::uint64_t maxReports_ = 20;
 };
 
@@ -79,22 +86,6 @@ inline void addOutput(CLI::App& app, std::string& file) {
     app.add_option("--output,-o", file, "Where to write; \"-\": standard output")
         ->type_name("FILE")
         ->capture_default_str();
-}
-
-// The names in a table of rows with a `name`.
-template <class Table>
-std::vector<std::string> namesOf(const Table& table) {
-    std::vector<std::string> names;
-    for (const auto& row : table)
-        names.emplace_back(row.name);
-    return names;
-}
-
-// The row of a name that is in the table.
-template <class Table>
-const auto& rowOf(const Table& table, std::string_view name) {
-    return *std::find_if(std::begin(table), std::end(table),
-                         [name](const auto& row) { return row.name == name; });
 }
 
 } // namespace Pegasus::tool

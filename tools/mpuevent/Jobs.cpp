@@ -64,11 +64,16 @@ void ParallelWriter::complaint(Status status, const std::string& text) {
 }
 
 Status ParallelWriter::finish() {
-    for (std::size_t i = 0; i < ring_.size(); ++i) // the last one, and all before it
-        submit();
+    submitAll();
     stop();
     printer_->end(output_.text());
     return std::max(status_, output_.finish());
+}
+
+// The last one, and all before it.
+void ParallelWriter::submitAll() {
+    for (std::size_t i = 0; i < ring_.size(); ++i)
+        submit();
 }
 
 // Gives the batch to the workers and takes over the oldest one.
@@ -98,7 +103,7 @@ void ParallelWriter::retire(Batch& batch) {
             more_ = output_.write(
                 batch.text.view().substr(0, batch.ends[static_cast<std::size_t>(events - 1)]));
         more_ = more_ && left_ != 0;
-        if (more_ && batch.status != kFine) {
+        if (more_ && !batch.complaint.empty()) {
             status_ = std::max(status_, batch.status);
             output_.flush();
             complain(batch.complaint);
@@ -108,6 +113,7 @@ void ParallelWriter::retire(Batch& batch) {
     batch.bytes.clear();
     batch.messages.clear();
     batch.status = kFine;
+    batch.complaint.clear();
     batch.text.clear();
     batch.ends.clear();
 }
@@ -142,10 +148,10 @@ void ParallelWriter::work() {
     }
 }
 
-void ParallelWriter::decode(Batch& batch, const Filter& filter, Printer& printer) const {
+void ParallelWriter::decode(Batch& batch, Filter& filter, Printer& printer) const {
     for (const Message& message : batch.messages) {
-        const std::unique_ptr<Avrel_Event> event = message.decode();
-        if (!filter.passes(*event))
+        const DecodedEvent* event = filter.decode(message);
+        if (!event)
             continue;
         printer.print(*event, batch.text);
         batch.ends.push_back(batch.text.view().size());

@@ -1,11 +1,8 @@
-// mpuevent report: a self-contained page.
-#include "formats/Printer.h"
-#include "formats/Utf8.h"
+// mpuevent report: a self-contained HTML page.
+#include "formats/ReportPage.h"
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Filter.h"
 #include "tools/mpuevent/Inputs.h"
-#include "tools/mpuevent/ReportPage.h"
-#include "tools/mpuevent/Statistics.h"
 
 namespace Pegasus::tool {
 
@@ -17,142 +14,28 @@ struct Options {
     std::string output = "-";
 };
 
-// Writes the events as they come. What is above them on the page needs all of them: it stands
-// behind them in the file, and the style sheet moves it.
 class PageWriter : public SerialSink {
 public:
     PageWriter(const FilterOptions& options, Output& output)
         : SerialSink(output), filter_(options), limit_(options.limit.value_or(UINT64_MAX)) {
-        output.text().put(kPageBegin);
+        page_.begin(output.text());
     }
 
     bool take(const Message& message) override {
-        if (const std::unique_ptr<Avrel_Event> event = filter_.decode(message)) {
-            statistics_.add(*event);
-            row(*event, output_.text());
-        }
-        return output_.proceed() && statistics_.events < limit_;
+        if (const DecodedEvent* event = filter_.decode(message))
+            page_.add(*event, output_.text());
+        return output_.proceed() && page_.events() < limit_;
     }
 
     Status finish(std::uint64_t faults) {
-        mpu::TextWriter& out = output_.text();
-        out.put(kPageMiddle);
-        facts(out, faults);
-        picture(out);
-        sources(out);
-        out.put(kPageEnd);
+        page_.end(faults, output_.text());
         return SerialSink::finish();
     }
 
 private:
-    void text(mpu::TextWriter& out, const String& value) {
-        utf8_.clear();
-        putUtf8(utf8_, value);
-        putXml(out, utf8_.view());
-    }
-
-    void row(Avrel_Event& event, mpu::TextWriter& out) {
-        out.put("<tr class=\"s").decimal(severityOf(std::as_const(event).getEventType()));
-        out.put("\"><td>").decimal(event.getSequenceID());
-        out.put("<td>").decimal(event.getTimestamp()).put("<td>");
-        text(out, event.getEventType());
-        text(out.put("<td>"), event.getSource());
-        text(out.put("<td><details><summary><b>"), event.getEventID());
-        text(out.put("</b> "), event.getSummary());
-        block_.clear();
-        printer_->print(event, block_);
-        std::string_view block = block_.view();
-        block.remove_suffix(block.size() - 1 - block.find_last_not_of('\n'));
-        putXml(out.put("</summary><pre>"), block);
-        out.put("</pre></details>\n");
-    }
-
-    void facts(mpu::TextWriter& out, std::uint64_t faults) {
-        out.put("<p>").decimal64(statistics_.events).put(" events");
-        if (statistics_.events != 0) {
-            out.put(", time ").decimal(statistics_.time.first);
-            out.put(" to ").decimal(statistics_.time.last);
-            out.put(", sequence ").decimal(statistics_.sequence.first);
-            out.put(" to ").decimal(statistics_.sequence.last);
-        }
-        out.put(faults == 0 ? ", no damage" : ", damage: ");
-        if (faults != 0)
-            out.decimal64(faults).put(faults == 1 ? " place" : " places");
-        out.put("</p>\n");
-    }
-
-    // Stacked bars over time, errors at the bottom.
-    void picture(mpu::TextWriter& out) {
-        constexpr std::size_t kBars = 96;
-        constexpr std::size_t kStep = 10;
-        constexpr std::uint64_t kHeight = 120;
-        if (statistics_.events == 0)
-            return;
-        const Span& time = statistics_.time;
-        const std::vector<SeverityCounts> pieces = statistics_.timeLine.pieces(kBars, time);
-        const auto sum = [](const SeverityCounts& counts) {
-            return counts[0] + counts[1] + counts[2] + counts[3];
-        };
-        std::uint64_t most = 1;
-        for (const SeverityCounts& counts : pieces)
-            most = std::max(most, sum(counts));
-        out.put("<svg role=\"img\" aria-label=\"Events over time, by severity\" "
-                "viewBox=\"0 -6 960 156\">\n");
-        const std::uint64_t length = std::uint64_t(time.last) - time.first + 1;
-        for (std::size_t i = 0; i < pieces.size(); ++i) {
-            if (sum(pieces[i]) == 0)
-                continue;
-            out.put("<g><title>from ");
-            out.decimal64(time.first + (i * length + kBars - 1) / kBars);
-            double y = kHeight + 10;
-            for (unsigned severity = 4; severity-- > 0;)
-                if (pieces[i][severity] != 0)
-                    out.put(fmt::format(", {} {}", pieces[i][severity], kSeverities[severity]));
-            out.put("</title>");
-            for (unsigned severity = 4; severity-- > 0;) {
-                if (pieces[i][severity] == 0)
-                    continue;
-                const double height =
-                    static_cast<double>(kHeight * pieces[i][severity]) / static_cast<double>(most);
-                y -= height;
-                out.put(fmt::format(
-                    R"(<rect class="s{}" x="{}" y="{:.2f}" width="{}" height="{:.2f}"/>)", severity,
-                    i * kStep, y, kStep - 1, height));
-            }
-            out.put("</g>\n");
-        }
-        out.put(fmt::format("<line x1=\"0\" y1=\"130\" x2=\"960\" y2=\"130\"/>"
-                            "<text x=\"0\" y=\"146\">{}</text>"
-                            "<text x=\"960\" y=\"146\" text-anchor=\"end\">{}</text>"
-                            "<text x=\"0\" y=\"5\">{} events</text></svg>\n",
-                            time.first, time.last, most));
-        out.put("<p class=\"legend\">");
-        for (unsigned severity = 4; severity-- > 0;)
-            if (statistics_.severities[severity] != 0)
-                out.put(fmt::format("<span class=\"s{}\">{} {}</span> ", severity,
-                                    kSeverities[severity], statistics_.severities[severity]));
-        out.put("</p>\n");
-    }
-
-    void sources(mpu::TextWriter& out) {
-        const auto all = statistics_.bySource();
-        out.put("<div id=\"sources\"><table><tr><th>Source<th>Events\n");
-        for (const auto& [source, count] : all) {
-            putXml(out.put("<tr><td>"), source);
-            out.put("<td>").decimal64(count).put("\n");
-        }
-        out.put(kFiltersBegin);
-        for (const auto& [source, count] : all)
-            putXml(out.put("<option>"), source);
-        out.put(kFiltersEnd);
-    }
-
-    const Filter filter_;
+    Filter filter_;
     const std::uint64_t limit_;
-    const std::unique_ptr<Printer> printer_ = makeTextPrinter({});
-    Statistics statistics_;
-    mpu::BodyWriter utf8_;
-    mpu::BodyWriter block_;
+    ReportPage page_;
 };
 
 Status report(const Options& options) {
@@ -161,9 +44,9 @@ Status report(const Options& options) {
     Output output;
     if (!output.open(options.output))
         return kFailed;
-    PageWriter page(options.filter, output);
-    const std::uint64_t faults = options.inputs.read(page);
-    return page.finish(faults);
+    PageWriter writer(options.filter, output);
+    const std::uint64_t faults = options.inputs.read(writer);
+    return writer.finish(faults);
 }
 
 } // namespace

@@ -1,14 +1,8 @@
 // mpuevent summary: what captures hold, counted.
-#include "formats/Columns.h"
-#include "formats/Severity.h"
-#include "formats/Utf8.h"
+#include "formats/Summary.h"
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Filter.h"
 #include "tools/mpuevent/Inputs.h"
-#include "tools/mpuevent/Statistics.h"
-
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
 
 namespace Pegasus::tool {
 
@@ -21,138 +15,12 @@ struct Options {
     std::string output = "-";
 };
 
-// Text for a person, padded to its column.
-void cell(mpu::TextWriter& out, std::string_view text, std::size_t width) {
-    putPrintable(out, text);
-    for (std::size_t i = text.size(); i < width; ++i)
-        out.put(" ");
-}
-
-void number(mpu::TextWriter& out, std::uint64_t value) {
-    out.put(fmt::format("{:>10}  ", value));
-}
-
-void writeText(const Statistics& all, std::uint64_t faults, Output& output) {
-    mpu::TextWriter& out = output.text();
-    const auto coloured = [&, colour = output.coloured()](unsigned severity, std::size_t width) {
-        out.put(colour ? kColours[severity] : "");
-        cell(out, kSeverities[severity], width);
-        out.put(colour ? kPlain : "");
-    };
-    out.put("Events: ").decimal64(all.events).put("\n");
-    if (all.events != 0) {
-        out.put("Time: ").decimal(all.time.first).put(" to ").decimal(all.time.last);
-        out.put("\nSequence: ").decimal(all.sequence.first).put(" to ").decimal(all.sequence.last);
-        out.put("\n");
-    }
-    out.put("Damage: ");
-    if (faults == 0)
-        out.put("none\n");
-    else
-        out.decimal64(faults).put(faults == 1 ? " place\n" : " places\n");
-    if (all.events == 0)
-        return;
-
-    out.put("\n     Count  Severity\n");
-    for (unsigned severity = 4; severity-- > 0;) {
-        if (all.severities[severity] == 0)
-            continue;
-        number(out, all.severities[severity]);
-        coloured(severity, 0);
-        out.put("\n");
-    }
-    out.put("\n     Count  Source\n");
-    for (const auto& [source, count] : all.bySource()) {
-        number(out, count);
-        cell(out, source, 0);
-        out.put("\n");
-    }
-    out.put("\n     Count  First time   Last time  Worst          Source       Title\n");
-    for (const Statistics::Title& title : all.byTitle()) {
-        number(out, title.count);
-        number(out, title.time.first);
-        number(out, title.time.last);
-        coloured(title.severity, 15);
-        cell(out, title.source, 13);
-        cell(out, title.text, 0);
-        out.put("\n");
-    }
-    if (all.otherTitles != 0) {
-        number(out, all.otherTitles);
-        out.put("with other titles\n");
-    }
-}
-
-void writeJson(const Statistics& all, std::uint64_t faults, Output& output) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::PrettyWriter<rapidjson::StringBuffer> json(buffer);
-    json.SetIndent(' ', 2);
-    const auto text = [&](std::string_view value) {
-        json.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
-    };
-    const auto span = [&](const char* first, const char* last, const Span& range, bool known) {
-        json.Key(first);
-        known ? json.Uint(range.first) : json.Null();
-        json.Key(last);
-        known ? json.Uint(range.last) : json.Null();
-    };
-    const auto count = [&](const char* name, std::uint64_t value) {
-        json.Key(name);
-        json.Uint64(value);
-    };
-    json.StartObject();
-    count("formatVersion", kFormatVersion);
-    count("events", all.events);
-    count("damagedPlaces", faults);
-    span("firstTimestamp", "lastTimestamp", all.time, all.events != 0);
-    span("firstSequenceID", "lastSequenceID", all.sequence, all.events != 0);
-    json.Key("severities");
-    json.StartObject();
-    for (unsigned severity = 4; severity-- > 0;)
-        count(kSeverities[severity].data(), all.severities[severity]);
-    json.EndObject();
-    json.Key("sources");
-    json.StartArray();
-    for (const auto& [source, events] : all.bySource()) {
-        json.StartObject();
-        json.Key("source");
-        text(source);
-        count("count", events);
-        json.EndObject();
-    }
-    json.EndArray();
-    json.Key("titles");
-    json.StartArray();
-    for (const Statistics::Title& title : all.byTitle()) {
-        json.StartObject();
-        json.Key("source");
-        text(title.source);
-        json.Key("eventID");
-        text(title.text);
-        json.Key("worstSeverity");
-        text(kSeverities[title.severity]);
-        count("count", title.count);
-        span("firstTimestamp", "lastTimestamp", title.time, true);
-        json.EndObject();
-    }
-    json.EndArray();
-    count("otherTitles", all.otherTitles);
-    json.EndObject();
-    output.text().put({buffer.GetString(), buffer.GetSize()}).put("\n");
-}
-
-struct SummaryFormat {
-    const char* name;
-    void (*write)(const Statistics& all, std::uint64_t faults, Output& output);
-};
-constexpr SummaryFormat kSummaryFormats[] = {{"text", writeText}, {"json", writeJson}};
-
 class Counter : public SerialSink {
 public:
     Counter(const FilterOptions& options, Output& output)
         : SerialSink(output), filter_(options), limit_(options.limit.value_or(UINT64_MAX)) {}
     bool take(const Message& message) override {
-        if (const std::unique_ptr<Avrel_Event> event = filter_.decode(message))
+        if (const DecodedEvent* event = filter_.decode(message))
             statistics.add(*event);
         return statistics.events < limit_;
     }
@@ -160,7 +28,7 @@ public:
     Statistics statistics;
 
 private:
-    const Filter filter_;
+    Filter filter_;
     const std::uint64_t limit_;
 };
 
@@ -172,7 +40,8 @@ Status summary(const Options& options) {
         return kFailed;
     Counter counter(options.filter, output);
     const std::uint64_t faults = options.inputs.read(counter);
-    rowOf(kSummaryFormats, options.format).write(counter.statistics, faults, output);
+    rowOf(kSummaryFormats, options.format)
+        .write(counter.statistics, faults, output.coloured(), output.text());
     return counter.finish();
 }
 
@@ -182,7 +51,7 @@ Runner addSummary(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     options->inputs.addOptions(app);
     options->filter.addOptions(app);
-    app.add_option("--format", options->format, "Tables (text) or a JSON object (json)")
+    app.add_option("--format", options->format, "Output format. " + descriptionsOf(kSummaryFormats))
         ->check(CLI::IsMember(namesOf(kSummaryFormats)))
         ->capture_default_str();
     addOutput(app, options->output);

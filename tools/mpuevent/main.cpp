@@ -1,7 +1,9 @@
 // mpuevent: reads captures of the controller's event log.
 #include "platform/trace/ProviderTraceServices.h"
+#include "tools/mpuevent/Choices.h"
 #include "tools/mpuevent/Command.h"
-#include "tools/mpuevent/Describe.h"
+#include "tools/mpuevent/Completions.h"
+#include "tools/mpuevent/ManPage.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -16,11 +18,19 @@ namespace {
 constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
     {"summary", "Count what captures hold", addSummary},
-    {"report", "Make a page of captures, for a browser", addReport},
+    {"report", "Write a self-contained HTML report", addReport},
     {"follow", "Decode a capture as it grows", addFollow},
     {"formats", "Print the record reference or the JSON Schema", addFormats},
     {"sample", "Write a demonstration capture", addSample},
 };
+
+// What is written in the source tree and installed: see scripts/renew.
+struct Description {
+    const char* name;
+    std::string (*make)(const CLI::App& app);
+};
+constexpr Description kDescriptions[] = {
+    {"man", manPage}, {"bash", bashCompletion}, {"zsh", zshCompletion}};
 
 constexpr char kExamples[] = R"(Examples:
   Which drive failed, and when?
@@ -36,8 +46,8 @@ constexpr char kExamples[] = R"(Examples:
     mpuevent report eventlog.cap --output report.html
   As it happens:
     mpuevent follow --severity warning --format brief eventlog.cap
-  A record that came by mail:
-    mpuevent decode --input hex mail.txt
+  A hex dump that came by mail:
+    mpuevent decode mail.txt
 
 Exit status: 0 all well, 1 some of the input was damaged, 2 wrong usage,
 3 could not read or write.)";
@@ -54,7 +64,9 @@ Status run(int argc, char** argv) {
     app.footer(kExamples);
     app.require_subcommand(0, 1);
     std::string described;
-    addDescribe(app, described);
+    app.add_option("--describe", described)
+        ->check(CLI::IsMember(namesOf(kDescriptions)))
+        ->group("");
     Runner runner;
     for (const Command& command : kCommands) {
         CLI::App* sub = app.add_subcommand(command.name, command.description);
@@ -71,9 +83,9 @@ Status run(int argc, char** argv) {
         return kUsage;
     }
     if (!described.empty())
-        return show(describe(app, described));
+        return show(rowOf(kDescriptions, described).make(app));
     if (!runner) {
-        complain("which command? \"mpuevent --help\" lists them");
+        complain("no command given; see mpuevent --help");
         return kUsage;
     }
     return runner();

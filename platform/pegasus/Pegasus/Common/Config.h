@@ -19,6 +19,7 @@
 #define PEGASUS_STD(X) std::X
 
 #define PEGASUS_EXPORT __attribute__((visibility("default")))
+#define PEGASUS_HIDDEN __attribute__((visibility("hidden")))
 #define PEGASUS_IMPORT __attribute__((visibility("default")))
 #define PEGASUS_COMMON_LINKAGE PEGASUS_EXPORT
 

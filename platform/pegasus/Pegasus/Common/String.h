@@ -201,7 +201,7 @@ private:
     static const Block emptyBlock;
 
     // A block for a text that block_ can't take: our own where that is large enough.
-    Block* allocate(Uint64 capacity);
+    PEGASUS_HIDDEN Block* allocate(Uint64 capacity);
     static void deallocate(Block* block);
 
     Block* own() { return reinterpret_cast<Block*>(own_); }
@@ -226,8 +226,8 @@ private:
         release(block_);
         block_ = block;
     }
-    void makeWritable(Uint32 capacity);
-    String& assignUtf8(const unsigned char* bytes, Uint32 n);
+    PEGASUS_HIDDEN void makeWritable(Uint32 capacity);
+    PEGASUS_HIDDEN String& assignUtf8(const unsigned char* bytes, Uint32 n);
 
     [[noreturn]] static void throwIndexOutOfBounds();
 

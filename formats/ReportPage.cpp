@@ -1,0 +1,125 @@
+#include "formats/ReportPage.h"
+
+#include "formats/ReportTemplate.h"
+#include "formats/Severity.h"
+#include "formats/Utf8.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace Pegasus::formats {
+
+void ReportPage::begin(mpu::TextWriter& out) {
+    out.put(kPageBegin);
+}
+
+void ReportPage::add(const DecodedEvent& event, mpu::TextWriter& out) {
+    statistics_.add(event);
+    out.put("<tr class=\"s").decimal(severityOf(event.eventType));
+    out.put("\"><td>").decimal(event.sequenceID);
+    out.put("<td>").decimal(event.timestamp);
+    putXml(out.put("<td>"), event.eventTypeText);
+    putXml(out.put("<td>"), event.source);
+    putXml(out.put("<td><details><summary><b>"), event.eventID);
+    putXml(out.put("</b> "), event.summary);
+    block_.clear();
+    printer_->print(event, block_);
+    std::string_view block = block_.view();
+    block.remove_suffix(block.size() - 1 - block.find_last_not_of('\n'));
+    putXml(out.put("</summary><pre>"), block);
+    out.put("</pre></details>\n");
+}
+
+void ReportPage::end(std::uint64_t faults, mpu::TextWriter& out) {
+    out.put(kPageMiddle);
+    facts(out, faults);
+    if (statistics_.events != 0) {
+        chart(out);
+        legend(out);
+    }
+    sources(out);
+    out.put(kPageEnd);
+}
+
+void ReportPage::facts(mpu::TextWriter& out, std::uint64_t faults) const {
+    out.put("<p>").decimal64(statistics_.events).put(" events");
+    if (statistics_.events != 0) {
+        out.put(", time ").decimal(statistics_.time.first);
+        out.put(" to ").decimal(statistics_.time.last);
+        out.put(", sequence ").decimal(statistics_.sequence.first);
+        out.put(" to ").decimal(statistics_.sequence.last);
+    }
+    out.put(faults == 0 ? ", no damage" : ", damage: ");
+    if (faults != 0)
+        out.decimal64(faults).put(faults == 1 ? " place" : " places");
+    out.put("</p>\n");
+}
+
+// Stacked bars over time, errors at the bottom.
+void ReportPage::chart(mpu::TextWriter& out) const {
+    constexpr std::size_t kBars = 96;
+    constexpr std::size_t kStep = 10;
+    constexpr std::uint64_t kHeight = 120;
+    const Range& time = statistics_.time;
+    const std::vector<SeverityCounts> buckets = statistics_.timeLine.buckets(kBars, time);
+    const auto sum = [](const SeverityCounts& counts) {
+        return counts[0] + counts[1] + counts[2] + counts[3];
+    };
+    std::uint64_t most = 1;
+    for (const SeverityCounts& counts : buckets)
+        most = std::max(most, sum(counts));
+    out.put("<svg role=\"img\" aria-label=\"Events over time, by severity\" "
+            "viewBox=\"0 -6 960 156\">\n");
+    const std::uint64_t length = std::uint64_t(time.last) - time.first + 1;
+    for (std::size_t i = 0; i < buckets.size(); ++i) {
+        if (sum(buckets[i]) == 0)
+            continue;
+        out.put("<g><title>from ");
+        out.decimal64(time.first + (i * length + kBars - 1) / kBars);
+        double y = kHeight + 10;
+        for (unsigned severity = 4; severity-- > 0;)
+            if (buckets[i][severity] != 0)
+                out.put(fmt::format(", {} {}", buckets[i][severity], kSeverities[severity]));
+        out.put("</title>");
+        for (unsigned severity = 4; severity-- > 0;) {
+            if (buckets[i][severity] == 0)
+                continue;
+            const double height =
+                static_cast<double>(kHeight * buckets[i][severity]) / static_cast<double>(most);
+            y -= height;
+            out.put(
+                fmt::format(R"(<rect class="s{}" x="{}" y="{:.2f}" width="{}" height="{:.2f}"/>)",
+                            severity, i * kStep, y, kStep - 1, height));
+        }
+        out.put("</g>\n");
+    }
+    out.put(fmt::format("<line x1=\"0\" y1=\"130\" x2=\"960\" y2=\"130\"/>"
+                        "<text x=\"0\" y=\"146\">{}</text>"
+                        "<text x=\"960\" y=\"146\" text-anchor=\"end\">{}</text>"
+                        "<text x=\"0\" y=\"5\">{} events</text></svg>\n",
+                        time.first, time.last, most));
+}
+
+void ReportPage::legend(mpu::TextWriter& out) const {
+    out.put("<p class=\"legend\">");
+    for (unsigned severity = 4; severity-- > 0;)
+        if (statistics_.severities[severity] != 0)
+            out.put(fmt::format("<span class=\"s{}\">{} {}</span> ", severity,
+                                kSeverities[severity], statistics_.severities[severity]));
+    out.put("</p>\n");
+}
+
+void ReportPage::sources(mpu::TextWriter& out) const {
+    const auto all = statistics_.bySource();
+    out.put("<div id=\"sources\"><table><tr><th>Source<th>Events\n");
+    for (const auto& [source, count] : all) {
+        putXml(out.put("<tr><td>"), source);
+        out.put("<td>").decimal64(count).put("\n");
+    }
+    out.put(kFiltersBegin);
+    for (const auto& [source, count] : all)
+        putXml(out.put("<option>"), source);
+    out.put(kFiltersEnd);
+}
+
+} // namespace Pegasus::formats

@@ -1,0 +1,65 @@
+// Counts over many events, in little memory however many there are.
+#pragma once
+
+#include "formats/DecodedEvent.h"
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Pegasus::formats {
+
+// The smallest and the largest of some numbers.
+struct Range {
+    std::uint32_t first = UINT32_MAX;
+    std::uint32_t last = 0;
+
+    void add(std::uint32_t value) {
+        first = value < first ? value : first;
+        last = value > last ? value : last;
+    }
+};
+
+using SeverityCounts = std::array<std::uint64_t, 4>; // by index of the severity
+
+// Events over time. Keeps at most 4096 moments; when there are more, they become coarser.
+class TimeLine {
+public:
+    void add(std::uint32_t time, unsigned severity);
+    // The time from first to last in `count` equal buckets.
+    std::vector<SeverityCounts> buckets(std::size_t count, const Range& time) const;
+
+private:
+    std::map<std::uint32_t, SeverityCounts> moments_; // by the time's upper bits
+    unsigned shift_ = 0;
+};
+
+struct Statistics {
+    struct Title {
+        std::string source;
+        std::string text;
+        unsigned severity; // of the worst one
+        std::uint64_t count;
+        Range time;
+    };
+
+    void add(const DecodedEvent& event);
+    // Sources and titles, the frequent ones first.
+    std::vector<std::pair<std::string, std::uint64_t>> bySource() const;
+    std::vector<Title> byTitle() const;
+
+    std::uint64_t events = 0;
+    Range time;
+    Range sequence;
+    SeverityCounts severities{};
+    std::uint64_t otherTitles = 0; // events whose titles came when there were too many
+    TimeLine timeLine;
+
+private:
+    std::map<std::string, std::uint64_t> sources_;
+    std::map<std::pair<std::string, std::string>, Title> titles_;
+};
+
+} // namespace Pegasus::formats

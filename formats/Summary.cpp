@@ -1,0 +1,137 @@
+#include "formats/Summary.h"
+
+#include "formats/Columns.h"
+#include "formats/Severity.h"
+#include "formats/Utf8.h"
+
+#include <fmt/format.h>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+
+namespace Pegasus::formats {
+
+namespace {
+
+// Text for a person, padded to its column.
+void cell(mpu::TextWriter& out, std::string_view text, std::size_t width) {
+    putPrintable(out, text);
+    for (std::size_t i = text.size(); i < width; ++i)
+        out.put(" ");
+}
+
+void number(mpu::TextWriter& out, std::uint64_t value) {
+    out.put(fmt::format("{:>10}  ", value));
+}
+
+} // namespace
+
+void writeTextSummary(const Statistics& all, std::uint64_t faults, bool colour,
+                      mpu::TextWriter& out) {
+    const auto coloured = [&](unsigned severity, std::size_t width) {
+        out.put(colour ? kColours[severity] : "");
+        cell(out, kSeverities[severity], width);
+        out.put(colour ? kPlain : "");
+    };
+    out.put("Events: ").decimal64(all.events).put("\n");
+    if (all.events != 0) {
+        out.put("Time: ").decimal(all.time.first).put(" to ").decimal(all.time.last);
+        out.put("\nSequence: ").decimal(all.sequence.first).put(" to ").decimal(all.sequence.last);
+        out.put("\n");
+    }
+    out.put("Damage: ");
+    if (faults == 0)
+        out.put("none\n");
+    else
+        out.decimal64(faults).put(faults == 1 ? " place\n" : " places\n");
+    if (all.events == 0)
+        return;
+
+    out.put("\n     Count  Severity\n");
+    for (unsigned severity = 4; severity-- > 0;) {
+        if (all.severities[severity] == 0)
+            continue;
+        number(out, all.severities[severity]);
+        coloured(severity, 0);
+        out.put("\n");
+    }
+    out.put("\n     Count  Source\n");
+    for (const auto& [source, count] : all.bySource()) {
+        number(out, count);
+        cell(out, source, 0);
+        out.put("\n");
+    }
+    out.put("\n     Count  First time   Last time  Worst          Source       Title\n");
+    for (const Statistics::Title& title : all.byTitle()) {
+        number(out, title.count);
+        number(out, title.time.first);
+        number(out, title.time.last);
+        coloured(title.severity, 15);
+        cell(out, title.source, 13);
+        cell(out, title.text, 0);
+        out.put("\n");
+    }
+    if (all.otherTitles != 0) {
+        number(out, all.otherTitles);
+        out.put("with other titles\n");
+    }
+}
+
+void writeJsonSummary(const Statistics& all, std::uint64_t faults, bool, mpu::TextWriter& out) {
+    rapidjson::StringBuffer buffer;
+    rapidjson::PrettyWriter<rapidjson::StringBuffer> json(buffer);
+    json.SetIndent(' ', 2);
+    const auto text = [&](std::string_view value) {
+        json.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+    };
+    const auto span = [&](const char* first, const char* last, const Range& range, bool known) {
+        json.Key(first);
+        known ? json.Uint(range.first) : json.Null();
+        json.Key(last);
+        known ? json.Uint(range.last) : json.Null();
+    };
+    const auto count = [&](const char* name, std::uint64_t value) {
+        json.Key(name);
+        json.Uint64(value);
+    };
+    json.StartObject();
+    count("formatVersion", kFormatVersion);
+    count("events", all.events);
+    count("damagedPlaces", faults);
+    span("firstTimestamp", "lastTimestamp", all.time, all.events != 0);
+    span("firstSequenceID", "lastSequenceID", all.sequence, all.events != 0);
+    json.Key("severities");
+    json.StartObject();
+    for (unsigned severity = 4; severity-- > 0;)
+        count(kSeverities[severity].data(), all.severities[severity]);
+    json.EndObject();
+    json.Key("sources");
+    json.StartArray();
+    for (const auto& [source, events] : all.bySource()) {
+        json.StartObject();
+        json.Key("source");
+        text(source);
+        count("count", events);
+        json.EndObject();
+    }
+    json.EndArray();
+    json.Key("titles");
+    json.StartArray();
+    for (const Statistics::Title& title : all.byTitle()) {
+        json.StartObject();
+        json.Key("source");
+        text(title.source);
+        json.Key("eventID");
+        text(title.text);
+        json.Key("worstSeverity");
+        text(kSeverities[title.severity]);
+        count("count", title.count);
+        span("firstTimestamp", "lastTimestamp", title.time, true);
+        json.EndObject();
+    }
+    json.EndArray();
+    count("otherTitles", all.otherTitles);
+    json.EndObject();
+    out.put({buffer.GetString(), buffer.GetSize()}).put("\n");
+}
+
+} // namespace Pegasus::formats

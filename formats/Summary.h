@@ -1,0 +1,26 @@
+// The counts of many events, for people and for programs.
+#pragma once
+
+#include "event/TextWriter.h"
+#include "formats/Statistics.h"
+
+namespace Pegasus::formats {
+
+struct SummaryFormat {
+    const char* name;
+    const char* description;
+    // `faults`: damaged places in what the events came from.
+    void (*write)(const Statistics& all, std::uint64_t faults, bool colour, mpu::TextWriter& out);
+};
+
+void writeTextSummary(const Statistics& all, std::uint64_t faults, bool colour,
+                      mpu::TextWriter& out);
+void writeJsonSummary(const Statistics& all, std::uint64_t faults, bool colour,
+                      mpu::TextWriter& out);
+
+inline constexpr SummaryFormat kSummaryFormats[] = {
+    {"text", "tables", writeTextSummary},
+    {"json", "a JSON object", writeJsonSummary},
+};
+
+} // namespace Pegasus::formats

@@ -1,0 +1,112 @@
+#include "tools/mpuevent/ManPage.h"
+
+#include "tools/mpuevent/CommandLine.h"
+
+#include <fmt/format.h>
+#include <utility>
+
+namespace Pegasus::tool {
+
+namespace {
+
+std::string upperCase(std::string text) {
+    for (char& c : text)
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    return text;
+}
+
+// One line of running text: nothing in it is a request or an escape.
+std::string roff(std::string_view text) {
+    std::string out = text.starts_with('.') || text.starts_with('\'') ? "\\&" : "";
+    for (const char c : text)
+        out.append(c == '\\' ? "\\e" : c == '-' ? "\\-" : std::string(1, c));
+    return out;
+}
+
+void manArguments(std::string& page, const CLI::App& app) {
+    for (const Argument& argument : argumentsOf(app)) {
+        page += ".TP\n";
+        Texts names;
+        for (const std::string& name : argument.names)
+            names.push_back("\\fB" + roff(name) + "\\fR");
+        page += joined(names, ", ");
+        if (argument.takesValue) {
+            page += argument.positional() ? "" : " ";
+            page += argument.choices.empty() ? "\\fI" + roff(argument.type) + "\\fR"
+                                             : roff(joined(argument.choices, "|"));
+        }
+        page += "\n" + roff(argument.description);
+        if (argument.takesValue && !argument.defaultValue.empty())
+            page += " (default: " + roff(argument.defaultValue) + ")";
+        page += "\n";
+    }
+}
+
+// The paragraphs below the help, each "Heading: text" or "Heading:" and indented lines.
+void manFooter(std::string& page, const std::string& footer) {
+    bool heading = true;
+    bool literal = false;
+    for (std::string line : CLI::detail::split(footer, '\n')) {
+        const std::size_t colon = line.find(':');
+        if (line.empty()) {
+            heading = true;
+            continue;
+        }
+        if (heading && colon != std::string::npos) {
+            page += std::exchange(literal, false) ? ".fi\n.SH " : ".SH ";
+            page += upperCase(line.substr(0, colon)) + "\n";
+            line.erase(0, line.find_first_not_of(' ', colon + 1));
+        }
+        heading = false;
+        if (line.starts_with("  ") && !std::exchange(literal, true))
+            page += ".nf\n";
+        if (!line.empty())
+            page += roff(line) + "\n";
+    }
+    if (literal)
+        page += ".fi\n";
+}
+
+} // namespace
+
+std::string manPage(const CLI::App& app) {
+    std::string page = fmt::format(".TH MPUEVENT 1 \"\" \"{}\" \"User Commands\"\n", app.version());
+    page += ".SH NAME\nmpuevent \\- decode the event log of a storage controller\n"
+            ".SH SYNOPSIS\n";
+    const std::vector<const CLI::App*> commands = commandsOf(app);
+    for (const CLI::App* command : commands) {
+        page += ".B mpuevent " + command->get_name() + "\n[\\fIOPTION\\fR]...";
+        for (const Argument& argument : argumentsOf(*command))
+            if (argument.positional())
+                page += " [\\fI" + argument.type + "\\fR]" + (argument.repeats ? "..." : "");
+        page += "\n.br\n";
+    }
+    page +=
+        ".SH DESCRIPTION\n" + roff(app.get_description()) +
+        "\nA capture holds the controller's messages, or their bare records. What a file is, is\n"
+        "recognised by its first bytes: messages or records as they are, also inside other bytes\n"
+        "such as a pcap file or a disk image; as text (xxd, hexdump, od \\-tx1, tcpdump \\-X or\n"
+        "\\-xx, C arrays, plain hexadecimal digits, base64), which may be quoted with \"> \" or "
+        "have\n"
+        "other text around it; and gzip, xz or zstd data of any of that. What is not a plain\n"
+        "capture is named on standard error.\n";
+    page += ".SH COMMANDS\n";
+    for (const CLI::App* command : commands) {
+        page +=
+            ".SS mpuevent " + command->get_name() + "\n" + roff(command->get_description()) + ".\n";
+        manArguments(page, *command);
+        if (command->get_footer() != app.get_footer()) { // which it has by default
+            page += ".PP\n.nf\n";
+            for (const std::string& line : CLI::detail::split(command->get_footer(), '\n'))
+                page += roff(line) + "\n";
+            page += ".fi\n";
+        }
+    }
+    page += ".SH OPTIONS\n";
+    manArguments(page, app);
+    manFooter(page, app.get_footer());
+    page += ".SH SEE ALSO\n.BR libMPUEvent (3)\n";
+    return page;
+}
+
+} // namespace Pegasus::tool

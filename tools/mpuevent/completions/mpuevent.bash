@@ -1,0 +1,119 @@
+# bash completion for mpuevent
+_mpuevent_words() { mapfile -t COMPREPLY < <(compgen -W "$1" -- "$cur"); }
+_mpuevent_files() {
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "$cur")
+}
+_mpuevent() {
+    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]} command='' word
+    COMPREPLY=()
+    [[ $prev == '=' ]] && prev=${COMP_WORDS[COMP_CWORD - 2]}
+    [[ $cur == '=' ]] && cur=''
+    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+        case $word in
+        decode | summary | report | follow | formats | sample) command=$word && break ;;
+        esac
+    done
+    case $command/$prev in
+    decode/--input) _mpuevent_words 'cmap record hex hex-record'; return ;;
+    decode/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
+    decode/--source) true; return ;;
+    decode/--not-source) true; return ;;
+    decode/--category) true; return ;;
+    decode/--not-category) true; return ;;
+    decode/--severity) true; return ;;
+    decode/--not-severity) true; return ;;
+    decode/--since) true; return ;;
+    decode/--not-since) true; return ;;
+    decode/--until) true; return ;;
+    decode/--not-until) true; return ;;
+    decode/--event-id) true; return ;;
+    decode/--not-event-id) true; return ;;
+    decode/--grep) true; return ;;
+    decode/--not-grep) true; return ;;
+    decode/--limit) true; return ;;
+    decode/-o) _mpuevent_files; return ;;
+    decode/--output) _mpuevent_files; return ;;
+    decode/-j) true; return ;;
+    decode/--jobs) true; return ;;
+    summary/--input) _mpuevent_words 'cmap record hex hex-record'; return ;;
+    summary/--source) true; return ;;
+    summary/--not-source) true; return ;;
+    summary/--category) true; return ;;
+    summary/--not-category) true; return ;;
+    summary/--severity) true; return ;;
+    summary/--not-severity) true; return ;;
+    summary/--since) true; return ;;
+    summary/--not-since) true; return ;;
+    summary/--until) true; return ;;
+    summary/--not-until) true; return ;;
+    summary/--event-id) true; return ;;
+    summary/--not-event-id) true; return ;;
+    summary/--grep) true; return ;;
+    summary/--not-grep) true; return ;;
+    summary/--limit) true; return ;;
+    summary/--format) _mpuevent_words 'text json'; return ;;
+    summary/-o) _mpuevent_files; return ;;
+    summary/--output) _mpuevent_files; return ;;
+    report/--input) _mpuevent_words 'cmap record hex hex-record'; return ;;
+    report/--source) true; return ;;
+    report/--not-source) true; return ;;
+    report/--category) true; return ;;
+    report/--not-category) true; return ;;
+    report/--severity) true; return ;;
+    report/--not-severity) true; return ;;
+    report/--since) true; return ;;
+    report/--not-since) true; return ;;
+    report/--until) true; return ;;
+    report/--not-until) true; return ;;
+    report/--event-id) true; return ;;
+    report/--not-event-id) true; return ;;
+    report/--grep) true; return ;;
+    report/--not-grep) true; return ;;
+    report/--limit) true; return ;;
+    report/-o) _mpuevent_files; return ;;
+    report/--output) _mpuevent_files; return ;;
+    follow/--input) _mpuevent_words 'cmap record hex hex-record'; return ;;
+    follow/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
+    follow/--source) true; return ;;
+    follow/--not-source) true; return ;;
+    follow/--category) true; return ;;
+    follow/--not-category) true; return ;;
+    follow/--severity) true; return ;;
+    follow/--not-severity) true; return ;;
+    follow/--since) true; return ;;
+    follow/--not-since) true; return ;;
+    follow/--until) true; return ;;
+    follow/--not-until) true; return ;;
+    follow/--event-id) true; return ;;
+    follow/--not-event-id) true; return ;;
+    follow/--grep) true; return ;;
+    follow/--not-grep) true; return ;;
+    follow/--limit) true; return ;;
+    formats/--module) _mpuevent_words 'IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event'; return ;;
+    formats/--code) true; return ;;
+    formats/--format) _mpuevent_words 'text markdown json-schema'; return ;;
+    sample/--module) _mpuevent_words 'IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event'; return ;;
+    sample/--count) true; return ;;
+    sample/--seed) true; return ;;
+    sample/-o) _mpuevent_files; return ;;
+    sample/--output) _mpuevent_files; return ;;
+    esac
+    case $command/$cur in
+    /-*) _mpuevent_words '-h --help --version' ;;
+    /*) _mpuevent_words 'decode summary report follow formats sample' ;;
+    decode/-*) _mpuevent_words '-h --help --input --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output -j --jobs' ;;
+    decode/*) _mpuevent_files ;;
+    summary/-*) _mpuevent_words '-h --help --input --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit --format -o --output' ;;
+    summary/*) _mpuevent_files ;;
+    report/-*) _mpuevent_words '-h --help --input --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output' ;;
+    report/*) _mpuevent_files ;;
+    follow/-*) _mpuevent_words '-h --help --input --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
+    follow/*) _mpuevent_files ;;
+    formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
+    formats/*) true ;;
+    sample/-*) _mpuevent_words '-h --help --module --count --seed -o --output' ;;
+    sample/*) true ;;
+    esac
+}
+complete -F _mpuevent mpuevent

@@ -37,7 +37,7 @@ inline constexpr EventTable kEvents{.rows = kEventRows, .minor = u16(150)};
 static_assert(accepted<kEvents>);
 
 inline constexpr const EventTable* kTables[] = {&kEvents};
-inline constexpr Module kModule{26, "ESM_Event", {}, {}, {}, kTables};
+inline constexpr Module kModule{26, "ESM_Event", {}, kTables};
 
 } // namespace Pegasus::mpu::esm
 

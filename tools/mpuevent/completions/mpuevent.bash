@@ -15,7 +15,7 @@ _mpuevent() {
         esac
     done
     case $command/$prev in
-    decode/--input) _mpuevent_words 'cmap record hex hex-record'; return ;;
+    decode/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
     decode/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
     decode/--source) true; return ;;
     decode/--not-source) true; return ;;
@@ -36,7 +36,7 @@ _mpuevent() {
     decode/--output) _mpuevent_files; return ;;
     decode/-j) true; return ;;
     decode/--jobs) true; return ;;
-    summary/--input) _mpuevent_words 'cmap record hex hex-record'; return ;;
+    summary/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
     summary/--source) true; return ;;
     summary/--not-source) true; return ;;
     summary/--category) true; return ;;
@@ -55,7 +55,7 @@ _mpuevent() {
     summary/--format) _mpuevent_words 'text json'; return ;;
     summary/-o) _mpuevent_files; return ;;
     summary/--output) _mpuevent_files; return ;;
-    report/--input) _mpuevent_words 'cmap record hex hex-record'; return ;;
+    report/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
     report/--source) true; return ;;
     report/--not-source) true; return ;;
     report/--category) true; return ;;
@@ -73,7 +73,7 @@ _mpuevent() {
     report/--limit) true; return ;;
     report/-o) _mpuevent_files; return ;;
     report/--output) _mpuevent_files; return ;;
-    follow/--input) _mpuevent_words 'cmap record hex hex-record'; return ;;
+    follow/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
     follow/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
     follow/--source) true; return ;;
     follow/--not-source) true; return ;;

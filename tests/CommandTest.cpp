@@ -176,6 +176,18 @@ TEST_F(CommandTest, ClosedPipeIsNoFailure) {
     EXPECT_EQ(read("err"), "");
 }
 
+// What came through a pipe is shown while that is quiet.
+TEST_F(CommandTest, AQuietPipe) {
+    write("message", message(1));
+    for (const std::string jobs : {"1", "3"})
+        EXPECT_EQ(
+            shell("rm -f out; { cat message; n=0; until [ -s out ]; do sleep 0.05; n=$((n+1)); "
+                  "[ $n -lt 100 ] || { touch late; break; }; done; } | { $mpuevent decode --format "
+                  "line --jobs " +
+                  jobs + " >out; }; test ! -e late && test $(wc -l <out) = 1"),
+            0);
+}
+
 TEST_F(CommandTest, TraceGoesToStandardError) {
     const auto all = RecordBuilder(77, 1).message();
     write("input", {all.begin(), all.end()});

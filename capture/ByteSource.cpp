@@ -23,6 +23,11 @@ std::size_t FileSource::read(std::uint8_t* to, std::size_t room) {
     }
 }
 
+bool FileSource::ready() {
+    pollfd input{descriptor_, POLLIN, 0};
+    return ::poll(&input, 1, 0) != 0; // a failure shows when it is read
+}
+
 std::size_t MemorySource::read(std::uint8_t* to, std::size_t room) {
     const std::size_t count = std::min(room, left_);
     if (count != 0)

@@ -11,7 +11,7 @@
 namespace Pegasus::capture {
 
 // Takes what is wrong with an input: its place, a colon and the fault.
-using Report = std::function<void(const std::string&)>;
+using FaultHandler = std::function<void(const std::string&)>;
 
 class ByteSource {
 public:
@@ -19,6 +19,8 @@ public:
     // Reads up to `room` bytes, as many as there are without waiting for more; 0 at the end and
     // after a failure.
     virtual std::size_t read(std::uint8_t* to, std::size_t room) = 0;
+    // Whether reading returns at once. Who reads has time for other things before, if not.
+    virtual bool ready() { return true; }
     // The errno of the failure that ended the reading, or 0.
     virtual int failure() const { return 0; }
     // Whether there may be more than was read so far, although nothing is there now.
@@ -30,6 +32,7 @@ class FileSource : public ByteSource {
 public:
     explicit FileSource(int descriptor) : descriptor_(descriptor) {}
     std::size_t read(std::uint8_t* to, std::size_t room) override;
+    bool ready() override;
     int failure() const override { return failure_; }
 
 private:
@@ -62,6 +65,7 @@ public:
     // Passes over as many bytes, which have been looked at.
     void skip(std::size_t count) { taken_ += count; }
     std::size_t read(std::uint8_t* to, std::size_t room) override;
+    bool ready() override { return taken_ != size_ || source_.ready(); }
     int failure() const override { return source_.failure(); }
     bool growing() const override { return source_.growing(); }
 

@@ -25,7 +25,8 @@ static_assert(kMaxMemory == std::uint64_t{1} << 27); // zstd's default limit, to
 // What the libraries have in common: feed them what is there, hand on what comes out.
 class Unpacker : public ByteSource {
 public:
-    Unpacker(ByteSource& packed, Report report) : packed_(packed), report_(std::move(report)) {}
+    Unpacker(ByteSource& packed, FaultHandler report)
+        : packed_(packed), report_(std::move(report)) {}
 
     std::size_t read(std::uint8_t* to, std::size_t room) override {
         while (!over_ && room != 0) {
@@ -53,6 +54,7 @@ public:
         }
         return 0;
     }
+    bool ready() override { return packed_.ready(); }
     int failure() const override { return packed_.failure(); }
     bool growing() const override { return packed_.growing(); }
 
@@ -74,7 +76,7 @@ protected:
 
 private:
     ByteSource& packed_;
-    Report report_;
+    FaultHandler report_;
     std::vector<std::uint8_t> buffer_ = std::vector<std::uint8_t>(std::size_t{64} * 1024);
     std::size_t size_ = 0;
     std::size_t taken_ = 0;
@@ -87,7 +89,7 @@ private:
 // Members one after another, as gzip(1) takes them; zeros may follow the last one.
 class GzipSource : public Unpacker {
 public:
-    GzipSource(ByteSource& packed, Report report) : Unpacker(packed, std::move(report)) {
+    GzipSource(ByteSource& packed, FaultHandler report) : Unpacker(packed, std::move(report)) {
         if (inflateInit2(&stream_, 15 + 16) != Z_OK)
             throw std::bad_alloc();
     }
@@ -130,7 +132,7 @@ private:
 #ifdef MPUEVENT_XZ
 class XzSource : public Unpacker {
 public:
-    XzSource(ByteSource& packed, Report report) : Unpacker(packed, std::move(report)) {
+    XzSource(ByteSource& packed, FaultHandler report) : Unpacker(packed, std::move(report)) {
         if (lzma_stream_decoder(&stream_, kMaxMemory + (std::uint64_t{1} << 20),
                                 LZMA_CONCATENATED) != LZMA_OK)
             throw std::bad_alloc();
@@ -181,7 +183,7 @@ private:
 #ifdef MPUEVENT_ZSTD
 class ZstdSource : public Unpacker {
 public:
-    ZstdSource(ByteSource& packed, Report report)
+    ZstdSource(ByteSource& packed, FaultHandler report)
         : Unpacker(packed, std::move(report)), stream_(ZSTD_createDStream()) {
         if (!stream_)
             throw std::bad_alloc();
@@ -222,7 +224,7 @@ private:
 } // namespace
 
 std::unique_ptr<ByteSource> unpack(Compression compression, [[maybe_unused]] ByteSource& packed,
-                                   [[maybe_unused]] Report report) {
+                                   [[maybe_unused]] FaultHandler report) {
     switch (compression) {
     case Compression::Gzip:
 #ifdef MPUEVENT_GZIP

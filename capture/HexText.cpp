@@ -164,7 +164,7 @@ std::size_t separable(std::string_view text) {
 
 } // namespace
 
-TextSource::TextSource(ByteSource& text, Report report, TextForm form, std::uint64_t line)
+TextSource::TextSource(ByteSource& text, FaultHandler report, TextForm form, std::uint64_t line)
     : text_(text), report_(std::move(report)), form_(form), buffer_(kText), line_(line) {}
 
 std::size_t TextSource::read(std::uint8_t* to, std::size_t room) {

@@ -34,8 +34,9 @@ struct TextForm {
 class TextSource : public ByteSource {
 public:
     // The text begins in this line.
-    TextSource(ByteSource& text, Report report, TextForm form = {}, std::uint64_t line = 1);
+    TextSource(ByteSource& text, FaultHandler report, TextForm form = {}, std::uint64_t line = 1);
     std::size_t read(std::uint8_t* to, std::size_t room) override;
+    bool ready() override { return handedOut_ != size_ || text_.ready(); }
     int failure() const override { return text_.failure(); }
     bool growing() const override { return text_.growing(); }
 
@@ -57,7 +58,7 @@ private:
     void filled(const std::uint8_t* end) { size_ = static_cast<std::size_t>(end - bytes_.data()); }
 
     ByteSource& text_;
-    Report report_;
+    FaultHandler report_;
     const TextForm form_;
 
     std::vector<char> buffer_; // of the text

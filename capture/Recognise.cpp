@@ -241,7 +241,7 @@ Layer LayerRecogniser::look(Bytes bytes, bool whole) {
 
 } // namespace
 
-RecognisedInput::RecognisedInput(ByteSource& input, InputHints hints, const Report& report)
+RecognisedInput::RecognisedInput(ByteSource& input, InputHints hints, const FaultHandler& report)
     : bytes_(&input) {
     const auto put = [&](std::unique_ptr<ByteSource> source) {
         bytes_ = source.get();

@@ -24,7 +24,7 @@ struct InputHints {
 class RecognisedInput {
 public:
     // The input stays the caller's.
-    RecognisedInput(ByteSource& input, InputHints hints, const Report& report);
+    RecognisedInput(ByteSource& input, InputHints hints, const FaultHandler& report);
 
     // Why it can't be read; empty when it can.
     const std::string& refusal() const { return refusal_; }

@@ -35,6 +35,8 @@ private:
     int failed_ = 0;
 };
 
+constexpr std::size_t kClaim = offsetof(EmpEvLogMsg_s, evStructLength);
+
 struct Found {
     struct Place {
         std::uint64_t offset;
@@ -43,15 +45,19 @@ struct Found {
     };
     std::vector<Place> messages;
     std::vector<std::string> reports;
+    std::uint64_t passedOver = 0;
     bool operator==(const Found&) const = default;
 };
 
 Found read(Bytes capture, Framing framing, bool hex, std::size_t drop, int failure) {
     Found found;
-    const Report report = [&](const std::string& what) { found.reports.push_back(what); };
+    const FaultHandler onFault = [&](const std::string& what) { found.reports.push_back(what); };
     Drops drops(capture, drop, failure);
-    TextSource text(drops, report);
-    Capture reader(framing, report);
+    TextSource text(drops, onFault);
+    Capture reader(framing, [&](const Damage& damage) {
+        found.reports.push_back(damage.str());
+        found.passedOver += damage.passedOver;
+    });
     reader.open(hex ? static_cast<ByteSource&>(text) : drops);
     for (Message message; reader.next(message);) {
         const std::size_t header = framing == Framing::Message ? mpu::message_header::kSize : 0;
@@ -62,12 +68,15 @@ Found read(Bytes capture, Framing framing, bool hex, std::size_t drop, int failu
         require(found.messages.empty() || message.offset > found.messages.back().offset,
                 "messages come in order");
         if (!hex) {
-            const std::uint64_t end = message.offset + header + message.record.size();
-            require(end <= capture.size() &&
-                        std::equal(message.record.begin(), message.record.end(),
-                                   capture.begin() +
-                                       static_cast<std::ptrdiff_t>(message.offset + header)),
-                    "a message is a part of the capture");
+            require(message.offset + header + message.record.size() <= capture.size(),
+                    "a message is inside the capture");
+            const Bytes record = capture.subspan(message.offset + header, message.record.size());
+            for (std::size_t i = 0; i < record.size(); ++i)
+                require(message.record[i] == record[i] || i / 2 == kClaim / 2,
+                        "a message is a part of the capture, but for what it claims to carry");
+            require(header == 0 || mpu::loadBig<std::uint16_t>(&message.record[kClaim]) <=
+                                       record.size() - sizeof(EmpEvLogMsg_s),
+                    "a message carries what it claims");
         }
         if (found.messages.size() < 4)
             require(message.decode() != nullptr, "a message gives an event");
@@ -99,13 +108,12 @@ void capture(Bytes bytes) {
     if (hex || failure != 0)
         return;
     std::uint64_t end = 0;
-    std::size_t gaps = 0;
+    std::uint64_t gaps = 0;
     for (const Found::Place& message : found.messages) {
-        gaps += message.offset > end; // one may have swallowed the beginning of the next
-        end = std::max(end, message.offset + message.size);
+        gaps += message.offset - std::min(end, message.offset);
+        end = message.offset + message.size;
     }
-    gaps += end != all.size();
-    require(found.reports.size() >= gaps, "what is passed over is reported");
+    require(found.passedOver == gaps + all.size() - end, "what is passed over is reported");
 }
 
 } // namespace

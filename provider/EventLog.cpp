@@ -13,8 +13,8 @@ bool reaches(const Entry& entry, unsigned severity) {
 
 } // namespace
 
-EventLog::EventLog(const Settings& settings, capture::Report report)
-    : settings_(settings), report_(std::move(report)),
+EventLog::EventLog(const Settings& settings, capture::FaultHandler onFault)
+    : settings_(settings), onFault_(std::move(onFault)),
       ring_(settings_.maxEvents, settings_.maxBytes),
       spool_(settings_.spool, settings_.framing, [this](const std::string& what) { fault(what); }) {
 }
@@ -75,7 +75,7 @@ void EventLog::fault(const std::string& what) {
         ++state_.faults;
         state_.lastFault = what;
     }
-    report_(what);
+    onFault_(what);
 }
 
 } // namespace Pegasus::provider

@@ -14,7 +14,7 @@ namespace Pegasus::provider {
 class EventLog {
 public:
     // Faults are reported from whatever thread finds them.
-    EventLog(const Settings& settings, capture::Report report);
+    EventLog(const Settings& settings, capture::FaultHandler onFault);
     ~EventLog();
     EventLog(const EventLog&) = delete;
     EventLog& operator=(const EventLog&) = delete;
@@ -39,7 +39,7 @@ private:
     void fault(const std::string& what);
 
     const Settings settings_;
-    const capture::Report report_;
+    const capture::FaultHandler onFault_;
     EventRing ring_;
     Spool spool_;
     bool first_ = true;

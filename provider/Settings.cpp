@@ -103,7 +103,7 @@ std::string take(Settings& settings, std::string_view line) {
 
 } // namespace
 
-Settings readSettings(std::istream& in, const capture::Report& report) {
+Settings readSettings(std::istream& in, const capture::FaultHandler& report) {
     Settings settings;
     std::string line;
     for (unsigned number = 1; std::getline(in, line); ++number) {

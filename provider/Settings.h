@@ -31,6 +31,6 @@ struct Settings {
 
 // Settings that are missing keep their defaults, and so do wrong ones, which are reported as
 // "line n: ...".
-Settings readSettings(std::istream& in, const capture::Report& report);
+Settings readSettings(std::istream& in, const capture::FaultHandler& report);
 
 } // namespace Pegasus::provider

@@ -26,11 +26,12 @@ bool olderThan(const struct stat& a, const struct stat& b) {
 
 } // namespace
 
-Spool::Spool(std::string path, capture::Framing framing, capture::Report report)
-    : path_(std::move(path)), report_(std::move(report)),
-      capture_(framing, [this](const std::string& what) { say(*current_ + ": " + what); }) {}
+Spool::Spool(std::string path, capture::Framing framing, capture::FaultHandler onFault)
+    : path_(std::move(path)), onFault_(std::move(onFault)),
+      capture_(framing,
+               [this](const capture::Damage& damage) { log(*current_ + ": " + damage.str()); }) {}
 
-void Spool::poll(const Each& each) {
+void Spool::poll(const Visitor& visitor) {
     reports_ = 0;
     std::vector<Found> found;
     const bool listed = list(found);
@@ -39,26 +40,31 @@ void Spool::poll(const Each& each) {
     for (File& file : files_) {
         current_ = &file.path;
         const int error = file.file->poll(
-            capture_, [&](const capture::Message& message) { each(message.record); }, !file.there);
+            capture_,
+            [&](const capture::Message& message) {
+                visitor(message.record);
+                return true;
+            },
+            !file.there);
         if (error != 0)
-            say(fmt::format("{}: {}", file.path, std::strerror(error)));
+            log(fmt::format("{}: {}", file.path, std::strerror(error)));
     }
     std::erase_if(files_, [](const File& file) { return !file.there; });
     if (reports_ > kMaxReports)
-        report_(fmt::format("{}: {} more faults", path_, reports_ - kMaxReports));
+        onFault_(fmt::format("{}: {} more faults", path_, reports_ - kMaxReports));
 }
 
 // The regular files, oldest first. False, and said once, when the spool can't be looked at: what is
 // open is read on then.
 bool Spool::list(std::vector<Found>& found) {
-    std::string trouble;
+    std::string error;
     struct stat status;
     if (::stat(path_.c_str(), &status) != 0) {
-        trouble = std::strerror(errno);
+        error = std::strerror(errno);
     } else if (S_ISREG(status.st_mode)) {
         found.push_back({path_, status});
     } else if (DIR* directory = ::opendir(path_.c_str()); directory == nullptr) {
-        trouble = std::strerror(errno);
+        error = std::strerror(errno);
     } else {
         while (const dirent* entry = ::readdir(directory)) { // NOLINT(concurrency-mt-unsafe)
             if (!isCapture(entry->d_name))
@@ -73,14 +79,14 @@ bool Spool::list(std::vector<Found>& found) {
                    (!olderThan(b.status, a.status) && a.path < b.path);
         });
         if (found.size() > kMaxFiles) {
-            trouble = fmt::format("more than {} files, the oldest are passed over", kMaxFiles);
+            error = fmt::format("more than {} files, the oldest are passed over", kMaxFiles);
             found.erase(found.begin(), found.end() - kMaxFiles);
         }
     }
-    if (trouble != trouble_ && !trouble.empty())
-        say(fmt::format("{}: {}", path_, trouble));
-    trouble_ = trouble;
-    return !found.empty() || trouble.empty();
+    if (error != lastError_ && !error.empty())
+        log(fmt::format("{}: {}", path_, error));
+    lastError_ = error;
+    return !found.empty() || error.empty();
 }
 
 void Spool::update(const std::vector<Found>& found) {
@@ -97,15 +103,15 @@ void Spool::update(const std::vector<Found>& found) {
         }
         const int descriptor = ::open(now.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
         if (descriptor >= 0)
-            files_.push_back({now.path, std::make_unique<capture::GrowingFile>(descriptor)});
+            files_.push_back({now.path, std::make_unique<capture::Tail>(descriptor)});
         else if (errno != ENOENT)
-            say(fmt::format("{}: {}", now.path, std::strerror(errno)));
+            log(fmt::format("{}: {}", now.path, std::strerror(errno)));
     }
 }
 
-void Spool::say(const std::string& what) {
+void Spool::log(const std::string& what) {
     if (++reports_ <= kMaxReports)
-        report_(what);
+        onFault_(what);
 }
 
 } // namespace Pegasus::provider

@@ -1,7 +1,7 @@
 // Where the captures lie that the provider reads: a file, or a directory of files.
 #pragma once
 
-#include "capture/Growing.h"
+#include "capture/Tail.h"
 
 #include <string>
 #include <vector>
@@ -13,12 +13,12 @@ namespace Pegasus::provider {
 // that begin with "." and compressed files are passed over.
 class Spool {
 public:
-    Spool(std::string path, capture::Framing framing, capture::Report report);
+    Spool(std::string path, capture::Framing framing, capture::FaultHandler onFault);
 
-    using Each = std::function<void(std::span<const std::uint8_t> record)>;
+    using Visitor = std::function<void(std::span<const std::uint8_t> record)>;
     // Hands over the records that came since the last call; those of files seen first now in the
     // order in which the files were written last. Each byte is read once.
-    void poll(const Each& each);
+    void poll(const Visitor& visitor);
 
 private:
     static constexpr std::size_t kMaxFiles = 256; // open at a time; the newest
@@ -30,18 +30,18 @@ private:
     };
     struct File {
         std::string path; // when seen last
-        std::unique_ptr<capture::GrowingFile> file;
+        std::unique_ptr<capture::Tail> file;
         bool there = true;
     };
 
     bool list(std::vector<Found>& found);
     void update(const std::vector<Found>& found);
-    void say(const std::string& what);
+    void log(const std::string& what);
 
     const std::string path_;
-    capture::Report report_;
+    capture::FaultHandler onFault_;
     unsigned reports_ = 0;
-    std::string trouble_;                  // with the spool itself, as reported
+    std::string lastError_;                // with the spool itself, as reported
     const std::string* current_ = nullptr; // path of the file that is being read
     capture::Capture capture_;
     std::vector<File> files_;

@@ -107,10 +107,10 @@ TEST_F(CommandTest, DamageIsReportedAndPassed) {
     EXPECT_EQ(result.out, line(1) + line(2) + line(3));
     EXPECT_EQ(
         result.err,
-        "mpuevent: damaged: offset 216: message length 0 (216 or more wanted); going on at "
-        "offset 316\n"
-        "mpuevent: damaged: offset 748: the input ends after 36 bytes of a record header (152 "
-        "wanted); nothing found behind it\n");
+        "mpuevent: damaged: offset 216: message length 0 (expected 216 or more); "
+        "100 bytes passed over, resuming at offset 316\n"
+        "mpuevent: damaged: offset 748: the input ends after 36 bytes of a record header (expected "
+        "152); 100 bytes passed over, no further message found\n");
 }
 
 TEST_F(CommandTest, ManyFaultsAreCounted) {
@@ -133,8 +133,8 @@ TEST_F(CommandTest, UnreadableInputsDoNotHideTheOthers) {
     EXPECT_EQ(result.err,
               "mpuevent: missing: No such file or directory\n"
               "mpuevent: .: Is a directory\n"
-              "mpuevent: bad: offset 0: the input ends after 3 bytes of a message header (64 "
-              "wanted); nothing found behind it\n");
+              "mpuevent: bad: offset 0: the input ends after 3 bytes of a message header "
+              "(expected 64); 3 bytes passed over, no further message found\n");
 }
 
 TEST_F(CommandTest, WriteFailures) {
@@ -174,6 +174,18 @@ TEST_F(CommandTest, ClosedPipeIsNoFailure) {
     EXPECT_EQ(read("first"), line(1));
     EXPECT_EQ(read("status"), "0\n");
     EXPECT_EQ(read("err"), "");
+}
+
+// What came through a pipe is shown while that is quiet.
+TEST_F(CommandTest, AQuietPipe) {
+    write("message", message(1));
+    for (const std::string jobs : {"1", "3"})
+        EXPECT_EQ(
+            shell("rm -f out; { cat message; n=0; until [ -s out ]; do sleep 0.05; n=$((n+1)); "
+                  "[ $n -lt 100 ] || { touch late; break; }; done; } | { $mpuevent decode --format "
+                  "line --jobs " +
+                  jobs + " >out; }; test ! -e late && test $(wc -l <out) = 1"),
+            0);
 }
 
 TEST_F(CommandTest, TraceGoesToStandardError) {

@@ -52,7 +52,7 @@ protected:
         });
         return got;
     }
-    capture::Report report() {
+    capture::FaultHandler report() {
         return [this](const std::string& what) { reports_.push_back(what); };
     }
     Spool spoolAt(const fs::path& path) { return {path, capture::Framing::Message, report()}; }
@@ -190,7 +190,7 @@ TEST_F(Provider, ReadsADeletedFileToItsEnd) {
     EXPECT_THAT(reports_,
                 ElementsAre((spool_ / "a").string() +
                             ": offset 432: the input ends after 6 bytes of a record header "
-                            "(152 wanted); nothing found behind it"));
+                            "(expected 152); 70 bytes passed over, no further message found"));
 }
 
 TEST_F(Provider, CountsMoreThanTwentyFaultsOfOnePoll) {

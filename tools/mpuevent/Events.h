@@ -32,8 +32,9 @@ public:
             printer_->print(*event, output_.text());
             --left_;
         }
-        return output_.proceed() && left_ != 0;
+        return output_.proceed() && wantsMore();
     }
+    bool wantsMore() const { return left_ != 0; }
     Status finish() {
         printer_->end(output_.text());
         return SerialSink::finish();

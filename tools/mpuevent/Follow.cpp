@@ -1,20 +1,22 @@
-// mpuevent follow: the events of a capture as it grows.
+// mpuevent follow: the events of captures as they grow.
+#include "capture/Tail.h"
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Events.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <deque>
 #include <fcntl.h>
+#include <optional>
 #include <poll.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Pegasus::tool {
 
 namespace {
 
-constexpr int kInterval = 200; // ms between looks at a file that did not grow
+constexpr int kInterval = 200; // ms between looks at files that did not grow
 
 volatile std::sig_atomic_t interrupted = 0;
 
@@ -28,87 +30,170 @@ void catchSignals() {
     sigaction(SIGTERM, &action, nullptr);
 }
 
-// Whether to go on after so much time. A reader of `output` who goes ends it as a signal does.
-bool wait(int output, int milliseconds) {
-    pollfd reader{output, 0, 0};
-    const int found = ::poll(&reader, 1, milliseconds);
-    return interrupted == 0 && !(found > 0 && (reader.revents & (POLLERR | POLLNVAL)));
-}
-
-// The bytes of a file that grows. Ends when the file was made shorter or another one took its
-// place, and when the waiting is over.
-class GrowingFile : public ByteSource {
-public:
-    GrowingFile(const std::string& path, Output& output) : path_(path), output_(output) {}
-    ~GrowingFile() override { close(); }
-    GrowingFile(const GrowingFile&) = delete;
-    GrowingFile& operator=(const GrowingFile&) = delete;
-
-    // The errno of a failure.
-    int open() {
-        close();
-        descriptor_ = ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-        if (descriptor_ < 0 || ::fstat(descriptor_, &opened_) != 0)
-            return errno;
-        position_ = 0;
-        replaced_ = false;
-        return S_ISDIR(opened_.st_mode) ? EISDIR : S_ISREG(opened_.st_mode) ? 0 : EINVAL;
-    }
-
-    std::size_t read(std::uint8_t* to, std::size_t room) override {
-        for (;;) {
-            const ssize_t got = ::read(descriptor_, to, room);
-            if (got > 0) {
-                position_ += got;
-                if (wait(output_.descriptor(), 0)) // long files must not keep a signal waiting
-                    return static_cast<std::size_t>(got);
-                return end(ECANCELED);
-            }
-            if (got < 0 && errno != EINTR)
-                return end(errno);
-            if (replaced_ || isShorter())
-                return 0;
-            replaced_ = isReplaced(); // then it may have grown since we looked, for the last time
-            if (!replaced_ && (!output_.flush() || !wait(output_.descriptor(), kInterval)))
-                return end(ECANCELED);
-        }
-    }
-    int failure() const override { return failure_; }
-
-private:
-    std::size_t end(int failure) {
-        failure_ = failure;
-        return 0;
-    }
-    bool isShorter() const {
-        struct stat now;
-        return ::fstat(descriptor_, &now) == 0 && now.st_size < position_;
-    }
-    // While a rotation goes on there may be nothing at all.
-    bool isReplaced() const {
-        struct stat now;
-        return ::stat(path_.c_str(), &now) == 0 && S_ISREG(now.st_mode) &&
-               (now.st_dev != opened_.st_dev || now.st_ino != opened_.st_ino);
-    }
-    void close() {
-        if (descriptor_ >= 0)
-            ::close(descriptor_);
-    }
-
-    const std::string& path_;
-    Output& output_;
-    int descriptor_ = -1;
-    struct stat opened_ {};
-    off_t position_ = 0;
-    int failure_ = 0; // ECANCELED: the following is over
-    bool replaced_ = false;
+struct FramingName {
+    const char* name;
+    Framing framing;
 };
+constexpr FramingName kFramings[] = {{"cmap", Framing::Message}, {"record", Framing::Record}};
 
 struct Options {
-    std::string file;
-    InputKind input;
+    std::vector<std::string> files{"-"};
+    std::string input = "cmap";
+    std::optional<std::size_t> last;
     EventOptions events;
 };
+
+// What comes through a pipe or a FIFO.
+class Pipe : public ByteSource {
+public:
+    // Takes the descriptor over.
+    Pipe(int descriptor, bool reopened) : descriptor_(descriptor), reopened_(reopened) {}
+    ~Pipe() override { ::close(descriptor_); }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    int descriptor() const { return descriptor_; }
+    std::size_t read(std::uint8_t* to, std::size_t room) override {
+        pollfd input{descriptor_, POLLIN, 0};
+        if (::poll(&input, 1, 0) <= 0)
+            return 0;
+        const ssize_t got = ::read(descriptor_, to, room);
+        if (got > 0)
+            return static_cast<std::size_t>(got);
+        if (got < 0 && (errno == EAGAIN || errno == EINTR))
+            return 0;
+        failure_ = got < 0 ? errno : 0;
+        ended_ = failure_ != 0 || !reopened_;
+        return 0;
+    }
+    int failure() const override { return failure_; }
+    bool growing() const override { return !ended_; }
+
+private:
+    int descriptor_;
+    bool reopened_; // another writer may come once one has gone: it is a FIFO
+    int failure_ = 0;
+    bool ended_ = false;
+};
+
+// One of the files.
+class Followed {
+public:
+    Followed(const std::string& path, const Options& options, EventWriter& writer)
+        : path_(path), writer_(writer), last_(options.last),
+          framing_(rowOf(kFramings, options.input).framing),
+          capture_(framing_, [this](const Damage& damage) { fault(kDamaged, damage.str()); }) {}
+
+    // False, and reported, on failure.
+    bool open();
+    // Hands over what came. False when no more can come.
+    bool poll();
+    // To wait for; -1 for a file that grows.
+    int descriptor() const { return pipe_ ? pipe_->descriptor() : -1; }
+
+private:
+    bool fail(int error) {
+        fault(kFailed, std::strerror(error));
+        return false;
+    }
+    void fault(Status status, const std::string& what) {
+        writer_.complaint(status, fmt::format("{}: {}", name(), what));
+    }
+    std::string name() const { return path_ == "-" ? "standard input" : path_; }
+    int openFile() const {
+        return path_ == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)
+                            : ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    }
+    Place beforeLast(Tail& tail, std::size_t count);
+    bool visit(const Message& message) { return writer_.take(message) && interrupted == 0; }
+    int read(bool last) {
+        return tail_->poll(
+            capture_, [this](const Message& message) { return visit(message); }, last);
+    }
+
+    const std::string path_;
+    EventWriter& writer_;
+    const std::optional<std::size_t> last_;
+    const Framing framing_;
+    Capture capture_;
+    std::unique_ptr<Tail> tail_; // one of the two
+    std::unique_ptr<Pipe> pipe_;
+};
+
+bool Followed::open() {
+    const int descriptor = openFile();
+    struct stat status;
+    if (descriptor < 0 || ::fstat(descriptor, &status) != 0)
+        return fail(errno);
+    if (!S_ISREG(status.st_mode)) {
+        pipe_ = std::make_unique<Pipe>(descriptor, S_ISFIFO(status.st_mode) && path_ != "-");
+        if (S_ISDIR(status.st_mode))
+            return fail(EISDIR);
+        if (path_ != "-" && !S_ISFIFO(status.st_mode)) {
+            fault(kFailed, "neither a file nor a FIFO");
+            return false;
+        }
+        capture_.open(*pipe_);
+        return true;
+    }
+    Place place;
+    if (last_) {
+        Tail tail(::dup(descriptor));
+        place = beforeLast(tail, *last_);
+    }
+    tail_ = std::make_unique<Tail>(descriptor, place);
+    return true;
+}
+
+// The place before the last so many messages of a file.
+Place Followed::beforeLast(Tail& tail, std::size_t count) {
+    std::deque<std::uint64_t> offsets;
+    Capture silent(framing_, [](const Damage&) {});
+    if (const int error = tail.poll(silent, [&](const Message& message) {
+            offsets.push_back(message.offset);
+            if (offsets.size() > count)
+                offsets.pop_front();
+            return interrupted == 0;
+        }))
+        fail(error);
+    return offsets.empty() ? tail.place() : Place{offsets.front(), 0, {}};
+}
+
+bool Followed::poll() {
+    if (pipe_) {
+        for (Message message; capture_.next(message) && visit(message);)
+            ;
+        return pipe_->failure() != 0 ? fail(pipe_->failure()) : pipe_->growing();
+    }
+    // A file that replaces the one that is open may have come after the last look at that.
+    struct stat now;
+    const bool replaced =
+        path_ != "-" && ::stat(path_.c_str(), &now) == 0 && S_ISREG(now.st_mode) && !tail_->is(now);
+    if (const int error = read(replaced); error != 0)
+        return fail(error);
+    if (replaced) {
+        const int descriptor = openFile();
+        if (descriptor >= 0)
+            tail_ = std::make_unique<Tail>(descriptor);
+        else if (errno != ENOENT)
+            return fail(errno);
+    }
+    return true;
+}
+
+// Waits for more. False when the following is over, be it by the reader of the output, who went.
+bool wait(const Output& output, const std::vector<std::unique_ptr<Followed>>& files) {
+    std::vector<pollfd> waiting{{output.descriptor(), 0, 0}};
+    for (const auto& file : files)
+        if (file->descriptor() >= 0)
+            waiting.push_back({file->descriptor(), POLLIN, 0});
+    (void)::poll(waiting.data(), waiting.size(), kInterval);
+    // A FIFO whose writers have gone is ready all the time.
+    if (std::any_of(waiting.begin() + 1, waiting.end(),
+                    [](const pollfd& one) { return one.revents == POLLHUP; }))
+        (void)::poll(waiting.data(), 1, kInterval);
+    return interrupted == 0 && !(waiting[0].revents & (POLLERR | POLLNVAL));
+}
 
 Status follow(const Options& options) {
     if (!options.events.prepare())
@@ -116,27 +201,13 @@ Status follow(const Options& options) {
     catchSignals();
     Output output;
     EventWriter writer(options.events, output);
-    GrowingFile file(options.file, output);
-    const auto fail = [&](const char* what) {
-        writer.complaint(kFailed, fmt::format("{}: {}", options.file, what));
-    };
-    bool started = false;
-    for (bool more = true; more;) {
-        const int error = file.open();
-        if (error == ENOENT && started) { // replaced once more
-            more = wait(output.descriptor(), kInterval);
-            continue;
-        }
-        started = true;
-        if (error != 0) {
-            fail(error == EINVAL ? "not a regular file; mpuevent decode reads it"
-                                 : std::strerror(error));
-            break;
-        }
-        more = options.input.read(options.file, file, writer).more && file.failure() == 0;
-        if (file.failure() != 0 && file.failure() != ECANCELED)
-            fail(std::strerror(file.failure()));
-    }
+    std::vector<std::unique_ptr<Followed>> files;
+    for (const std::string& path : options.files)
+        if (auto file = std::make_unique<Followed>(path, options, writer); file->open())
+            files.push_back(std::move(file));
+    do {
+        std::erase_if(files, [](const auto& file) { return !file->poll(); });
+    } while (!files.empty() && writer.wantsMore() && output.flush() && wait(output, files));
     return writer.finish();
 }
 
@@ -144,8 +215,15 @@ Status follow(const Options& options) {
 
 Runner addFollow(CLI::App& app) {
     const auto options = std::make_shared<Options>();
-    app.add_option("file", options->file, "The capture")->type_name("FILE")->required();
-    options->input.addOption(app);
+    app.add_option("files", options->files,
+                   "Captures that grow, FIFOs; \"-\" or none: standard input")
+        ->type_name("FILE");
+    app.add_option("--input", options->input,
+                   "What they hold: messages (cmap) or bare records (record)")
+        ->check(CLI::IsMember(namesOf(kFramings)))
+        ->capture_default_str();
+    app.add_option("--last,-n", options->last, "Begin with the last N events of a file")
+        ->type_name("N");
     options->events.addOptions(app);
     return [options] { return follow(*options); };
 }

@@ -26,8 +26,6 @@ constexpr Input kInputs[] = {
     {"hex-record", {Framing::Record, true}},
 };
 
-constexpr unsigned kMaxReports = 20; // of one file; the rest is counted
-
 class File {
 public:
     explicit File(const std::string& path)
@@ -84,11 +82,14 @@ private:
     std::uint64_t size_ = 0;
 };
 
-// Bytes whose reading is shown.
+// Bytes whose reading is shown, and waited for only after the sink has shown what came of others.
 class ShownSource : public FileSource {
 public:
-    ShownSource(int descriptor, Progress& progress) : FileSource(descriptor), progress_(progress) {}
+    ShownSource(int descriptor, Progress& progress, Sink& sink)
+        : FileSource(descriptor), progress_(progress), sink_(sink) {}
     std::size_t read(std::uint8_t* to, std::size_t room) override {
+        if (!ready())
+            sink_.onIdle();
         const std::size_t got = FileSource::read(to, room);
         position_ += got;
         if (got != 0)
@@ -98,6 +99,7 @@ public:
 
 private:
     Progress& progress_;
+    Sink& sink_;
     std::uint64_t position_ = 0;
 };
 
@@ -110,14 +112,19 @@ void InputKind::addOption(CLI::App& app) {
                    "those, such text in its usual forms, and gzip, xz and zstd data")
         ->check(CLI::IsMember(namesOf(kInputs)))
         ->capture_default_str();
+    app.add_option("--max-reports", maxReports_,
+                   "Report N faults of a file, count the rest; 0 = report all")
+        ->type_name("N")
+        ->capture_default_str();
 }
 
 InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Sink& sink) const {
     std::uint64_t faults = 0;
+    const auto isTold = [&] { return ++faults <= maxReports_ || maxReports_ == 0; };
     std::vector<std::string> early; // found before it is said what the input is
     bool said = false;
-    const Report report = [&](const std::string& what) {
-        if (++faults > kMaxReports)
+    const FaultHandler onFault = [&](const std::string& what) {
+        if (!isTold())
             return;
         std::string line = fmt::format("{}: {}", name, what);
         said ? sink.complaint(kDamaged, line) : early.push_back(std::move(line));
@@ -129,19 +136,22 @@ InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Si
             sink.complaint(kDamaged, line);
         said = true;
     };
-    const RecognisedInput input(bytes, rowOf(kInputs, name_).hints, report);
+    const RecognisedInput input(bytes, rowOf(kInputs, name_).hints, onFault);
     bool more = true;
     if (!input.refusal().empty()) {
         say(kFailed, input.failure() == 0 ? input.refusal() : "");
     } else {
         say(kFine, input.description().empty() ? "" : "recognised as " + input.description());
-        Capture capture(input.framing(), report);
+        Capture capture(input.framing(), [&](const Damage& damage) {
+            if (isTold())
+                sink.onDamage(name, damage);
+        });
         capture.open(input.bytes());
         for (Message message; more && capture.next(message);)
             more = sink.take(message);
     }
-    if (faults > kMaxReports)
-        sink.complaint(kDamaged, fmt::format("{}: {} more faults", name, faults - kMaxReports));
+    if (faults > maxReports_ && maxReports_ != 0)
+        sink.complaint(kDamaged, fmt::format("{}: {} more faults", name, faults - maxReports_));
     return {more, faults};
 }
 
@@ -165,7 +175,7 @@ std::uint64_t Inputs::read(Sink& sink) const {
             continue;
         }
         progress.open(name, file.size());
-        ShownSource bytes(file.descriptor(), progress);
+        ShownSource bytes(file.descriptor(), progress, sink);
         const InputKind::Result result = kind_.read(name, bytes, sink);
         more = result.more;
         faults += result.faults;

@@ -21,6 +21,11 @@ public:
     virtual bool take(const Message& message) = 0;
     // What is to be said of an input at this place, and what it makes of the exit status.
     virtual void complaint(Status status, const std::string& text) = 0;
+    virtual void onDamage(const std::string& input, const Damage& damage) {
+        complaint(kDamaged, input + ": " + damage.str());
+    }
+    // The input has nothing more for now: what it had is to be shown.
+    virtual void onIdle() {}
 };
 
 // Complains at once.
@@ -32,6 +37,7 @@ public:
         output_.flush();
         complain(text);
     }
+    void onIdle() override { output_.flush(); }
     // Of the inputs and of the output, which ends here.
     Status finish() { return std::max(status_, output_.finish()); }
 
@@ -57,6 +63,7 @@ public:
 
 private:
     std::string name_ = "auto";
+    std::uint64_t maxReports_ = 20;
 };
 
 class Inputs {

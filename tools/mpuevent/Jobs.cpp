@@ -64,11 +64,16 @@ void ParallelWriter::complaint(Status status, const std::string& text) {
 }
 
 Status ParallelWriter::finish() {
-    for (std::size_t i = 0; i < ring_.size(); ++i) // the last one, and all before it
-        submit();
+    submitAll();
     stop();
     printer_->end(output_.text());
     return std::max(status_, output_.finish());
+}
+
+// The last one, and all before it.
+void ParallelWriter::submitAll() {
+    for (std::size_t i = 0; i < ring_.size(); ++i)
+        submit();
 }
 
 // Gives the batch to the workers and takes over the oldest one.

@@ -20,6 +20,7 @@ public:
     ~ParallelWriter() override;
     bool take(const Message& message) override;
     void complaint(Status status, const std::string& text) override;
+    void onIdle() override { submitAll(); }
     // Of the inputs and of the output, which ends here.
     Status finish();
 
@@ -38,6 +39,7 @@ private:
     void work();
     void decode(Batch& batch, Filter& filter, Printer& printer) const;
     void submit();
+    void submitAll();
     void retire(Batch& batch);
     void stop();
 

@@ -19,7 +19,7 @@ constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
     {"summary", "Count what captures hold", addSummary},
     {"report", "Write a self-contained HTML report", addReport},
-    {"follow", "Decode a capture as it grows", addFollow},
+    {"follow", "Decode captures as they grow", addFollow},
     {"formats", "Print the record reference or the JSON Schema", addFormats},
     {"sample", "Write a demonstration capture", addSample},
 };

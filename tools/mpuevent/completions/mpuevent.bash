@@ -16,6 +16,7 @@ _mpuevent() {
     done
     case $command/$prev in
     decode/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
+    decode/--max-reports) true; return ;;
     decode/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
     decode/--source) true; return ;;
     decode/--not-source) true; return ;;
@@ -37,6 +38,7 @@ _mpuevent() {
     decode/-j) true; return ;;
     decode/--jobs) true; return ;;
     summary/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
+    summary/--max-reports) true; return ;;
     summary/--source) true; return ;;
     summary/--not-source) true; return ;;
     summary/--category) true; return ;;
@@ -56,6 +58,7 @@ _mpuevent() {
     summary/-o) _mpuevent_files; return ;;
     summary/--output) _mpuevent_files; return ;;
     report/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
+    report/--max-reports) true; return ;;
     report/--source) true; return ;;
     report/--not-source) true; return ;;
     report/--category) true; return ;;
@@ -73,7 +76,9 @@ _mpuevent() {
     report/--limit) true; return ;;
     report/-o) _mpuevent_files; return ;;
     report/--output) _mpuevent_files; return ;;
-    follow/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
+    follow/--input) _mpuevent_words 'cmap record'; return ;;
+    follow/-n) true; return ;;
+    follow/--last) true; return ;;
     follow/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
     follow/--source) true; return ;;
     follow/--not-source) true; return ;;
@@ -102,13 +107,13 @@ _mpuevent() {
     case $command/$cur in
     /-*) _mpuevent_words '-h --help --version' ;;
     /*) _mpuevent_words 'decode summary report follow formats sample' ;;
-    decode/-*) _mpuevent_words '-h --help --input --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output -j --jobs' ;;
+    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output -j --jobs' ;;
     decode/*) _mpuevent_files ;;
-    summary/-*) _mpuevent_words '-h --help --input --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit --format -o --output' ;;
+    summary/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit --format -o --output' ;;
     summary/*) _mpuevent_files ;;
-    report/-*) _mpuevent_words '-h --help --input --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output' ;;
+    report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output' ;;
     report/*) _mpuevent_files ;;
-    follow/-*) _mpuevent_words '-h --help --input --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
+    follow/-*) _mpuevent_words '-h --help --input -n --last --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
     formats/*) true ;;

@@ -1,26 +1,26 @@
-#include "capture/Growing.h"
+#include "capture/Tail.h"
 
 #include <cerrno>
 #include <unistd.h>
 
 namespace Pegasus::capture {
 
-GrowingFile::GrowingFile(int descriptor) : descriptor_(descriptor) {
+Tail::Tail(int descriptor, Place place) : descriptor_(descriptor), place_(std::move(place)) {
     if (::fstat(descriptor_, &status_) != 0)
         failure_ = errno;
-    status_.st_size = 0;
 }
 
-GrowingFile::~GrowingFile() {
+Tail::~Tail() {
     ::close(descriptor_);
 }
 
-int GrowingFile::poll(Capture& capture, const Each& each, bool last) {
+int Tail::poll(Capture& capture, const Visitor& visitor, bool last) {
     struct stat now;
     if (::fstat(descriptor_, &now) != 0)
         return errno;
-    if (now.st_size == status_.st_size && failure_ == 0 && !last)
+    if (read_ && now.st_size == status_.st_size && !last)
         return 0;
+    read_ = false;
     if (static_cast<std::uint64_t>(now.st_size) < place_.offset)
         place_ = {};
     failure_ = 0;
@@ -28,15 +28,19 @@ int GrowingFile::poll(Capture& capture, const Each& each, bool last) {
     next_ = place_.offset;
     capture.open(*this, place_);
     for (Message message; capture.next(message);) {
-        place_ = {message.offset, {}}; // to begin with again when it can't be taken now
-        each(message);
+        place_ = {message.offset, 0, {}}; // to begin with again when it can't be taken now
+        const bool more = visitor(message);
+        place_ = capture.place();
+        if (!more)
+            return 0;
     }
     place_ = capture.place();
     status_ = now; // more may have come meanwhile: the next call looks again
+    read_ = failure_ == 0;
     return failure_;
 }
 
-std::size_t GrowingFile::read(std::uint8_t* to, std::size_t room) {
+std::size_t Tail::read(std::uint8_t* to, std::size_t room) {
     for (;;) {
         const ssize_t got = ::pread(descriptor_, to, room, static_cast<off_t>(next_));
         if (got >= 0) {

@@ -132,7 +132,7 @@ TEST_F(FormatsCommandTest, XmlIsValid) {
     write("wrong.xml", wrong.insert(slot + 18, "-"));
     EXPECT_NE(xmllint("wrong.xml"), "");
 
-    // All bytes, in a text that passes as it stands.
+    // All bytes, in a text that passes as it is.
     std::string text;
     for (int c = 1; c < 256; ++c)
         text.push_back(static_cast<char>(c));

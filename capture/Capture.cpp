@@ -172,8 +172,9 @@ inline std::size_t Capture::mayBeginStrong(std::size_t ahead) const {
                                                  record[i + kClaim + 1]) == kHeaders;
     else
         for (std::size_t i = 0; i < kStride; ++i)
-            found[i] = isSource(record[i + offsetof(EmpEvLogMsg_s, source)]) &
-                       isCategory(record[i + offsetof(EmpEvLogMsg_s, category)]);
+            found[i] = static_cast<std::uint8_t>(
+                unsigned{isSource(record[i + offsetof(EmpEvLogMsg_s, source)])} &
+                unsigned{isCategory(record[i + offsetof(EmpEvLogMsg_s, category)])});
     const void* const first = std::memchr(found.data(), 1, kStride);
     return first == nullptr ? ahead + kStride
                             : ahead + static_cast<std::size_t>(

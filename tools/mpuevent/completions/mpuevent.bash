@@ -83,6 +83,7 @@ _mpuevent() {
     follow/--input) _mpuevent_words 'cmap record'; return ;;
     follow/-n) true; return ;;
     follow/--last) true; return ;;
+    follow/--cursor) _mpuevent_files; return ;;
     follow/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
     follow/--source) true; return ;;
     follow/--not-source) true; return ;;
@@ -119,7 +120,7 @@ _mpuevent() {
     verify/*) _mpuevent_files ;;
     report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output' ;;
     report/*) _mpuevent_files ;;
-    follow/-*) _mpuevent_words '-h --help --input -n --last --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
+    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
     formats/*) true ;;

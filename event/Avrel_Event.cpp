@@ -58,7 +58,7 @@ const EventType* findEventType(unsigned int value) {
         {"Avrel_Event::", function, "() has no case for ", what, " # ", number.view()});
 }
 
-// The name of a code; one without a name is traced and stands as its number.
+// The name of a code; one without a name is traced and is shown as its number.
 void assignName(String& to, const NameTable& table, unsigned int value, int line,
                 const char* function, const char* what) {
     if (const std::string_view name = table.find(value); !name.empty()) {

@@ -42,7 +42,7 @@ char* putFloat(char* out, std::uint32_t bits) {
     const auto rounded = static_cast<std::uint64_t>(std::nearbyint(millionths));
     out = putDecimal(out, rounded / kMillion);
     *out++ = '.';
-    // A digit in front keeps the zeros behind the point.
+    // A digit in front keeps the zeros after the point.
     char fraction[kDecimalRoom];
     putDecimal(fraction, static_cast<std::uint32_t>(rounded % kMillion + kMillion));
     std::memcpy(out, fraction + 1, 6);

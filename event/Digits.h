@@ -1,5 +1,5 @@
 // Numbers and short texts straight into the output. Each function writes at `out` and returns the
-// position behind its last character.
+// position after its last character.
 #pragma once
 
 #include "event/BigEndian.h"
@@ -101,7 +101,7 @@ inline char* putHexByte(char* out, std::uint8_t value, Case letters) {
     return out + 2;
 }
 
-// Two upper-case digits a byte, no separators.
+// Two upper-case digits per byte, no separators.
 char* putHexBytes(char* out, std::string_view bytes);
 
 // "%f" of an IEEE 754 single-precision number given by its bits.

@@ -126,9 +126,9 @@ private:
             hashedFrom_ =
                 at - 1; // a "</" that closes nothing is looked at again, as an opening tag
             hashedEnd_ = bracket_;
-            hashes_.assign(1, 0);
-            for (Position i = hashedFrom_; i < hashedEnd_; ++i)
-                hashes_.push_back(hashWith(hashes_.back(), text_[i]));
+            hashes_.assign(hashedEnd_ - hashedFrom_ + 1, 0);
+            for (Position i = 0; i < hashedEnd_ - hashedFrom_; ++i)
+                hashes_[i + 1] = hashWith(hashes_[i], text_[hashedFrom_ + i]);
         }
         const std::uint32_t* before = hashes_.data() + (at - hashedFrom_);
         return before[run.length] - before[0] * run.power;
@@ -150,13 +150,21 @@ private:
             grow();
         const std::string_view name = text_.substr(at + 1, bracket_ - at - 1);
         std::uint32_t hash = 0;
-        for (char c : name)
+        std::uint32_t power = 1;
+        for (char c : name) {
             hash = hashWith(hash, c);
+            power *= kBase;
+        }
         elements_.push_back({at, open_, {hash}, {bucket(hash)}});
         open_ = bucket(hash) = last_;
         ++live_;
-        if (name.find("</") != std::string_view::npos)
-            addLength(static_cast<Position>(name.size()));
+        if (name.find("</") != std::string_view::npos) {
+            const Position length = bracket_ - at - 1;
+            for (const Length& one : lengths_)
+                if (one.length == length)
+                    return;
+            lengths_.push_back({length, power, open_});
+        }
     }
 
     // Most elements are closed by the next "<", and nothing is open around them that it could
@@ -171,15 +179,6 @@ private:
         resume_ = closer + 3 + length;
         elements_.push_back({at, kNone, {closer}, {resume_}});
         return true;
-    }
-
-    void addLength(Position length) {
-        std::uint32_t power = 1;
-        for (Position i = 0; i < length; ++i)
-            power *= kBase;
-        if (std::none_of(lengths_.begin(), lengths_.end(),
-                         [=](const Length& one) { return one.length == length; }))
-            lengths_.push_back({length, power, open_});
     }
 
     bool close(Position at) {

@@ -169,7 +169,7 @@ private:
         const auto run = pieces.begin() + entry.piece;
         const auto known = std::search(pieces.begin(), run, run, pieces.end());
         if (known != run) {
-            entry.piece = size16(known - pieces.begin());
+            entry.piece = static_cast<std::uint16_t>(known - pieces.begin());
             pieces.erase(run, pieces.end());
         }
         entry.provenance = weakest_;

@@ -116,7 +116,7 @@ void TextWriter::assignTo(String& to) const {
     if (markup_) {
         StackWriter<1024> safe;
         putSafe(safe, view());
-        assignText(to, safe.view()); // tags stand as they are
+        assignText(to, safe.view()); // tags are written verbatim
     } else if (unchecked_) {
         assignText(to, view());
     } else {

@@ -24,7 +24,7 @@ inline String toString(std::string_view text) {
 // What becomes of texts from the record.
 enum class Texts : std::uint8_t {
     Safe, // the finished text is made safe as a whole: assignTo() does that
-    Raw,  // they stand as they are
+    Raw,  // they are written verbatim
 };
 
 // Appends characters. Use a StackWriter, which starts in stack memory and allocates only what does
@@ -34,7 +34,7 @@ public:
     TextWriter(const TextWriter&) = delete;
     TextWriter& operator=(const TextWriter&) = delete;
 
-    // Room for `count` more characters and kSlack behind them, to be written at the returned
+    // Room for `count` more characters and kSlack after them, to be written at the returned
     // position; commit() takes over what was written.
     char* reserve(std::size_t count) {
         if (static_cast<std::size_t>(end_ - next_) < count + kSlack) [[unlikely]]
@@ -43,7 +43,7 @@ public:
     }
     void commit(char* next) { next_ = next; }
 
-    // Behind every reserve(), so that short constant texts can be copied in whole blocks.
+    // After every reserve(), so that short constant texts can be copied in whole blocks.
     static constexpr std::size_t kSlack = 32;
 
     // Our own texts, which are ASCII.
@@ -69,8 +69,8 @@ public:
     // general pass of assignTo().
     TextWriter& untrusted(Untrusted text);
 
-    // Bytes from the record that stand as they are in either case: tags, and what the general pass
-    // is to judge.
+    // Bytes from the record that are written verbatim in either case: tags, and what the general
+    // pass is to judge.
     TextWriter& raw(Untrusted run) {
         unchecked_ = true;
         return put(run.raw());
@@ -79,7 +79,7 @@ public:
     // Constant texts that are known when this is compiled.
     TextWriter& open(std::string_view tag);
     TextWriter& close(std::string_view tag);
-    // An element whose value is a text from the record; the tag is used as it stands.
+    // An element whose value is a text from the record; the tag is used as it is.
     TextWriter& element(std::string_view tag, Untrusted value, std::string_view after);
 
     std::string_view view() const { return {begin_, static_cast<std::size_t>(next_ - begin_)}; }

@@ -9,7 +9,7 @@ namespace Pegasus::formats {
 void putUtf8(mpu::TextWriter& out, const String& text);
 
 // The number of characters at the start that no format has to escape: printable ASCII but the
-// quotation mark and the backslash. Others may be among those behind them.
+// quotation mark and the backslash. Others may be among those after them.
 std::size_t plainRun(std::string_view utf8);
 
 // UTF-8 for a terminal and for readers of lines: line breaks become "\n" and "\r", the other

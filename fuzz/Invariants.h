@@ -13,7 +13,7 @@ namespace Pegasus::fuzz {
 
 using test::utf8;
 
-// What a message can carry behind its header.
+// What a message can carry after its header.
 inline constexpr std::size_t kMaxRecord = 0xFFFF - mpu::message_header::kSize;
 
 // All texts of an event together have at most kFixedOutput + kOutputPerByte * extent characters

@@ -1,4 +1,4 @@
-// Records of every module. The mutator knows the layouts, so that what is behind codes, lengths and
+// Records of every module. The mutator knows the layouts, so that what is after codes, lengths and
 // versions is reached.
 #include "fuzz/Invariants.h"
 #include "fuzz/RecordMutator.h"

@@ -1,4 +1,4 @@
-// A message header and what the stream behind it delivers, through everything a message can do.
+// A message header and what the stream after it delivers, through everything a message can do.
 #include "fuzz/Invariants.h"
 
 #include "platform/cmap/CMAPOperationFailedException.h"
@@ -40,7 +40,7 @@ void setAll(Avrel_Event& event, const Avrel_Event& from) {
 }
 
 // Input: flags, the 64 bytes of the header, the record. Flag 1: the length field is that of the
-// input, else it stands as it is; flag 2: the stream fails where it ends.
+// input, else it is written verbatim; flag 2: the stream fails where it ends.
 void message(Bytes bytes) {
     const test::SuppressTrace quiet;
     Input input(bytes);

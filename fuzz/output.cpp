@@ -97,7 +97,7 @@ void printAll(Avrel_Event& event, bool isText) {
         }
 }
 
-// Every name and every text of the items lies in the body, in order; groups match.
+// Every name and every text of the items is in the body, in order; groups match.
 void requireItems(const std::string& body) {
     BodyParser parser;
     const char* at = body.data();

@@ -1,4 +1,4 @@
-// Where the captures lie that the provider reads: a file, or a directory of files.
+// Where the captures are that the provider reads: a file, or a directory of files.
 #pragma once
 
 #include "capture/Tail.h"

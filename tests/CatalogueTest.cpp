@@ -113,7 +113,7 @@ TEST(Catalogue, CommittedReferenceIsCurrent) {
     std::stringstream committed;
     committed << file.rdbuf();
     EXPECT_TRUE(committed.str() == mpu::reference(mpu::modules(), mpu::Page::Markdown))
-        << "renew it: mpuevent formats --format markdown > docs/record-reference.md";
+        << "docs/record-reference.md: run scripts/renew";
 }
 
 } // namespace

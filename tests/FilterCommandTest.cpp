@@ -78,7 +78,7 @@ TEST_F(FilterCommandTest, Together) {
     EXPECT_EQ(passing("--limit 9"), "1 2 3 4 5");
 }
 
-// What is behind the last wanted event is not looked at.
+// What is after the last wanted event is not looked at.
 TEST_F(FilterCommandTest, LimitEndsTheReading) {
     write("input", read("input") + "damage");
     EXPECT_EQ(passing("--limit 5"), "1 2 3 4 5");

@@ -132,7 +132,7 @@ TEST_F(FormatsCommandTest, XmlIsValid) {
     write("wrong.xml", wrong.insert(slot + 18, "-"));
     EXPECT_NE(xmllint("wrong.xml"), "");
 
-    // All bytes, in a text that passes as it stands.
+    // All bytes, in a text that passes as it is.
     std::string text;
     for (int c = 1; c < 256; ++c)
         text.push_back(static_cast<char>(c));
@@ -186,7 +186,7 @@ TEST_F(FormatsCommandTest, Brief) {
 TEST_F(FormatsCommandTest, JsonSchema) {
     SuppressTrace quiet;
     EXPECT_TRUE(committedSchema() == formats::jsonSchema(mpu::modules()))
-        << "renew it: mpuevent formats --format json-schema > docs/events.schema.json";
+        << "docs/events.schema.json: run scripts/renew";
     EXPECT_EQ(run("formats --format json-schema").out, committedSchema());
 
     Judge judge;

@@ -139,7 +139,7 @@ constexpr const char* kForcedError =
     "fer_volume_index=0x00000001 fer_flags=0x00000203 fer_device_id=0x00000405 "
     "fer_vlbn=0x0C0D0E0F:08090A0B fer_plbn=0x14151617:10111213";
 
-// Behind a forced error record, so that each place is 24 bytes further on: 0x18.
+// After a forced error record, so that each place is 24 bytes further on: 0x18.
 TEST(IoManager, DisklineMetadata) {
     SuppressTrace quiet;
     const std::string expected =
@@ -223,7 +223,7 @@ TEST(IoManager, ScatterGatherLists) {
                                       "sgt_address=0xABCDEF01 sgt_byte_count=0x00000000"));
     EXPECT_EQ(count(dumpOf(record.u32(16, 128)), "<sgt_address>"), 2u);
     EXPECT_EQ(count(dumpOf(record.u32(16, 0xFFFFFFFFu)), "<sgt_address>"), 3u);
-    // Full groups of eight behind request packets.
+    // Full groups of eight after request packets.
     const struct {
         std::uint32_t eventClass, code, before;
     } places[] = {{14, 8, 28}, {17, 17, 28}, {21, 19, 28}, {15, 12, 40}};

@@ -109,7 +109,7 @@ TEST_F(ISCSIMP, ShowsMutualAuthenticationForChapAndIntervalsForMarkers) {
         std::uint32_t flags;
         std::uint8_t method;
         std::string authentication;
-        std::string end; // behind IfMarker
+        std::string end; // after IfMarker
     } cases[] = {
         {0x55000000, 2, "CHAP",
          "Yes</IfMarker><MutualAuthentication>No</MutualAuthentication><IfMarkInt>1024</"
@@ -169,7 +169,7 @@ TEST_F(ISCSIMP, ShowsParametersAsFarAsTheyGo) {
     const struct {
         std::uint16_t key, offer, answer;
         const char* texts;
-        std::string end; // behind the header
+        std::string end; // after the header
     } cases[] = {
         {0, 0, 0, "", ""},
         {4, 0, 0, "KeyA", "<Parameter>KeyA</Parameter>"},

@@ -35,7 +35,7 @@ std::vector<std::string> monotonous(const mpu::Module& module, const mpu::Record
                                    "</"sv, "a=\n"sv, "=a "sv, " "sv, ","sv, "\\"sv, "<a></a>"sv,
                                    "\0\1"sv, "\0\0\0\1"sv, "\0\0\0\x08"sv, "\xC3\xA9"sv}) {
         std::string record = samples.record(module, kind);
-        // Once behind the sample, once over all but its keys.
+        // Once after the sample, once over all but its keys.
         for (std::size_t from : {record.size(), sizeof(EmpEvLogMsg_s)}) {
             std::string twisted = record.substr(0, from);
             while (twisted.size() < size)

@@ -68,7 +68,7 @@ TEST(NetworkConfig, TextsStandAsTheyAre) {
     const auto odd = ncs(1000).text(0, "a\xFF").decode();
     EXPECT_EQ(utf8(odd->getSummary()), "a?");
     EXPECT_EQ(utf8(odd->getBody()), "<Text>a?</Text> ");
-    // No NUL, so nothing is behind the text.
+    // No NUL, so nothing is after the text.
     EXPECT_EQ(utf8(ncs(1003).bytes(0, "ab").decode()->getBody()), "<Text>ab</Text> <Hex></Hex>\n");
     EXPECT_EQ(utf8(ncs(1000).decode()->getBody()), "<Text></Text> ");
 }

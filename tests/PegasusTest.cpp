@@ -249,7 +249,7 @@ TEST(Pegasus, CopiesShareUntilOneChanges) {
         [](String& s) { s.remove(0, 1); },    [](String& s) { s.toLower(); },
         [](String& s) { s.assign("other"); }, [](String& s) { s = "other"; },
         [](String& s) { s.clear(); },         [](String& s) { s.appendPrintf("%d", 7); }};
-    // Short texts may lie in the String itself; long ones are shared. 21 and 22 units are at the
+    // Short texts may be in the String itself; long ones are shared. 21 and 22 units are at the
     // edge.
     for (const char* text : {"Some text", "Some text of 21 units", "Some text of 22 units.",
                              "Some text that no String can hold without a buffer of its own"})

@@ -123,7 +123,7 @@ public:
         all.insert(all.end(), payload_.begin(), payload_.end());
         return all;
     }
-    // The record behind a message header that announces its real length.
+    // The record after a message header that announces its real length.
     std::vector<unsigned char> message() const {
         const std::vector<unsigned char> body = record();
         std::vector<unsigned char> all(mpu::message_header::kSize);

@@ -82,7 +82,7 @@ TEST(SystemConfig, MarkupInATextIsJudgedWithTheWholeBody) {
               "?Line?77?/Line? ");
     EXPECT_EQ(utf8(located(2000, 1).text(32, "<b>x&y</b>").decode()->getBody()),
               "<Text><b>x?y</b></Text> ");
-    // A tag passes as it stands, unless that is not valid UTF-8.
+    // A tag passes as it is, unless that is not valid UTF-8.
     EXPECT_EQ(utf8(located(2000, 1).text(32, "<\xFF>x</\xFF>").decode()->getBody()),
               "<Text><?>x</?></Text> ");
 }
@@ -213,7 +213,7 @@ TEST(SystemConfig, GlobalStatus) {
         "<OTHER_MMSG_version>0</OTHER_MMSG_version> <OTHER_CMAP_version>0</OTHER_CMAP_version> ";
     EXPECT_EQ(utf8(record.decode()->getBody()), status + kTrailer);
     EXPECT_EQ(utf8(record.severity(0x65).decode()->getBody()), status);
-    // One byte less behind the text, and a payload that can't even hold the block.
+    // One byte less after the text, and a payload that can't even hold the block.
     const auto cut = record.payloadLength(32 + 3 + 63).decode();
     EXPECT_EQ(utf8(cut->getBody()),
               "<Text>Up</Text> <Incorrect_data_len>63</Incorrect_data_len> "

@@ -44,7 +44,7 @@ void LocatedRecord::putText(TextWriter& body, Untrusted text) {
 }
 
 void LocatedRecord::putDump(TextWriter& body, Untrusted text) const {
-    const Behind rest = behind(text);
+    const Rest rest = after(text);
     const std::size_t left = rest.left > 0 ? static_cast<std::size_t>(rest.left) : 0;
     body.put("<Hex>").hexBytes(rest.data.bytes(0, left)).put("</Hex>\n");
 }
@@ -54,7 +54,7 @@ void LocatedRecord::putTrailer(TextWriter& body) const {
     body.put("<Line>").decimal(location_.line).put("</Line> ");
 }
 
-LocatedRecord::Behind LocatedRecord::behind(Untrusted text) const {
+LocatedRecord::Rest LocatedRecord::after(Untrusted text) const {
     const int room = static_cast<int>(record_.u16(144)) - static_cast<int>(sizeof(LocationBlock));
     const int taken = static_cast<int>(text.size()) + 1;
     if (room < taken)

@@ -1,5 +1,5 @@
 // What the management decoders share: the location block at the head of a payload, the order of
-// text and structure behind it, and the elements that both end with.
+// text and structure after it, and the elements that both end with.
 #pragma once
 
 #include "decoders/management/LocationBlock.h"
@@ -33,20 +33,20 @@ public:
 
     // "<Text>text</Text> "
     static void putText(TextWriter& body, Untrusted text);
-    // "<Hex>", the bytes behind `text`, "</Hex>\n"
+    // "<Hex>", the bytes after `text`, "</Hex>\n"
     void putDump(TextWriter& body, Untrusted text) const;
     // File, Func and Line
     void putTrailer(TextWriter& body) const;
 
-    // For data that begin with a text: what is behind it, and how many bytes the payload has left
+    // For data that begin with a text: what is after it, and how many bytes the payload has left
     // there. That may be negative: the block is always counted. A text that the payload can't hold
     // takes no room.
-    struct Behind {
+    struct Rest {
         bool holdsText;
         RecordView data;
         int left;
     };
-    Behind behind(Untrusted text) const;
+    Rest after(Untrusted text) const;
 
 private:
     RecordView record_;

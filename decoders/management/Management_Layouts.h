@@ -24,7 +24,7 @@ inline constexpr unsigned kResponseSize = 32;
 
 inline constexpr Row kTextRows[] = {{"Text", "%s", text(0)}};
 
-// The block itself is unpacked by locationOf(): the function name lies behind the file name's NUL.
+// The block itself is unpacked by locationOf(): the function name is after the file name's NUL.
 inline constexpr Row kLocationRows[] = {
     {"Line", "%d", u16(0)},
     {"File", "%s", text(2, 30)},

@@ -46,7 +46,7 @@ std::string_view withoutTrailingNuls(std::string_view text) {
 // Keys come from the record. All but plain ones are left to the pass that makes the body safe.
 constexpr std::size_t kPlainKey = 64;
 
-// The tag of the last pair is its key as it stands.
+// The tag of the last pair is its key as it is.
 void putKey(TextWriter& body, std::string_view key, bool last) {
     if (last) {
         body.raw(Untrusted(key));
@@ -72,9 +72,9 @@ void putPair(TextWriter& body, std::string_view key, std::string_view value, boo
 // Writes "key=value" pairs. A key is the word before a "=", unless the value of the pair before
 // begins with that word: "a=b=c" is the value "b=c". A value runs to the next key, less one blank
 // or less a comma and one blank, and to its first NUL; the last one to the end of the area with its
-// NULs inside, and its key stands as it is. An area that begins with "=" or with blanks and "=" has
-// an empty or a blank first key, which is dropped when its pair is the last one. Not inlined, so
-// that its state stays in registers.
+// NULs inside, and its key is written verbatim. An area that begins with "=" or with blanks and "="
+// has an empty or a blank first key, which is dropped when its pair is the last one. Not inlined,
+// so that its state stays in registers.
 [[gnu::noinline]] void writePairs(TextWriter& body, std::string_view area) {
     bool pending = false; // a key without its value's end
     std::string_view key;
@@ -150,7 +150,7 @@ void smis::putDump(Draft& draft, const Record& record, RecordView data) {
 }
 
 void smis::putPairs(Draft& draft, const Record& record, RecordView data) {
-    const LocatedRecord::Behind area = located(record).behind(data.text(0));
+    const LocatedRecord::Rest area = located(record).after(data.text(0));
     if (area.holdsText)
         writePairs(draft.body, area.data.bytes(0, static_cast<std::size_t>(area.left)).raw());
 }

@@ -1,4 +1,4 @@
-// Tables of the SMI-S provider's decoder. Offsets are behind the location block.
+// Tables of the SMI-S provider's decoder. Offsets are after the location block.
 #pragma once
 
 #include "decoders/management/Management_Layouts.h"

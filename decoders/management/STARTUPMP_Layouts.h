@@ -8,7 +8,7 @@
 
 namespace Pegasus::mpu::startup {
 
-// The message header that the supervisor logs behind a text, at the next multiple of four.
+// The message header that the supervisor logs after a text, at the next multiple of four.
 inline constexpr Row kChannelRows[] = {
     {"Message_type", "%d", u8(message_header::kMessageType)},
     {"MMCH_version", "%d", u8(message_header::kVersion)},

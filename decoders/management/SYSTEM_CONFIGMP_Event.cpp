@@ -64,7 +64,7 @@ void scc::putDump(Draft& draft, const Record& record, RecordView data) {
 
 void scc::putStatus(Draft& draft, const Record& record, RecordView) {
     const LocatedRecord all = located(record);
-    const LocatedRecord::Behind status = all.behind(all.data().text(0));
+    const LocatedRecord::Rest status = all.after(all.data().text(0));
     if (status.left >= kStatusSize)
         return write(draft.body, kLayout<kStatusRows>, status.data);
     draft.body.put("<Incorrect_data_len>").integer(static_cast<std::uint32_t>(status.left));

@@ -110,7 +110,7 @@ inline constexpr CustomPiece kBuffer{putBuffer,
                                      "\x02\x00\x00\x1C\x00\x00\x00\x01\x11\x00\x02\x24"sv,
                                      Provenance::Assumed};
 
-// The adapter's state as it lies in its memory. SES control and status elements are four bytes
+// The adapter's state as it is in its memory. SES control and status elements are four bytes
 // each, shown as one run of hexadecimal digits.
 inline constexpr Row kStateRows[] = {
     assumed("Event_Id", "%d", u32(0)),

@@ -7,7 +7,7 @@
 
 namespace Pegasus::mpu::isns {
 
-// Titles are a label and a reason word, joined as they stand.
+// Titles are a label and a reason word, joined as they are.
 inline constexpr std::string_view kLabelTexts[] = {
     "", "ICS REQ ", "ICS RSP ", "ICS MSG ", "ISNS REQ ", "ISNS RSP ", "ISNS MSG ", "TEXT ",
 };

@@ -11,7 +11,7 @@ namespace mpu::sata {
 
 namespace {
 
-// Two digits a byte with a blank between the bytes.
+// Two digits per byte with a blank between the bytes.
 char* putPairs(char* out, const std::uint8_t* bytes, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         if (i > 0)

@@ -15,7 +15,7 @@ namespace Pegasus::mpu::sata {
 constexpr Row dec(std::string_view tag, Value v) {
     return {tag, "%u", v};
 }
-// Two digits a byte, but eight for the 64-bit ones.
+// Two digits per byte, but eight for the 64-bit ones.
 constexpr Row hex(std::string_view tag, Value v) {
     return {tag, v.size == 1 ? "0x%02x" : v.size == 2 ? "0x%04x" : "0x%08x", v};
 }
@@ -26,7 +26,7 @@ constexpr Row swapped(std::string_view tag, unsigned at) {
     return {tag, "0x%s", custom(at, 8, kSwapped)};
 }
 
-// The event body lies behind the 36 bytes of header.
+// The event body is after the 36 bytes of header.
 inline constexpr unsigned kBody = 36;
 constexpr unsigned b(unsigned at) {
     return kBody + at;
@@ -367,7 +367,7 @@ inline constexpr auto kAsyncRows = assumed({
     hex("Async_Data", u32(b(16))),
 });
 
-// Bugchecks: the drive, then the object that failed. Quantities of 64 bits lie at the next offset
+// Bugchecks: the drive, then the object that failed. Quantities of 64 bits are at the next offset
 // that is a multiple of 8.
 inline constexpr auto kBugcheckRows = assumed({
     dec("Drive", u32(b(0))),
@@ -473,7 +473,7 @@ inline constexpr auto kTransferRows = assumed({
     dec("DRP_Xfer_Count", u32(b(8))),
     dec("SGT_Total_Byte_Count", u32(b(12))),
 });
-// Up to kSegments of them behind the transfer; an address of 0 ends the list.
+// Up to kSegments of them after the transfer; an address of 0 ends the list.
 inline constexpr Row kSegmentRows[] = {
     hex("SGTE_Address", u32(0)).assumed(),
     dec("SGTE_Byte_Count", u32(4)).assumed(),
@@ -623,7 +623,7 @@ static_assert(accepted<kEvents>);
 
 namespace v3 {
 
-// Fields of the event header, from its start, and of the class data behind its 32 bytes.
+// Fields of the event header, from its start, and of the class data after its 32 bytes.
 inline constexpr unsigned kData = 32;
 constexpr unsigned c(unsigned at) {
     return kData + at;
@@ -803,7 +803,7 @@ inline constexpr Row kCommandFisRows[] = {
     hex("Command_FIS_Sector_Count_Exp", u8(13)),
     hex("Command_FIS_Control", u8(15)),
 };
-// Behind the cause of the error.
+// After the cause of the error.
 inline constexpr Row kStatusFisRows[] = {
     Row("Status_FIS_LBA", "0x%s", custom(4, 7, kFisLba)),
     hex("Status_FIS_FIS_Type", u8(0)),

@@ -246,8 +246,8 @@ inline constexpr std::string_view kSenseKeyTexts[] = {
 };
 inline constexpr NameTable kSenseKeys = names<kSenseKeyTexts>();
 
-// The firmware's list lacks a comma behind its fifth name: two names make one entry, and all later
-// ones lie one lower.
+// The firmware's list lacks a comma after its fifth name: two names make one entry, and all later
+// ones are off by one.
 inline constexpr std::string_view kSasStatusTexts[] = {
     "Success",
     "Unknown Error",

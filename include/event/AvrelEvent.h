@@ -12,9 +12,9 @@ public:
 
     // Appends "<tag>value</tag>" to the body, the value made by printf rules. A backslash that ends
     // the tag or the value, with no backslash before it, becomes "." so that it can't escape the
-    // tag behind it in later processing; in the tag that changes the caller's text.
+    // tag after it in later processing; in the tag that changes the caller's text.
     virtual void addEntry(char* tag, char* format, ...) __attribute__((format(printf, 3, 4)));
-    // Appends `text` (UTF-8; invalid bytes become "?") as it stands.
+    // Appends `text` (UTF-8; invalid bytes become "?") as it is.
     virtual void appendBody(char* text);
 
 private:

@@ -59,7 +59,7 @@ public:
     String categoryFromEmpValue(unsigned int value) const;
     String sourceFromEmpValue(unsigned int value) const;
 
-    // Two upper-case hexadecimal digits a byte and a NUL; `out` has room for 2 * count + 1
+    // Two upper-case hexadecimal digits per byte and a NUL; `out` has room for 2 * count + 1
     // characters. A count of 0 or less writes the NUL alone.
     static void hexified(char* out, const char* bytes, long count);
     static String hexifiedString(const char* bytes, long count);
@@ -72,11 +72,11 @@ public:
 
     // Rewrites `text` in place into an element name: blanks become "_", all but letters, digits and
     // "_" is dropped. With a `count`, exactly that many characters are examined and a NUL is
-    // written behind the kept ones when some were dropped. With 0 the text runs to its NUL and no
-    // NUL is written: what was behind the kept characters stays there ("a-b" becomes "abb").
+    // written after the kept ones when some were dropped. With 0 the text runs to its NUL and no
+    // NUL is written: what was after the kept characters stays there ("a-b" becomes "abb").
     static void makeSafeKeyname(char* text, int count);
     // `text` with everything outside well-formed elements restricted to letters, digits, blanks and
-    // common punctuation; "=" becomes ": ", all else "?". Tags pass as they stand, the content of
+    // common punctuation; "=" becomes ": ", all else "?". Tags pass as they are, the content of
     // an element is made safe likewise; an element without closing tag is text. `count` bytes, or
     // up to the NUL when it is 0. The closing tag of an element is the first "</" after its opening
     // tag that ">" or the name follows. Time linear in the length, constant stack.

@@ -1,4 +1,4 @@
-// Big-endian integers as they lie in records and messages: read and written byte order aware and
+// Big-endian integers as they are in records and messages: read and written byte order aware and
 // without any alignment, on hosts of either byte order.
 #pragma once
 
@@ -34,7 +34,7 @@ inline void storeBig(void* at, T value) {
 }
 
 // A big-endian field of a wire structure. Alignment 1, so structures made of these have no padding
-// and may lie at any address.
+// and may be at any address.
 template <class T>
 class Big {
 public:

@@ -20,7 +20,7 @@ struct EmpEvLogMsg_s {
     mpu::Big<std::uint32_t> logInstance; // 132: which of the controller's event logs
     mpu::Big<std::uint32_t> sequenceId;  // 136: running number within the log
     mpu::Big<std::uint32_t> timestamp; // 140: raw firmware time; unit and epoch are the firmware's
-    mpu::Big<std::uint16_t> evStructLength; // 144: payload bytes behind the header
+    mpu::Big<std::uint16_t> evStructLength; // 144: payload bytes after the header
     std::uint8_t source;                    // 146: module id, selects the decoder
     std::uint8_t eventType;                 // 147: 1, 2, 3 customer; 101, 102, 103 engineering
     std::uint8_t category;                  // 148: 1 to 14

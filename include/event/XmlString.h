@@ -7,7 +7,7 @@
 
 namespace Pegasus {
 
-// Each operation appends "<name>value</name>". Names and values are taken as they stand: they must
+// Each operation appends "<name>value</name>". Names and values are taken as they are: they must
 // be valid and safe already. Hexadecimal values are lower-case with "0x" and at least two digits a
 // byte, but eight for the 64-bit forms, as their readers expect.
 class MPUEVENT_EXPORT XmlString : public std::string {

@@ -485,7 +485,7 @@ String& String::assign(const Char16* text) {
 
 String& String::assign(const Char16* text, Uint32 n) {
     requirePointer(text);
-    // The text may lie in our own block: that one goes last.
+    // The text may be in our own block: that one goes last.
     Block* const target = block_->isWritable(n) ? block_ : allocate(n);
     moveUnits(target->units, text, n);
     target->setSize(n);
@@ -576,7 +576,7 @@ String& String::append(const Char16* text, Uint32 n) {
     requirePointer(text);
     const Uint32 oldSize = size();
     const Uint32 newSize = checkedSize(Uint64{oldSize} + n);
-    // The text may lie in our own block: that one goes last.
+    // The text may be in our own block: that one goes last.
     Block* target = block_;
     if (!block_->isWritable(newSize)) {
         target = allocate(roundedCapacity(newSize));

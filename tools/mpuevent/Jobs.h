@@ -29,7 +29,7 @@ private:
         enum { Free, Waiting, Done } state = Free;
         std::vector<std::uint8_t> bytes; // of the messages
         std::vector<Message> messages;   // their spans point into it
-        std::string complaint;           // behind the messages
+        std::string complaint;           // after the messages
         Status status = kFine;           // that it makes
         mpu::StackWriter<64> text;       // of the events
         std::vector<std::size_t> ends;   // of each of them in the text

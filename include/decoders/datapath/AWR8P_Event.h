@@ -8,7 +8,7 @@
 
 namespace Pegasus {
 
-// Header of an item; the content lies behind it. Big-endian. A negative length means no content.
+// Header of an item; the content is after it. Big-endian. A negative length means no content.
 //
 //     | type | length | content                                        |
 //                     | type | length | content | type | length | ...  |   of a container

@@ -1,5 +1,5 @@
 // The structures that the records of the I/O manager and the message/interrupt processor share: a
-// frame of five big-endian words at the start of the payload (offset 152), a data area behind it,
+// frame of five big-endian words at the start of the payload (offset 152), a data area after it,
 // and sub-records in that.
 #pragma once
 
@@ -12,7 +12,7 @@ struct Frame {
     Big<std::uint32_t> code; // meaning depends on the class
     Big<std::uint32_t> unused;
     Big<std::uint32_t> line;       // firmware source line that raised the event
-    Big<std::uint32_t> dataLength; // bytes of the data area, which begins behind this
+    Big<std::uint32_t> dataLength; // bytes of the data area, which begins after this
 };
 
 // Sub-records that both write.

@@ -6,7 +6,7 @@
 
 namespace Pegasus {
 
-// Title and summary by event code. Bodies are flat runs of elements with a blank behind each. They
+// Title and summary by event code. Bodies are flat runs of elements with a blank after each. They
 // and the summaries hold texts as the record has them; only the management port's body passes
 // makeSafeString. An unknown code gives the summary "***UNKNOWN EventID***" and a hexadecimal dump.
 class MPUEVENT_EXPORT NETWORK_CONFIGMP_Event : public Avrel_Event {

@@ -9,7 +9,7 @@ namespace Pegasus {
 
 using SMI_EVENT_LOCINFO_t = mpu::LocationBlock;
 
-// Title by event code and severity. Bodies are flat runs of elements with a blank behind each;
+// Title by event code and severity. Bodies are flat runs of elements with a blank after each;
 // unless the severity is 1 they end with File, Func and Line. An unknown code gives the summary
 // "***UNKNOWN SMIS EventID***" and a hexadecimal dump.
 class MPUEVENT_EXPORT SMIS_Event : public Avrel_Event {

@@ -5,7 +5,7 @@
 
 namespace Pegasus {
 
-// Title and summary by event code. Bodies are flat runs of elements with a blank behind each, some
+// Title and summary by event code. Bodies are flat runs of elements with a blank after each, some
 // of them in groups. An unknown code gives the summary "Unhandled Event by STARTUPMP" and a
 // hexadecimal dump.
 class MPUEVENT_EXPORT STARTUPMP_Event : public Avrel_Event {

@@ -9,7 +9,7 @@ namespace Pegasus {
 
 using SCC_EVENT_LOCINFO_t = mpu::LocationBlock;
 
-// Title by event code and severity. Bodies are flat runs of elements with a blank behind each;
+// Title by event code and severity. Bodies are flat runs of elements with a blank after each;
 // unless the severity is 1 they end with File, Func and Line. An unknown code gives the summary
 // "***UNKNOWN EventID***" and a hexadecimal dump.
 class MPUEVENT_EXPORT SYSTEM_CONFIGMP_Event : public Avrel_Event {
@@ -19,7 +19,7 @@ public:
 };
 
 // Copies the first sentence of `src` (NUL-terminated) into `dst`, at most 63 characters, or `limit`
-// where that is greater than 0 and less. It ends at ";", at the blank behind a full stop, at the
+// where that is greater than 0 and less. It ends at ";", at the blank after a full stop, at the
 // ":" of "():", and if need be at the last blank before position 63.
 MPUEVENT_EXPORT void SCC_copySummarized(char* dst, const char* src, int limit);
 

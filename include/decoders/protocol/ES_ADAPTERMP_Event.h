@@ -14,7 +14,7 @@ public:
     ~ES_ADAPTERMP_Event() override;
 };
 
-// The body of a record: elements with a blank behind each, or a text for an unknown event id. The
+// The body of a record: elements with a blank after each, or a text for an unknown event id. The
 // memory behind `record` holds 152 + evStructLength bytes.
 MPUEVENT_EXPORT String get_ES_ADAPTERMP_event_body(const EmpEvLogMsg_s* record);
 

@@ -9,7 +9,7 @@
 
 namespace Pegasus {
 
-// The event data of each kind, which begin at record offset 152: bytes as they lie in the record,
+// The event data of each kind, which begin at record offset 152: bytes as they are in the record,
 // all numbers big-endian. Each begins with the kind (u16), the reason code (u16) and the socket
 // number (u32). The layouts are in the record reference.
 struct BASIC_DATA {
@@ -51,7 +51,7 @@ public:
     ~ISCSIMP_Event() override;
 
     // Each appends the elements of the data to `body`, not made safe, and to `summary`. The memory
-    // behind the data holds all texts that their lengths announce.
+    // after the data holds all texts that their lengths announce.
     static void build_basic_event(XmlString& body, std::string& summary, const BASIC_DATA*);
     static void build_socket_event(XmlString& body, std::string& summary, const SOCKET_DATA*);
     static void build_param_event(XmlString& body, std::string& summary, const PARAM_DATA*);

@@ -25,7 +25,7 @@ struct DEVICE_MGR_EVL_HDR {
 };
 static_assert(sizeof(DEVICE_MGR_EVL_HDR) == 36);
 
-// Bodies of version 2, at record offset 188; the layout tables say what lies where.
+// Bodies of version 2, at record offset 188; the layout tables say what is where.
 struct DEVICE_MGR_HARDWARE_EVENT {
     mpu::Big<std::uint32_t> idSelect;
     mpu::Big<std::uint32_t> pciErrorCode;

@@ -21,7 +21,7 @@ public:
     virtual ~ManagedObject();
 
     // The object encoded in the `length` bytes at `data`, as a flat run of elements with a blank
-    // behind each: ClassName, the attributes whose places are known, and Hex with all bytes. Texts
+    // after each: ClassName, the attributes whose places are known, and Hex with all bytes. Texts
     // stand as the object has them.
     virtual String render(const void* data, unsigned int length) const;
 

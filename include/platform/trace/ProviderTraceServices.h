@@ -21,7 +21,7 @@ public:
 
     static std::string ptsGetTimeStampString(); // local time as asctime has it, without line feed
     static std::string ptsGetPidString();
-    // "source:line", filled up with blanks to `width`.
+    // "source:line", padded with blanks to `width`.
     static std::string ptsGetFileLineString(const char* source, int line, unsigned int width);
     static std::string ptsGetIndentString(); // empty: the library's lines do not nest
 

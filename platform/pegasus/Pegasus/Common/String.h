@@ -2,7 +2,7 @@
 // String. Same names, same calls, same results; a call that compiles here compiles there.
 //
 // A String is UTF-16 in the machine's byte order. Sizes and indexes count 16-bit code units, so a
-// character above U+FFFF counts as two. A short text lies in the String itself; copies of a longer
+// character above U+FFFF counts as two. A short text is in the String itself; copies of a longer
 // one share one buffer with an atomic reference count. Different String objects may be used by
 // different threads without care, one object may not be changed while another thread uses it.
 //

@@ -371,13 +371,19 @@ std::size_t Capture::swallowed(std::size_t length) {
     const std::uint32_t step = recordAt(length).sequenceId - recordAt(0).sequenceId;
     if (step == 1 || step == UINT32_MAX || step == 0) // as it should be, up or down
         return 0;
+    // One that is whole begins after our header and ends where we do at the latest.
+    const std::size_t from = headerSize_ != 0 ? minimum_ : inside_;
+    if (length < from + minimum_)
+        return 0;
+    const std::size_t to = length - minimum_ + 1;
     const std::uint32_t own = distance(0);
     const std::uint32_t most = own == UINT32_MAX ? 1 : own - 1;
     std::size_t first = 0;
-    for (std::size_t inner = strongBetween(inside_, length); inner != 0 && inner != kUnknown;
-         inner = strongBetween(inner + 1, length)) {
+    for (std::size_t inner = strongBetween(from, to); inner != 0 && inner != kUnknown;
+         inner = strongBetween(inner + 1, to)) {
         first = first != 0 ? first : inner;
-        if (distance(inner) <= most && evidence(inner + announcedLength(inner)) >= strong_)
+        const std::size_t end = inner + announcedLength(inner);
+        if (end <= length && distance(inner) <= most && evidence(end) >= strong_)
             return first;
     }
     return 0;

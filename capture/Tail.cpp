@@ -1,5 +1,6 @@
 #include "capture/Tail.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <unistd.h>
 
@@ -38,6 +39,22 @@ int Tail::poll(Capture& capture, const Visitor& visitor, bool last) {
     status_ = now; // more may have come meanwhile: the next call looks again
     read_ = failure_ == 0;
     return failure_;
+}
+
+std::uint64_t Tail::fingerprint(std::uint64_t size) const {
+    std::uint64_t hash = 0xCBF29CE484222325; // FNV-1a
+    std::uint8_t bytes[512];
+    for (std::uint64_t at = 0; at < size;) {
+        const auto room =
+            static_cast<std::size_t>(std::min<std::uint64_t>(size - at, sizeof bytes));
+        const ssize_t got = ::pread(descriptor_, bytes, room, static_cast<off_t>(at));
+        if (got <= 0)
+            break;
+        for (ssize_t i = 0; i < got; ++i)
+            hash = (hash ^ bytes[i]) * 0x100000001B3;
+        at += static_cast<std::uint64_t>(got);
+    }
+    return hash;
 }
 
 std::size_t Tail::read(std::uint8_t* to, std::size_t room) {

@@ -20,6 +20,10 @@ public:
         return other.st_dev == status_.st_dev && other.st_ino == status_.st_ino;
     }
 
+    const struct stat& status() const { return status_; }
+    // Of the first so many bytes.
+    std::uint64_t fingerprint(std::uint64_t size) const;
+
     // After the last message handed over.
     const Place& place() const { return place_; }
 

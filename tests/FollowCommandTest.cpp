@@ -85,6 +85,24 @@ TEST_F(FollowCommandTest, SeveralFilesAndAFifo) {
     EXPECT_EQ(result.err, "");
 }
 
+// Through a rotation while nobody follows, too.
+TEST_F(FollowCommandTest, CursorGoesOnAfterARestart) {
+    const auto numbersOf = [this](const std::string& before, const char* script) {
+        const Result result = follow("--format line --cursor place", script, "INT", before);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.err, "");
+        return numbers(result.out);
+    };
+    EXPECT_EQ(numbersOf("rm -f out; ", "wait_for 1; head -c 100 2 >>log; sleep 0.4"), "1");
+    EXPECT_EQ(numbersOf("tail -c +101 2 >>log; cat 3 >>log; mv log log.1; cat 4 >log; rm -f out; ",
+                        "wait_for 3; cat 5 >>log; wait_for 4"),
+              "2345");
+    EXPECT_EQ(run("follow --format line --cursor place --limit 1 log 1").out.size(),
+              run("decode --format line 1").out.size());
+    write("place", "something else");
+    EXPECT_EQ(run("follow --cursor place log").err, "mpuevent: place: not a cursor of mpuevent\n");
+}
+
 // One false length must not hide what follows until as many bytes have come.
 TEST_F(FollowCommandTest, ShowsTheNextMessageAfterAFalseLength) {
     std::string wrong = message(2);

@@ -113,7 +113,8 @@ std::string SampleWriter::record(const Module& module, const RecordKind& kind) {
     std::memcpy(header.controllerSerialNumber, slot == 1 ? "CTL0000815" : "CTL0000816", 10);
     header.slotId = slot;
     header.logInstance = 1;
-    header.sequenceId = ++made_;
+    header.sequenceId = ++inLog_[slot - 1]; // each controller has a log of its own
+    ++made_;
     header.timestamp = 0x4AF00000u + 60 * made_;
     header.source = module.source;
     header.eventType = static_cast<std::uint8_t>((below(4) == 0 ? 101 : 1) + made_ % 3);

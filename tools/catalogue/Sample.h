@@ -51,6 +51,7 @@ private:
 
     std::mt19937 random_;
     std::uint32_t made_ = 0;
+    std::uint32_t inLog_[2]{}; // of those, in the log of each controller
 };
 
 } // namespace Pegasus::mpu

@@ -26,5 +26,6 @@ Runner addFormats(CLI::App& app);
 Runner addReport(CLI::App& app);
 Runner addSample(CLI::App& app);
 Runner addSummary(CLI::App& app);
+Runner addVerify(CLI::App& app);
 
 } // namespace Pegasus::tool

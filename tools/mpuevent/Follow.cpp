@@ -1,6 +1,7 @@
 // mpuevent follow: the events of captures as they grow.
 #include "capture/Tail.h"
 #include "tools/mpuevent/Command.h"
+#include "tools/mpuevent/Cursor.h"
 #include "tools/mpuevent/Events.h"
 
 #include <cerrno>
@@ -40,6 +41,7 @@ struct Options {
     std::vector<std::string> files{"-"};
     std::string input = "cmap";
     std::optional<std::size_t> last;
+    std::string cursor;
     EventOptions events;
 };
 
@@ -84,11 +86,15 @@ public:
           framing_(rowOf(kFramings, options.input).framing),
           capture_(framing_, [this](const Damage& damage) { fault(kDamaged, damage.str()); }) {}
 
-    // False, and reported, on failure.
-    bool open();
+    // Begins at the mark. False, and reported, on failure.
+    bool open(const std::optional<Mark>& mark);
     // Hands over what came. False when no more can come.
     bool poll();
     // To wait for; -1 for a file that grows.
+    void mark(Cursor& cursor) const {
+        if (tail_ && path_ != "-")
+            cursor.set(path_, Mark::of(*tail_));
+    }
     int descriptor() const { return pipe_ ? pipe_->descriptor() : -1; }
 
 private:
@@ -105,6 +111,7 @@ private:
                             : ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     }
     Place beforeLast(Tail& tail, std::size_t count);
+    bool wanted() const { return writer_.wantsMore() && interrupted == 0; }
     bool visit(const Message& message) { return writer_.take(message) && interrupted == 0; }
     int read(bool last) {
         return tail_->poll(
@@ -120,7 +127,7 @@ private:
     std::unique_ptr<Pipe> pipe_;
 };
 
-bool Followed::open() {
+bool Followed::open(const std::optional<Mark>& mark) {
     const int descriptor = openFile();
     struct stat status;
     if (descriptor < 0 || ::fstat(descriptor, &status) != 0)
@@ -137,7 +144,16 @@ bool Followed::open() {
         return true;
     }
     Place place;
-    if (last_) {
+    if (mark) {
+        const int marked = openMarked(path_, *mark);
+        if (marked >= 0)
+            tail_ = std::make_unique<Tail>(marked, Place{mark->offset, 0, {}});
+        if (tail_) { // under another name now: poll() reads it to its end first
+            ::close(descriptor);
+            return true;
+        }
+        fault(kDamaged, "the file that was read last is gone; what came since may be missing");
+    } else if (last_) {
         Tail tail(::dup(descriptor));
         place = beforeLast(tail, *last_);
     }
@@ -160,6 +176,8 @@ Place Followed::beforeLast(Tail& tail, std::size_t count) {
 }
 
 bool Followed::poll() {
+    if (!wanted())
+        return true;
     if (pipe_) {
         for (Message message; capture_.next(message) && visit(message);)
             ;
@@ -171,7 +189,7 @@ bool Followed::poll() {
         path_ != "-" && ::stat(path_.c_str(), &now) == 0 && S_ISREG(now.st_mode) && !tail_->is(now);
     if (const int error = read(replaced); error != 0)
         return fail(error);
-    if (replaced) {
+    if (replaced && wanted()) {
         const int descriptor = openFile();
         if (descriptor >= 0)
             tail_ = std::make_unique<Tail>(descriptor);
@@ -201,13 +219,24 @@ Status follow(const Options& options) {
     catchSignals();
     Output output;
     EventWriter writer(options.events, output);
+    Cursor cursor(options.cursor);
     std::vector<std::unique_ptr<Followed>> files;
     for (const std::string& path : options.files)
-        if (auto file = std::make_unique<Followed>(path, options, writer); file->open())
+        if (auto file = std::make_unique<Followed>(path, options, writer);
+            file->open(cursor.find(path)))
             files.push_back(std::move(file));
-    do {
+    for (bool more = true; more;) {
         std::erase_if(files, [](const auto& file) { return !file->poll(); });
-    } while (!files.empty() && writer.wantsMore() && output.flush() && wait(output, files));
+        more = output.flush();
+        if (more) // what is marked as read has been written
+            for (const auto& file : files)
+                file->mark(cursor);
+        if (const int error = cursor.store(); error != 0) {
+            writer.complaint(kFailed, fmt::format("{}: {}", options.cursor, std::strerror(error)));
+            more = false;
+        }
+        more = more && !files.empty() && writer.wantsMore() && wait(output, files);
+    }
     return writer.finish();
 }
 
@@ -224,6 +253,9 @@ Runner addFollow(CLI::App& app) {
         ->capture_default_str();
     app.add_option("--last,-n", options->last, "Begin with the last N events of a file")
         ->type_name("N");
+    app.add_option("--cursor", options->cursor,
+                   "Go on where the last run with this file stopped, and keep it up to date")
+        ->type_name("FILE");
     options->events.addOptions(app);
     return [options] { return follow(*options); };
 }

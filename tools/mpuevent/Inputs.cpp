@@ -105,13 +105,17 @@ private:
 
 } // namespace
 
-void InputKind::addOption(CLI::App& app) {
+void InputKind::addOptions(CLI::App& app, bool limited) {
     app.add_option("--input", name_,
                    "What a file holds: messages (cmap), bare records (record), or either as hex "
                    "or base64 text (hex, hex-record). Recognised by its first bytes (auto) are "
                    "those, such text in its usual forms, and gzip, xz and zstd data")
         ->check(CLI::IsMember(namesOf(kInputs)))
         ->capture_default_str();
+    if (!limited) {
+        maxReports_ = 0;
+        return;
+    }
     app.add_option("--max-reports", maxReports_,
                    "Report N faults of a file, count the rest; 0 = report all")
         ->type_name("N")
@@ -147,17 +151,19 @@ InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Si
                 sink.onDamage(name, damage);
         });
         capture.open(input.bytes());
+        sink.onBegin(name);
         for (Message message; more && capture.next(message);)
             more = sink.take(message);
+        sink.onEnd(capture.position());
     }
     if (faults > maxReports_ && maxReports_ != 0)
         sink.complaint(kDamaged, fmt::format("{}: {} more faults", name, faults - maxReports_));
     return {more, faults};
 }
 
-void Inputs::addOptions(CLI::App& app) {
+void Inputs::addOptions(CLI::App& app, bool limited) {
     app.add_option("files", files_, "Captures; \"-\" or none: standard input")->type_name("FILE");
-    kind_.addOption(app);
+    kind_.addOptions(app, limited);
 }
 
 std::uint64_t Inputs::read(Sink& sink) const {

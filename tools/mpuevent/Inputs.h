@@ -17,6 +17,9 @@ namespace Pegasus::tool {
 class Sink {
 public:
     virtual ~Sink() = default;
+    // The messages and the damage of another input follow; it had as many bytes.
+    virtual void onBegin(const std::string&) {}
+    virtual void onEnd(std::uint64_t) {}
     // Returns false when it wants no more.
     virtual bool take(const Message& message) = 0;
     // What is to be said of an input at this place, and what it makes of the exit status.
@@ -33,7 +36,7 @@ class SerialSink : public Sink {
 public:
     explicit SerialSink(Output& output) : output_(output) {}
     void complaint(Status status, const std::string& text) override {
-        status_ = std::max(status_, status);
+        raise(status);
         output_.flush();
         complain(text);
     }
@@ -42,6 +45,8 @@ public:
     Status finish() { return std::max(status_, output_.finish()); }
 
 protected:
+    void raise(Status status) { status_ = std::max(status_, status); }
+
     Output& output_;
 
 private:
@@ -51,7 +56,8 @@ private:
 // What an input holds, and how it is read.
 class InputKind {
 public:
-    void addOption(CLI::App& app);
+    // Faults are limited in number by an option, or all of them told.
+    void addOptions(CLI::App& app, bool limited);
 
     struct Result {
         bool more; // is wanted by the sink
@@ -68,7 +74,7 @@ private:
 
 class Inputs {
 public:
-    void addOptions(CLI::App& app);
+    void addOptions(CLI::App& app, bool limited = true);
 
     // Hands over every message of every file in order. Faults are passed over; returns their
     // number. Shows progress.

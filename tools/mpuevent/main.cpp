@@ -18,6 +18,7 @@ namespace {
 constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
     {"summary", "Count what captures hold", addSummary},
+    {"verify", "Tell damage, gaps and repetitions", addVerify},
     {"report", "Write a self-contained HTML report", addReport},
     {"follow", "Decode captures as they grow", addFollow},
     {"formats", "Print the record reference or the JSON Schema", addFormats},
@@ -42,6 +43,8 @@ constexpr char kExamples[] = R"(Examples:
   For other programs:
     mpuevent decode --format json --jobs 0 eventlog.cap | jq .summary
     mpuevent decode --format csv --fields --output events.csv eventlog.cap
+  Is it whole?
+    mpuevent verify eventlog.cap
   A page for a ticket:
     mpuevent report eventlog.cap --output report.html
   As it happens:

@@ -11,7 +11,7 @@ _mpuevent() {
     [[ $cur == '=' ]] && cur=''
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case $word in
-        decode | summary | report | follow | formats | sample) command=$word && break ;;
+        decode | summary | verify | report | follow | formats | sample) command=$word && break ;;
         esac
     done
     case $command/$prev in
@@ -57,6 +57,10 @@ _mpuevent() {
     summary/--format) _mpuevent_words 'text json'; return ;;
     summary/-o) _mpuevent_files; return ;;
     summary/--output) _mpuevent_files; return ;;
+    verify/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
+    verify/--format) _mpuevent_words 'text json'; return ;;
+    verify/-o) _mpuevent_files; return ;;
+    verify/--output) _mpuevent_files; return ;;
     report/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
     report/--max-reports) true; return ;;
     report/--source) true; return ;;
@@ -79,6 +83,7 @@ _mpuevent() {
     follow/--input) _mpuevent_words 'cmap record'; return ;;
     follow/-n) true; return ;;
     follow/--last) true; return ;;
+    follow/--cursor) _mpuevent_files; return ;;
     follow/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
     follow/--source) true; return ;;
     follow/--not-source) true; return ;;
@@ -106,14 +111,16 @@ _mpuevent() {
     esac
     case $command/$cur in
     /-*) _mpuevent_words '-h --help --version' ;;
-    /*) _mpuevent_words 'decode summary report follow formats sample' ;;
+    /*) _mpuevent_words 'decode summary verify report follow formats sample' ;;
     decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output -j --jobs' ;;
     decode/*) _mpuevent_files ;;
     summary/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit --format -o --output' ;;
     summary/*) _mpuevent_files ;;
+    verify/-*) _mpuevent_words '-h --help --input --format -o --output' ;;
+    verify/*) _mpuevent_files ;;
     report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output' ;;
     report/*) _mpuevent_files ;;
-    follow/-*) _mpuevent_words '-h --help --input -n --last --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
+    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
     formats/*) true ;;

@@ -72,7 +72,7 @@ protected:
     // input.
     virtual void advance(Step& step) = 0;
 
-    static constexpr const char* kCut = "the input ends too early";
+    [[maybe_unused]] static constexpr const char* kCut = "the input ends too early";
 
 private:
     ByteSource& packed_;

@@ -87,32 +87,36 @@ std::string put(const char* format, auto value) {
     return text;
 }
 
+enum : unsigned {
+    kRepeats = 1,  // lines, as "*"
+    kLowFirst = 2, // in the numbers
+    kTotal = 4,    // in the end, after a padded number
+};
+
 // How a program prints bytes.
 struct Form {
     const char* name;
     const char* recognised;
-    const char* first = "";  // line
-    const char* offset = ""; // in front of each line
-    std::size_t line = 16;   // bytes
-    std::size_t number = 1;  // bytes
-    const char* before = ""; // each number
-    const char* after = " "; // each number
-    const char* end = "\n";  // of each line
-    bool repeats = false;    // as "*"
-    bool lowFirst = false;   // in the numbers
-    bool total = false;      // an offset alone in the end
-    const char* last = "";   // line
+    const char* offset = "";
+    std::size_t line = 16;  // bytes
+    std::size_t number = 1; // bytes
+    const char* before = "";
+    const char* after = " ";
+    const char* end = "\n"; // of a line
+    unsigned flags = 0;
+    const char* first = ""; // line
+    const char* last = "";  // line
 };
 
 std::string print(const Form& form, std::string bytes) {
     std::string text = form.first;
     const std::size_t size = bytes.size();
-    if (form.total)
+    if (form.flags & kTotal)
         bytes.resize((size + form.number - 1) / form.number * form.number);
     std::string before;
     for (std::size_t at = 0; at < bytes.size(); at += form.line) {
         const std::string line = bytes.substr(at, form.line);
-        if (form.repeats && line == before && at + form.line < bytes.size()) {
+        if ((form.flags & kRepeats) && line == before && at + form.line < bytes.size()) {
             text += text.ends_with("*\n") ? "" : "*\n";
             continue;
         }
@@ -120,7 +124,7 @@ std::string print(const Form& form, std::string bytes) {
         text += *form.offset ? put(form.offset, at) : "";
         for (std::size_t i = 0; i < line.size(); i += form.number) {
             std::string number = line.substr(i, form.number);
-            if (form.lowFirst)
+            if (form.flags & kLowFirst)
                 std::reverse(number.begin(), number.end());
             text += form.before;
             for (const char c : number)
@@ -129,106 +133,41 @@ std::string print(const Form& form, std::string bytes) {
         }
         text += form.end;
     }
-    return text + (form.total ? put(form.offset, size) + "\n" : "") + form.last;
+    return text + ((form.flags & kTotal) ? put(form.offset, size) + "\n" : "") + form.last;
 }
 
 const Form kForms[] = {
-    {.name = "xxd", .recognised = "xxd text", .offset = "%08zx: ", .number = 2, .end = " ..AB..\n"},
-    {.name = "xxd -a",
-     .recognised = "xxd text",
-     .offset = "%08zx: ",
-     .end = " #\n",
-     .repeats = true},
-    {.name = "xxd -e",
-     .recognised = "xxd text of 4-byte words, low byte first",
-     .offset = "%08zx: ",
-     .number = 4,
-     .lowFirst = true},
-    {.name = "quoted xxd", .recognised = "xxd text", .offset = "> %08zx: ", .end = "  > #\r\n"},
-    {.name = "xxd in a mail",
-     .recognised = "xxd text from line 4 on",
-     .first = "Dear all,\n\nadded 3 dumps: look\n",
-     .offset = "%zx: ",
-     .line = 20,
-     .last = "\nRegards\n"},
-    {.name = "xxd -p", .recognised = "hex text", .line = 30, .after = ""},
-    {.name = "xxd -p -u, one line", .recognised = "hex text", .line = 1000, .after = "", .end = ""},
-    {.name = "xxd -i",
-     .recognised = "a list of 0x numbers from line 2 on",
-     .first = "unsigned char log2[] = {\n",
-     .line = 12,
-     .before = " 0x",
-     .after = ",",
-     .last = "};\nunsigned int log2_len = 217;\n"},
-    {.name = "list",
-     .recognised = "a list of 0x numbers",
-     .line = 300,
-     .before = "0x",
-     .after = ", "},
-    {.name = "gdb x/8xb",
-     .recognised = "a list of 0x numbers",
-     .offset = "0x%zx:\t",
-     .line = 8,
-     .before = "0x",
-     .after = "\t"},
-    {.name = "hexdump -C",
-     .recognised = "hexdump -C text",
-     .offset = "%08zx  ",
-     .end = " |..AB #|\n",
-     .repeats = true,
-     .total = true},
-    {.name = "hexdump -v",
-     .recognised = "hexdump text of 2-byte words, low byte first",
-     .offset = "%07zx ",
-     .number = 2,
-     .lowFirst = true,
-     .total = true},
-    {.name = "od -tx1",
-     .recognised = "od -tx1 text",
-     .offset = "%07zo ",
-     .repeats = true,
-     .total = true},
-    {.name = "od -Ad -tx1z",
-     .recognised = "od -tx1 text",
-     .offset = "%07zu ",
-     .end = " >..41 42<\n",
-     .total = true},
-    {.name = "od -Ax -tx4 on the board",
-     .recognised = "hexdump text of 4-byte words, high byte first",
-     .offset = "%06zx ",
-     .number = 4,
-     .repeats = true,
-     .total = true},
-    {.name = "od -w999 -tx1",
-     .recognised = "od -tx1 text",
-     .offset = "%07zo ",
-     .line = 999,
-     .total = true},
-    {.name = "od -An -tx1", .recognised = "hex text", .before = " ", .after = ""},
-    {.name = "Wireshark",
-     .recognised = "od -tx1 text",
-     .offset = "%04zx  ",
-     .end = "   ab 12 cd\n"},
-    {.name = "tcpdump -X",
-     .recognised = "tcpdump text from line 2 on",
-     .first = "12:01:02.000001 IP 10.0.0.1.860 > 10.0.0.2.4000: Flags [P.], length 217\n",
-     .offset = "\t0x%04zx:  ",
-     .number = 2,
-     .end = " ab..12\n"},
-    {.name = "aa:bb", .recognised = "hex text", .line = 18, .after = ":"},
-    {.name = "aa-bb", .recognised = "hex text", .before = "", .after = "-"},
-    {.name = "from a Windows editor",
-     .recognised = "hex text",
-     .first = "\xEF\xBB\xBF",
-     .end = "\r\n"},
-    {.name = "commented",
-     .recognised = "hex text",
-     .first = "# a record\n\n",
-     .line = 4,
-     .end = "# 12\n"},
+    {"xxd", "xxd text", "%08zx: ", 16, 2, "", " ", " ..AB..\n"},
+    {"xxd -a", "xxd text", "%08zx: ", 16, 1, "", " ", " #\n", kRepeats},
+    {"xxd -e", "xxd text of 4-byte words, low byte first", "%08zx: ", 16, 4, "", " ", "\n",
+     kLowFirst},
+    {"quoted xxd", "xxd text", "> %08zx: ", 16, 1, "", " ", "  > #\r\n"},
+    {"xxd in a mail", "xxd text from line 4 on", "%zx: ", 20, 1, "", " ", "\n", 0,
+     "Dear all,\n\nadded 3 dumps: look\n", "\nRegards\n"},
+    {"xxd -p", "hex text", "", 30, 1, "", ""},
+    {"xxd -p -u, one line", "hex text", "", 1000, 1, "", "", ""},
+    {"xxd -i", "a list of 0x numbers from line 2 on", "", 12, 1, " 0x", ",", "\n", 0,
+     "unsigned char log2[] = {\n", "};\nunsigned int log2_len = 217;\n"},
+    {"list", "a list of 0x numbers", "", 300, 1, "0x", ", "},
+    {"gdb x/8xb", "a list of 0x numbers", "0x%zx:\t", 8, 1, "0x", "\t"},
+    {"hexdump -C", "hexdump -C text", "%08zx  ", 16, 1, "", " ", " |..AB #|\n", kRepeats | kTotal},
+    {"hexdump -v", "hexdump text of 2-byte words, low byte first", "%07zx ", 16, 2, "", " ", "\n",
+     kLowFirst | kTotal},
+    {"od -tx1", "od -tx1 text", "%07zo ", 16, 1, "", " ", "\n", kRepeats | kTotal},
+    {"od -Ad -tx1z", "od -tx1 text", "%07zu ", 16, 1, "", " ", " >..41 42<\n", kTotal},
+    {"od -Ax -tx4 on the board", "hexdump text of 4-byte words, high byte first", "%06zx ", 16, 4,
+     "", " ", "\n", kRepeats | kTotal},
+    {"od -w999 -tx1", "od -tx1 text", "%07zo ", 999, 1, "", " ", "\n", kTotal},
+    {"od -An -tx1", "hex text", "", 16, 1, " ", ""},
+    {"Wireshark", "od -tx1 text", "%04zx  ", 16, 1, "", " ", "   ab 12 cd\n"},
+    {"tcpdump -X", "tcpdump text from line 2 on", "\t0x%04zx:  ", 16, 2, "", " ", " ab..12\n", 0,
+     "12:01:02.000001 IP 10.0.0.1.860 > 10.0.0.2.4000: Flags [P.], length 217\n"},
+    {"aa:bb", "hex text", "", 18, 1, "", ":"},
+    {"aa-bb", "hex text", "", 16, 1, "", "-"},
+    {"from a Windows editor", "hex text", "", 16, 1, "", " ", "\r\n", 0, "\xEF\xBB\xBF"},
+    {"commented", "hex text", "", 4, 1, "", " ", "# 12\n", 0, "# a record\n\n"},
 };
 
-// As messages and records, the input's kind given and not.
 void expectRecognised(const std::string& text, const std::string& bytes,
                       const std::string& recognised) {
     const Read found = read(text);

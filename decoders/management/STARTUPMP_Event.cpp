@@ -95,7 +95,7 @@ void startup::putStack(Draft& draft, const Record& record, RecordView data) {
             *out++ = '>';
         };
         tag("<S");
-        out = putHex(out, data.u32(4 * i), 1, Case::Lower);
+        out = putHex(out, data.u32(std::size_t{4} * i), 1, Case::Lower);
         tag("</S");
         *out++ = ' ';
         if (body.view().size() + static_cast<std::size_t>(out - start) > kStackDumpLimit) {

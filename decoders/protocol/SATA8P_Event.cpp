@@ -150,7 +150,7 @@ void v2::putOutcome(Draft& draft, const Record& record, RecordView) {
 }
 
 void v2::putSegments(Draft& draft, const Record&, RecordView data) {
-    for (unsigned i = 0; i < kSegments && data.u32(i * kSegmentSize) != 0; ++i)
+    for (std::size_t i = 0; i < kSegments && data.u32(i * kSegmentSize) != 0; ++i)
         put<kSegmentRows>(draft.body, data.subview(i * kSegmentSize));
 }
 

@@ -501,8 +501,8 @@ TEST(Dispatch, ModulesDecodedLikeOthers) {
         event->setSummary("other");
         return event.release();
     };
-    for (const auto& [source, like] : {std::pair(1, 0), std::pair(4, 3)}) {
-        const auto set = [](int module, DecoderFactory factory) {
+    for (const auto& [source, like] : {std::pair(1u, 0u), std::pair(4u, 3u)}) {
+        const auto set = [](unsigned module, DecoderFactory factory) {
             ASSERT_TRUE(MPUEvent::registerDecoder(static_cast<unsigned char>(module), factory));
         };
         set(like, custom);

@@ -269,7 +269,7 @@ TEST(Recognise, Text) {
             EXPECT_EQ(given.bytes, message);
         }
     }
-    for (const std::size_t line : {76, 64, 1000})
+    for (const std::size_t line : {76u, 64u, 1000u})
         for (const char* end : {"\n", "\r\n", "\n> "}) {
             expectRecognised(base64(message, line, end), message, "base64 text");
             expectRecognised(base64(record, line, end), record, "base64 text, bare records");

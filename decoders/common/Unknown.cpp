@@ -10,12 +10,6 @@ void writePayload(TextWriter& body, const Record& record) {
     body.put("<Hex>").hexBytes(payload).put("</Hex>");
 }
 
-void assignHexBody(String& to, const EmpEvLogMsg_s* record) {
-    StackWriter<1024> body; // beside that of the decoder
-    writePayload(body, Record(record));
-    body.assignTo(to);
-}
-
 void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event) {
     traceUnknown(event.traceSource, event.traceLine, event.trace, record);
     draft.summary.put(event.summary);
@@ -28,10 +22,6 @@ void traceUnknown(const char* source, int line, const char* what, const Record& 
     LineWriter id;
     id.decimal(record.eventId());
     ProviderTraceServices::ptsTrace(source, line, {what, id.view()});
-}
-
-void traceUnknown(const char* source, int line, const char* what, const EmpEvLogMsg_s* record) {
-    traceUnknown(source, line, what, Record(record));
 }
 
 } // namespace Pegasus::mpu

@@ -8,7 +8,6 @@ namespace Pegasus::mpu {
 
 // "<Hex>" and the evStructLength bytes of the payload in upper-case digits, "</Hex>".
 void writePayload(TextWriter& body, const Record& record);
-void assignHexBody(String& body, const EmpEvLogMsg_s* record);
 
 struct UnknownEvent {
     const char* traceSource; // of the trace line, that says `trace` and the event id in decimal
@@ -20,7 +19,6 @@ struct UnknownEvent {
 void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event);
 
 // Traces `what` and the record's event id in decimal.
-void traceUnknown(const char* source, int line, const char* what, const EmpEvLogMsg_s* record);
 void traceUnknown(const char* source, int line, const char* what, const Record& record);
 
 } // namespace Pegasus::mpu

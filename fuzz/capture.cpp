@@ -70,7 +70,8 @@ Found read(Bytes capture, Framing framing, bool hex, std::size_t drop, int failu
         if (!hex) {
             require(message.offset + header + message.record.size() <= capture.size(),
                     "a message is inside the capture");
-            const Bytes record = capture.subspan(message.offset + header, message.record.size());
+            const Bytes record = capture.subspan(static_cast<std::size_t>(message.offset) + header,
+                                                 message.record.size());
             for (std::size_t i = 0; i < record.size(); ++i)
                 require(message.record[i] == record[i] || i / 2 == kClaim / 2,
                         "a message is a part of the capture, but for what it claims to carry");

@@ -356,7 +356,7 @@ void check(const Ruin& ruin, Framing framing) {
         const std::uint64_t end = message.offset + message.header.size() + message.record.size();
         covered += end - std::max(message.offset, last);
         last = end;
-        if (missing.erase(message.offset) != 0)
+        if (missing.erase(static_cast<std::size_t>(message.offset)) != 0)
             continue;
         // Of a damaged one, whose message header may be missing.
         madeUp +=

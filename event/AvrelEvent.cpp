@@ -52,8 +52,8 @@ void AvrelEvent::addEntry(char* tag, char* format, ...) {
     mendEnd(value, length);
 
     mpu::StackWriter<2048> entry;
-    entry.open({tag, tagLength}).put({value, length}).close({tag, tagLength});
-    entry.put(std::string_view("\0", 1));
+    entry.open({tag, tagLength}).literal({value, length}).close({tag, tagLength});
+    entry.literal(std::string_view("\0", 1));
     // The writer's own characters, NUL included: nobody else sees them.
     appendBody(const_cast<char*>(entry.view().data()));
 }

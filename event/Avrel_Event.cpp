@@ -120,8 +120,8 @@ Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
     if (sizeof *record + claimed != length &&
         ProviderTraceServices::ptsGetTraceSuppressForPid() == 0) {
         LineWriter line;
-        line.put("Avrel_Event constructed with len=").decimal(length);
-        line.put(", but evStructLength=").decimal(claimed);
+        line.literal("Avrel_Event constructed with len=").decimal(length);
+        line.literal(", but evStructLength=").decimal(claimed);
         ProviderTraceServices::ptsTrace(kTraceSource, 155, {line.view()});
         ProviderTraceServices::ptsTrace(kTraceSource, 156, {"Contents of Event data is:"});
         const CString contents = Avrel_Event::str().getCString();
@@ -226,12 +226,12 @@ String Avrel_Event::getEventType() {
 
 [[gnu::cold]] String Avrel_Event::str() const {
     LineWriter numbers;
-    numbers.put("', Slot: ").integer(controllerSlotID_);
-    numbers.put(", Log Instance # ").integer(eventLogInstanceNumber_);
-    numbers.put(", Sequence ID=").integer(sequenceID_);
-    numbers.put(", Timestamp=").integer(timestamp_).put(", Source: '");
+    numbers.literal("', Slot: ").integer(controllerSlotID_);
+    numbers.literal(", Log Instance # ").integer(eventLogInstanceNumber_);
+    numbers.literal(", Sequence ID=").integer(sequenceID_);
+    numbers.literal(", Timestamp=").integer(timestamp_).literal(", Source: '");
     LineWriter type;
-    type.put("', EventType=").integer(eventType_).put(", EventID: '");
+    type.literal("', EventType=").integer(eventType_).literal(", EventID: '");
 
     String line("Enclosure Ser#: '");
     line.append(enclosureSerialNumber_).append("', Card Ser#: '").append(controllerSerialNumber_);

@@ -7,16 +7,16 @@ namespace Pegasus::mpu {
 
 // An event under construction: three texts of 8 bits.
 struct Draft {
-    explicit Draft(Texts body_ = Texts::Safe) : body(body_) {}
+    explicit Draft(Sanitize body_ = Sanitize::Yes) : body(body_) {}
 
     // For the next record, as constructed without arguments.
     void clear() {
         title.clear();
         isTitled = false;
         summary.clear();
-        summary.setTexts(Texts::Raw);
+        summary.setSanitize(Sanitize::No);
         body.clear();
-        body.setTexts(Texts::Safe);
+        body.setSanitize(Sanitize::Yes);
     }
 
     LineWriter title;      // when empty, the event's number is the title

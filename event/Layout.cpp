@@ -119,7 +119,7 @@ void write(TextWriter& out, const Layout& layout, RecordView view, std::string_v
         }
         case Opcode::EventName:
             out.commit(next);
-            out.put(titleOf);
+            out.literal(titleOf);
             next = out.reserve(layout.room);
             break;
         case Opcode::SkipZero:
@@ -188,7 +188,7 @@ void Events::writeBody(Draft& draft, const Entry& entry, const Record& record,
 }
 
 void Events::write(Draft& draft, const Entry& entry, const Record& record, RecordView data) const {
-    draft.title.put(title(entry, record.severity()));
+    draft.title.literal(title(entry, record.severity()));
     writeBody(draft, entry, record, data);
 }
 

@@ -17,11 +17,11 @@ namespace {
 
 // What stands for an event whose decoder failed.
 [[gnu::cold]] Avrel_Event* undecoded(const EmpEvLogMsg_s* record, std::uint32_t length) {
-    BodyWriter dump(Texts::Safe);
-    dump.put("Exception in XMLizer for EventLog entry;");
-    dump.put("EventLog entry could not be parsed;");
-    dump.put("Source=0x").hexLower(record->source, 1).put(";");
-    dump.put("EventLog entry (message payload) binary buffer dump;");
+    BodyWriter dump(Sanitize::Yes);
+    dump.literal("Exception in XMLizer for EventLog entry;");
+    dump.literal("EventLog entry could not be parsed;");
+    dump.literal("Source=0x").hexLower(record->source, 1).literal(";");
+    dump.literal("EventLog entry (message payload) binary buffer dump;");
     putDump(dump, {reinterpret_cast<const char*>(record), length});
     dump.expectMarkup(); // none of it is safe yet
     std::unique_ptr<Avrel_Event> event(new Avrel_Event(record, length));
@@ -78,13 +78,13 @@ void MPUEvent::setCMAPMessageHeader(const CMAPMessageHeader& header) {
 [[gnu::cold]] String MPUEvent::str() const {
     LineWriter line;
     if (!record_.data()) {
-        line.put("<No MMSG Data!>");
+        line.literal("<No MMSG Data!>");
     } else {
         const RecordView r(record_.data(), record_.size());
-        line.put("SequenceId: ").integer(r.u32(136)).put(", time: ").integer(r.u32(140));
-        line.put(", len: ").integer(r.u16(144)).put(", source: ").integer(r.u8(146));
-        line.put(", type: ").integer(r.u8(147)).put(", category: ").integer(r.u8(148));
-        line.put(", eventId (").integer(r.u8(149)).put("): ").integer(r.u16(150));
+        line.literal("SequenceId: ").integer(r.u32(136)).literal(", time: ").integer(r.u32(140));
+        line.literal(", len: ").integer(r.u16(144)).literal(", source: ").integer(r.u8(146));
+        line.literal(", type: ").integer(r.u8(147)).literal(", category: ").integer(r.u8(148));
+        line.literal(", eventId (").integer(r.u8(149)).literal("): ").integer(r.u16(150));
     }
     // Readers of this line hold 256 characters.
     return header_.str() + ", " + toString(line.view().substr(0, 255));

@@ -246,7 +246,7 @@ private:
     void put(Position tag, Position tagEnd) {
         out_.commit(putSafeRun(out_.reserve(2 * std::size_t{tag - written_}),
                                text_.substr(written_, tag - written_)));
-        out_.put(text_.substr(tag, tagEnd - tag));
+        out_.literal(text_.substr(tag, tagEnd - tag));
         written_ = tagEnd;
     }
 

@@ -116,7 +116,7 @@ public:
         std::sort(order.begin(), order.end(),
                   [&](std::size_t a, std::size_t b) { return key(a) < key(b); });
         for (std::size_t i = 0; i < order.size(); ++i) {
-            event(table, table.rows[order[i]]);
+            event(table.rows[order[i]]);
             if (i > 0)
                 checkCodes(table.rows[order[i - 1]].codes, table.rows[order[i]].codes);
         }
@@ -142,7 +142,7 @@ public:
 private:
     // ---- events ----
 
-    constexpr void event(const EventTable& table, const EventRow& row) {
+    constexpr void event(const EventRow& row) {
         major_ = row.codes.major;
         code_ = row.codes.first;
         if (row.title.other.empty())
@@ -174,7 +174,6 @@ private:
         }
         entry.provenance = weakest_;
         entries.push_back(entry);
-        (void)table;
     }
 
     constexpr void checkCodes(const Codes& a, const Codes& b) {

@@ -75,7 +75,7 @@ TextWriter& TextWriter::close(std::string_view tag) {
 }
 
 TextWriter& TextWriter::element(std::string_view tag, Untrusted value, std::string_view after) {
-    return open(tag).untrusted(value).close(tag).put(after);
+    return open(tag).untrusted(value).close(tag).literal(after);
 }
 
 char* putSafeRun(char* out, std::string_view text) {
@@ -95,9 +95,9 @@ char* putSafeRun(char* out, std::string_view text) {
 
 TextWriter& TextWriter::untrusted(Untrusted from) {
     const std::string_view text = from.raw();
-    if (texts_ == Texts::Safe && !markup_)
+    if (sanitize_ == Sanitize::Yes && !markup_)
         markup_ = text.find('<') != std::string_view::npos;
-    if (texts_ == Texts::Raw || markup_)
+    if (sanitize_ == Sanitize::No || markup_)
         return raw(from);
     commit(putSafeRun(reserve(2 * text.size()), text));
     return *this;
@@ -107,8 +107,12 @@ void putDump(TextWriter& out, std::string_view bytes) {
     constexpr std::size_t kHalf = 8;
     for (std::size_t at = 0; at < bytes.size(); at += 2 * kHalf) {
         const std::string_view group = bytes.substr(at, 2 * kHalf);
-        out.put("0x").hexLower(at, 4).put("=").hexBytes(group.substr(0, kHalf)).put(" | ");
-        out.hexBytes(group.substr(std::min(kHalf, group.size()))).put(";");
+        out.literal("0x")
+            .hexLower(at, 4)
+            .literal("=")
+            .hexBytes(group.substr(0, kHalf))
+            .literal(" | ");
+        out.hexBytes(group.substr(std::min(kHalf, group.size()))).literal(";");
     }
 }
 
@@ -199,10 +203,10 @@ namespace {
     StackWriter<1024> mended;
     for (;;) {
         const std::size_t valid = validLength(text);
-        mended.put(text.substr(0, valid));
+        mended.literal(text.substr(0, valid));
         if (valid == text.size())
             break;
-        mended.put("?");
+        mended.literal("?");
         text.remove_prefix(valid + 1);
     }
     assignAscii(to, mended.view());

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "event/Digits.h"
-#include "event/FixedString.h"
 #include "event/RecordView.h"
 
 #include <Pegasus/Common/String.h>
@@ -22,9 +21,9 @@ inline String toString(std::string_view text) {
 }
 
 // What becomes of texts from the record.
-enum class Texts : std::uint8_t {
-    Safe, // the finished text is made safe as a whole: assignTo() does that
-    Raw,  // they are written verbatim
+enum class Sanitize : std::uint8_t {
+    Yes, // the finished text is sanitized as a whole: assignTo() does that
+    No,  // they are written verbatim
 };
 
 // Appends characters. Use a StackWriter, which starts in stack memory and allocates only what does
@@ -47,13 +46,8 @@ public:
     static constexpr std::size_t kSlack = 32;
 
     // Our own texts, which are ASCII.
-    TextWriter& put(std::string_view text) {
+    TextWriter& literal(std::string_view text) {
         commit(putText(reserve(text.size()), text));
-        return *this;
-    }
-    template <std::size_t Capacity>
-    TextWriter& put(const FixedString<Capacity>& label) {
-        commit(label.put(reserve(Capacity)));
         return *this;
     }
     // Out of line, to keep the library small: what is written field by field goes through a layout.
@@ -73,7 +67,7 @@ public:
     // pass is to judge.
     TextWriter& raw(Untrusted run) {
         unchecked_ = true;
-        return put(run.raw());
+        return literal(run.raw());
     }
 
     // Constant texts that are known when this is compiled.
@@ -88,7 +82,7 @@ public:
         markup_ = unchecked_ = false;
     }
     // Before anything is written.
-    void setTexts(Texts texts) { texts_ = texts; }
+    void setSanitize(Sanitize sanitize) { sanitize_ = sanitize; }
     // Says that raw() bytes are to come that may hold markup.
     void expectMarkup() { markup_ = true; }
 
@@ -103,8 +97,8 @@ public:
     }
 
 protected:
-    TextWriter(char* room, std::size_t size, Texts texts)
-        : begin_(room), next_(room), end_(room + size), room_(room), texts_(texts) {}
+    TextWriter(char* room, std::size_t size, Sanitize sanitize)
+        : begin_(room), next_(room), end_(room + size), room_(room), sanitize_(sanitize) {}
     ~TextWriter();
 
 private:
@@ -114,7 +108,7 @@ private:
     char* next_;
     char* end_;
     char* room_;
-    Texts texts_;
+    Sanitize sanitize_;
     bool markup_ = false;    // the general pass is needed
     bool unchecked_ = false; // some of it may not be ASCII
 };
@@ -122,7 +116,7 @@ private:
 template <std::size_t Size>
 class StackWriter : public TextWriter {
 public:
-    explicit StackWriter(Texts texts = Texts::Raw) : TextWriter(room_, Size, texts) {}
+    explicit StackWriter(Sanitize sanitize = Sanitize::No) : TextWriter(room_, Size, sanitize) {}
 
 private:
     char room_[Size];

@@ -43,7 +43,7 @@ bool Pegasus::formats::JsonWriter::ScanWriteUnescapedString(
     rapidjson::GenericStringStream<rapidjson::UTF8<>>& in, std::size_t length) {
     const std::string_view rest(in.src_, length - in.Tell());
     const std::size_t plain = Pegasus::formats::plainRun(rest);
-    os_->out->put(rest.substr(0, plain));
+    os_->out->literal(rest.substr(0, plain));
     in.src_ += plain;
     return plain < rest.size();
 }
@@ -124,7 +124,7 @@ public:
             writer.Uint(kFormatVersion);
         }
         writer.EndObject();
-        out.put("\n");
+        out.literal("\n");
     }
 
 private:
@@ -140,13 +140,13 @@ public:
 
     void begin(mpu::TextWriter& out) override {
         for (const Column& column : kColumns)
-            out.put(&column == kColumns ? "" : ",").put(column.name);
-        out.put(fields_ ? ",fields\r\n" : "\r\n");
+            out.literal(&column == kColumns ? "" : ",").literal(column.name);
+        out.literal(fields_ ? ",fields\r\n" : "\r\n");
     }
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         for (const Column& column : kColumns) {
-            out.put(&column == kColumns ? "" : ",");
+            out.literal(&column == kColumns ? "" : ",");
             if (column.number) {
                 out.decimal(event.*column.number);
                 continue;
@@ -157,28 +157,28 @@ public:
             list_.clear();
             json_.start(list_);
             json_.fields(parser_.parse(event.body));
-            cell(out.put(","), list_.view());
+            cell(out.literal(","), list_.view());
         }
-        out.put("\r\n");
+        out.literal("\r\n");
     }
 
 private:
     static void cell(mpu::TextWriter& out, std::string_view text) {
         if (text.find_first_of(std::string_view("\",\r\n\0", 5)) == text.npos) {
-            out.put(text);
+            out.literal(text);
             return;
         }
-        out.put("\"");
+        out.literal("\"");
         while (!text.empty()) {
             const std::size_t run = text.find_first_of(std::string_view("\"\0", 2));
-            out.put(text.substr(0, run));
+            out.literal(text.substr(0, run));
             if (run == text.npos)
                 break;
             // Readers of CSV stop at a NUL.
-            out.put(text[run] == '"' ? "\"\"" : "\xEF\xBF\xBD");
+            out.literal(text[run] == '"' ? "\"\"" : "\xEF\xBF\xBD");
             text.remove_prefix(run + 1);
         }
-        out.put("\"");
+        out.literal("\"");
     }
 
     const bool fields_;

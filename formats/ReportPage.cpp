@@ -10,49 +10,49 @@
 namespace Pegasus::formats {
 
 void ReportPage::begin(mpu::TextWriter& out) {
-    out.put(kPageBegin);
+    out.literal(kPageBegin);
 }
 
 void ReportPage::add(const DecodedEvent& event, mpu::TextWriter& out) {
     statistics_.add(event);
-    out.put("<tr class=\"s").decimal(severityOf(event.eventType));
-    out.put("\"><td>").decimal(event.sequenceID);
-    out.put("<td>").decimal(event.timestamp);
-    putXml(out.put("<td>"), event.eventTypeText);
-    putXml(out.put("<td>"), event.source);
-    putXml(out.put("<td><details><summary><b>"), event.eventID);
-    putXml(out.put("</b> "), event.summary);
+    out.literal("<tr class=\"s").decimal(severityOf(event.eventType));
+    out.literal("\"><td>").decimal(event.sequenceID);
+    out.literal("<td>").decimal(event.timestamp);
+    putXml(out.literal("<td>"), event.eventTypeText);
+    putXml(out.literal("<td>"), event.source);
+    putXml(out.literal("<td><details><summary><b>"), event.eventID);
+    putXml(out.literal("</b> "), event.summary);
     block_.clear();
     printer_->print(event, block_);
     std::string_view block = block_.view();
     block.remove_suffix(block.size() - 1 - block.find_last_not_of('\n'));
-    putXml(out.put("</summary><pre>"), block);
-    out.put("</pre></details>\n");
+    putXml(out.literal("</summary><pre>"), block);
+    out.literal("</pre></details>\n");
 }
 
 void ReportPage::end(std::uint64_t faults, mpu::TextWriter& out) {
-    out.put(kPageMiddle);
+    out.literal(kPageMiddle);
     facts(out, faults);
     if (statistics_.events != 0) {
         chart(out);
         legend(out);
     }
     sources(out);
-    out.put(kPageEnd);
+    out.literal(kPageEnd);
 }
 
 void ReportPage::facts(mpu::TextWriter& out, std::uint64_t faults) const {
-    out.put("<p>").decimal64(statistics_.events).put(" events");
+    out.literal("<p>").decimal64(statistics_.events).literal(" events");
     if (statistics_.events != 0) {
-        out.put(", time ").decimal(statistics_.time.first);
-        out.put(" to ").decimal(statistics_.time.last);
-        out.put(", sequence ").decimal(statistics_.sequence.first);
-        out.put(" to ").decimal(statistics_.sequence.last);
+        out.literal(", time ").decimal(statistics_.time.first);
+        out.literal(" to ").decimal(statistics_.time.last);
+        out.literal(", sequence ").decimal(statistics_.sequence.first);
+        out.literal(" to ").decimal(statistics_.sequence.last);
     }
-    out.put(faults == 0 ? ", no damage" : ", damage: ");
+    out.literal(faults == 0 ? ", no damage" : ", damage: ");
     if (faults != 0)
-        out.decimal64(faults).put(faults == 1 ? " place" : " places");
-    out.put("</p>\n");
+        out.decimal64(faults).literal(faults == 1 ? " place" : " places");
+    out.literal("</p>\n");
 }
 
 // Stacked bars over time, errors at the bottom.
@@ -68,58 +68,58 @@ void ReportPage::chart(mpu::TextWriter& out) const {
     std::uint64_t most = 1;
     for (const SeverityCounts& counts : buckets)
         most = std::max(most, sum(counts));
-    out.put("<svg role=\"img\" aria-label=\"Events over time, by severity\" "
-            "viewBox=\"0 -6 960 156\">\n");
+    out.literal("<svg role=\"img\" aria-label=\"Events over time, by severity\" "
+                "viewBox=\"0 -6 960 156\">\n");
     const std::uint64_t length = std::uint64_t(time.last) - time.first + 1;
     for (std::size_t i = 0; i < buckets.size(); ++i) {
         if (sum(buckets[i]) == 0)
             continue;
-        out.put("<g><title>from ");
+        out.literal("<g><title>from ");
         out.decimal64(time.first + (i * length + kBars - 1) / kBars);
         double y = kHeight + 10;
         for (unsigned severity = 4; severity-- > 0;)
             if (buckets[i][severity] != 0)
-                out.put(fmt::format(", {} {}", buckets[i][severity], kSeverities[severity]));
-        out.put("</title>");
+                out.literal(fmt::format(", {} {}", buckets[i][severity], kSeverities[severity]));
+        out.literal("</title>");
         for (unsigned severity = 4; severity-- > 0;) {
             if (buckets[i][severity] == 0)
                 continue;
             const double height =
                 static_cast<double>(kHeight * buckets[i][severity]) / static_cast<double>(most);
             y -= height;
-            out.put(
+            out.literal(
                 fmt::format(R"(<rect class="s{}" x="{}" y="{:.2f}" width="{}" height="{:.2f}"/>)",
                             severity, i * kStep, y, kStep - 1, height));
         }
-        out.put("</g>\n");
+        out.literal("</g>\n");
     }
-    out.put(fmt::format("<line x1=\"0\" y1=\"130\" x2=\"960\" y2=\"130\"/>"
-                        "<text x=\"0\" y=\"146\">{}</text>"
-                        "<text x=\"960\" y=\"146\" text-anchor=\"end\">{}</text>"
-                        "<text x=\"0\" y=\"5\">{} events</text></svg>\n",
-                        time.first, time.last, most));
+    out.literal(fmt::format("<line x1=\"0\" y1=\"130\" x2=\"960\" y2=\"130\"/>"
+                            "<text x=\"0\" y=\"146\">{}</text>"
+                            "<text x=\"960\" y=\"146\" text-anchor=\"end\">{}</text>"
+                            "<text x=\"0\" y=\"5\">{} events</text></svg>\n",
+                            time.first, time.last, most));
 }
 
 void ReportPage::legend(mpu::TextWriter& out) const {
-    out.put("<p class=\"legend\">");
+    out.literal("<p class=\"legend\">");
     for (unsigned severity = 4; severity-- > 0;)
         if (statistics_.severities[severity] != 0)
-            out.put(fmt::format("<span class=\"s{}\">{} {}</span> ", severity,
-                                kSeverities[severity], statistics_.severities[severity]));
-    out.put("</p>\n");
+            out.literal(fmt::format("<span class=\"s{}\">{} {}</span> ", severity,
+                                    kSeverities[severity], statistics_.severities[severity]));
+    out.literal("</p>\n");
 }
 
 void ReportPage::sources(mpu::TextWriter& out) const {
     const auto all = statistics_.bySource();
-    out.put("<div id=\"sources\"><table><tr><th>Source<th>Events\n");
+    out.literal("<div id=\"sources\"><table><tr><th>Source<th>Events\n");
     for (const auto& [source, count] : all) {
-        putXml(out.put("<tr><td>"), source);
-        out.put("<td>").decimal64(count).put("\n");
+        putXml(out.literal("<tr><td>"), source);
+        out.literal("<td>").decimal64(count).literal("\n");
     }
-    out.put(kFiltersBegin);
+    out.literal(kFiltersBegin);
     for (const auto& [source, count] : all)
-        putXml(out.put("<option>"), source);
-    out.put(kFiltersEnd);
+        putXml(out.literal("<option>"), source);
+    out.literal(kFiltersEnd);
 }
 
 } // namespace Pegasus::formats

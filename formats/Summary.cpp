@@ -16,11 +16,11 @@ namespace {
 void cell(mpu::TextWriter& out, std::string_view text, std::size_t width) {
     putPrintable(out, text);
     for (std::size_t i = text.size(); i < width; ++i)
-        out.put(" ");
+        out.literal(" ");
 }
 
 void number(mpu::TextWriter& out, std::uint64_t value) {
-    out.put(fmt::format("{:>10}  ", value));
+    out.literal(fmt::format("{:>10}  ", value));
 }
 
 } // namespace
@@ -28,39 +28,42 @@ void number(mpu::TextWriter& out, std::uint64_t value) {
 void writeTextSummary(const Statistics& all, std::uint64_t faults, bool colour,
                       mpu::TextWriter& out) {
     const auto coloured = [&](unsigned severity, std::size_t width) {
-        out.put(colour ? kColours[severity] : "");
+        out.literal(colour ? kColours[severity] : "");
         cell(out, kSeverities[severity], width);
-        out.put(colour ? kPlain : "");
+        out.literal(colour ? kPlain : "");
     };
-    out.put("Events: ").decimal64(all.events).put("\n");
+    out.literal("Events: ").decimal64(all.events).literal("\n");
     if (all.events != 0) {
-        out.put("Time: ").decimal(all.time.first).put(" to ").decimal(all.time.last);
-        out.put("\nSequence: ").decimal(all.sequence.first).put(" to ").decimal(all.sequence.last);
-        out.put("\n");
+        out.literal("Time: ").decimal(all.time.first).literal(" to ").decimal(all.time.last);
+        out.literal("\nSequence: ")
+            .decimal(all.sequence.first)
+            .literal(" to ")
+            .decimal(all.sequence.last);
+        out.literal("\n");
     }
-    out.put("Damage: ");
+    out.literal("Damage: ");
     if (faults == 0)
-        out.put("none\n");
+        out.literal("none\n");
     else
-        out.decimal64(faults).put(faults == 1 ? " place\n" : " places\n");
+        out.decimal64(faults).literal(faults == 1 ? " place\n" : " places\n");
     if (all.events == 0)
         return;
 
-    out.put("\n     Count  Severity\n");
+    out.literal("\n     Count  Severity\n");
     for (unsigned severity = 4; severity-- > 0;) {
         if (all.severities[severity] == 0)
             continue;
         number(out, all.severities[severity]);
         coloured(severity, 0);
-        out.put("\n");
+        out.literal("\n");
     }
-    out.put("\n     Count  Source\n");
+    out.literal("\n     Count  Source\n");
     for (const auto& [source, count] : all.bySource()) {
         number(out, count);
         cell(out, source, 0);
-        out.put("\n");
+        out.literal("\n");
     }
-    out.put("\n     Count  First time   Last time  Worst          Source       Title\n");
+    out.literal("\n     Count  First time   Last time  Worst          Source       Title\n");
     for (const Statistics::Title& title : all.byTitle()) {
         number(out, title.count);
         number(out, title.time.first);
@@ -68,11 +71,11 @@ void writeTextSummary(const Statistics& all, std::uint64_t faults, bool colour,
         coloured(title.severity, 15);
         cell(out, title.source, 13);
         cell(out, title.text, 0);
-        out.put("\n");
+        out.literal("\n");
     }
     if (all.otherTitles != 0) {
         number(out, all.otherTitles);
-        out.put("with other titles\n");
+        out.literal("with other titles\n");
     }
 }
 
@@ -131,7 +134,7 @@ void writeJsonSummary(const Statistics& all, std::uint64_t faults, bool, mpu::Te
     json.EndArray();
     count("otherTitles", all.otherTitles);
     json.EndObject();
-    out.put({buffer.GetString(), buffer.GetSize()}).put("\n");
+    out.literal({buffer.GetString(), buffer.GetSize()}).literal("\n");
 }
 
 } // namespace Pegasus::formats

@@ -59,39 +59,39 @@ public:
     explicit TextPrinter(const PrintOptions& options) : colour_(options.colour) {}
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
-        out.put("Event ").decimal(event.sequenceID).put(": ");
+        out.literal("Event ").decimal(event.sequenceID).literal(": ");
         const unsigned severity = severityOf(event.eventType);
-        out.put(colour_ ? kColours[severity] : "");
+        out.literal(colour_ ? kColours[severity] : "");
         putPrintable(out, event.eventTypeText);
-        out.put(colour_ ? kPlain : "").put(", ");
+        out.literal(colour_ ? kPlain : "").literal(", ");
         putPrintable(out, event.source);
-        out.put(", ");
+        out.literal(", ");
         putPrintable(out, event.category);
-        out.put("\n");
+        out.literal("\n");
         line(out, "Title", event.eventID);
         line(out, "Summary", event.summary);
         line(out, "Enclosure", event.enclosureSerialNumber);
         line(out, "Controller", event.controllerSerialNumber);
-        out.put("  Slot: ").decimal(event.controllerSlotID);
-        out.put("\n  Log: ").decimal(event.eventLogInstanceNumber);
-        out.put("\n  Time: ").decimal(event.timestamp).put("\n");
+        out.literal("  Slot: ").decimal(event.controllerSlotID);
+        out.literal("\n  Log: ").decimal(event.eventLogInstanceNumber);
+        out.literal("\n  Time: ").decimal(event.timestamp).literal("\n");
         body(out, event.body);
-        out.put("\n");
+        out.literal("\n");
     }
 
 private:
     static void line(mpu::TextWriter& out, const char* name, std::string_view text) {
         if (text.empty())
             return;
-        putPrintable(out.put("  ").put(name).put(": "), text);
-        out.put("\n");
+        putPrintable(out.literal("  ").literal(name).literal(": "), text);
+        out.literal("\n");
     }
 
     void body(mpu::TextWriter& out, std::string_view text) {
         const std::vector<BodyItem>& items = parser_.parse(text);
         if (items.empty())
             return;
-        out.put("  Body:\n");
+        out.literal("  Body:\n");
         std::size_t depth = 2;
         for (const BodyItem& item : items) {
             switch (item.type) {
@@ -100,7 +100,7 @@ private:
                 break;
             case BodyItem::Group:
                 indent(out, depth++);
-                out.put(item.name).put(":\n");
+                out.literal(item.name).literal(":\n");
                 break;
             case BodyItem::End:
                 --depth;
@@ -114,7 +114,7 @@ private:
 
     static void indent(mpu::TextWriter& out, std::size_t depth) {
         for (std::size_t i = 0; i < depth; ++i)
-            out.put("  ");
+            out.literal("  ");
     }
 
     // A value of one line after its name, any other below it.
@@ -123,15 +123,15 @@ private:
         while (!value.empty() && value.back() == '\n')
             value.remove_suffix(1);
         indent(out, depth);
-        out.put(name).put(":");
+        out.literal(name).literal(":");
         if (value.find('\n') != std::string_view::npos || isLongHex(value) ||
             nextGroup(value) != value.size()) {
-            out.put("\n");
+            out.literal("\n");
             block(out, depth + 1, value);
         } else {
             if (!value.empty())
-                putPrintable(out.put(" "), value);
-            out.put("\n");
+                putPrintable(out.literal(" "), value);
+            out.literal("\n");
         }
     }
 
@@ -149,7 +149,7 @@ private:
                 rest.remove_prefix(group.size());
                 indent(out, depth);
                 putPrintable(out, group);
-                out.put("\n");
+                out.literal("\n");
             } while (!rest.empty());
         }
     }
@@ -160,7 +160,7 @@ private:
         for (std::size_t at = 0; at < digits.size(); at += 2 * kDumpLine) {
             const std::string_view line = digits.substr(at, 2 * kDumpLine);
             indent(out, depth);
-            out.hexUpper(at / 2, 4).put("  ");
+            out.hexUpper(at / 2, 4).literal("  ");
             char* const to = out.reserve(words + 1 + kDumpLine);
             std::memset(to, ' ', words + 1);
             char* const characters = to + words + 1;
@@ -171,7 +171,7 @@ private:
                 characters[i / 2] = mpu::isPrintable(c) ? c : '.';
             }
             out.commit(characters + line.size() / 2);
-            out.put("\n");
+            out.literal("\n");
         }
     }
 
@@ -188,21 +188,21 @@ public:
         mpu::StackWriter<16> time;
         time.decimal(event.timestamp);
         column(out, time.view(), 10);
-        out.put(colour_ ? kColours[severityOf(event.eventType)] : "");
+        out.literal(colour_ ? kColours[severityOf(event.eventType)] : "");
         column(out, event.eventTypeText, 17);
-        out.put(colour_ ? kPlain : "");
+        out.literal(colour_ ? kPlain : "");
         column(out, event.source, 11);
         putPrintable(out, event.eventID);
         if (const std::string_view summary = event.summary; !summary.empty())
-            putPrintable(out.put(": "), summary);
-        out.put("\n");
+            putPrintable(out.literal(": "), summary);
+        out.literal("\n");
     }
 
 private:
     static void column(mpu::TextWriter& out, std::string_view text, std::size_t width) {
         putPrintable(out, text);
         for (std::size_t i = text.size(); i < width + 2; ++i)
-            out.put(" ");
+            out.literal(" ");
     }
 
     const bool colour_;
@@ -212,19 +212,19 @@ private:
 class LinePrinter : public Printer {
 public:
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
-        putPrintable(out.put("Enclosure Ser#: '"), event.enclosureSerialNumber);
-        putPrintable(out.put("', Card Ser#: '"), event.controllerSerialNumber);
-        out.put("', Slot: ").integer(event.controllerSlotID);
-        out.put(", Log Instance # ").integer(event.eventLogInstanceNumber);
-        out.put(", Sequence ID=").integer(event.sequenceID);
-        out.put(", Timestamp=").integer(event.timestamp);
-        putPrintable(out.put(", Source: '"), event.source);
-        putPrintable(out.put("', Category: '"), event.category);
-        out.put("', EventType=").integer(event.eventType);
-        putPrintable(out.put(", EventID: '"), event.eventID);
-        putPrintable(out.put("', Summary: '"), event.summary);
-        putPrintable(out.put("', Body: '"), event.body);
-        out.put("'\n");
+        putPrintable(out.literal("Enclosure Ser#: '"), event.enclosureSerialNumber);
+        putPrintable(out.literal("', Card Ser#: '"), event.controllerSerialNumber);
+        out.literal("', Slot: ").integer(event.controllerSlotID);
+        out.literal(", Log Instance # ").integer(event.eventLogInstanceNumber);
+        out.literal(", Sequence ID=").integer(event.sequenceID);
+        out.literal(", Timestamp=").integer(event.timestamp);
+        putPrintable(out.literal(", Source: '"), event.source);
+        putPrintable(out.literal("', Category: '"), event.category);
+        out.literal("', EventType=").integer(event.eventType);
+        putPrintable(out.literal(", EventID: '"), event.eventID);
+        putPrintable(out.literal("', Summary: '"), event.summary);
+        putPrintable(out.literal("', Body: '"), event.body);
+        out.literal("'\n");
     }
 };
 

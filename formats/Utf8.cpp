@@ -138,19 +138,19 @@ void putPrintable(mpu::TextWriter& out, std::string_view utf8) {
         const bool c1 = c == 0xC2 && next < 0xA0;
         if ((c >= 0x20 && c != 0x7F && !c1) || c == '\t')
             continue;
-        out.put(utf8.substr(done, i - done));
+        out.literal(utf8.substr(done, i - done));
         if (c == '\n')
-            out.put("\\n");
+            out.literal("\\n");
         else if (c == '\r')
-            out.put("\\r");
+            out.literal("\\r");
         else if (c1)
-            out.put("\\u").hexUpper(next, 4);
+            out.literal("\\u").hexUpper(next, 4);
         else
-            out.put("\\x").hexUpper(c, 2);
+            out.literal("\\x").hexUpper(c, 2);
         i += c1;
         done = i + 1;
     }
-    out.put(utf8.substr(done));
+    out.literal(utf8.substr(done));
 }
 
 void putXml(mpu::TextWriter& out, std::string_view utf8) {
@@ -166,10 +166,10 @@ void putXml(mpu::TextWriter& out, std::string_view utf8) {
                 }
         if (by.empty())
             continue;
-        out.put(utf8.substr(done, i - done)).put(by);
+        out.literal(utf8.substr(done, i - done)).literal(by);
         done = i + count;
     }
-    out.put(utf8.substr(done));
+    out.literal(utf8.substr(done));
 }
 
 } // namespace Pegasus::formats

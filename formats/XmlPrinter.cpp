@@ -13,53 +13,53 @@ public:
     explicit XmlPrinter(const PrintOptions& options) : fields_(options.fields) {}
 
     void begin(mpu::TextWriter& out) override {
-        out.put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<events formatVersion=\"");
-        out.decimal(kFormatVersion).put("\">\n");
+        out.literal("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<events formatVersion=\"");
+        out.decimal(kFormatVersion).literal("\">\n");
     }
-    void end(mpu::TextWriter& out) override { out.put("</events>\n"); }
+    void end(mpu::TextWriter& out) override { out.literal("</events>\n"); }
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
-        out.put("<event>\n");
+        out.literal("<event>\n");
         for (const Column& column : kColumns) {
-            out.put("  <").put(column.name).put(">");
+            out.literal("  <").literal(column.name).literal(">");
             if (column.number) {
                 out.decimal(event.*column.number);
             } else {
                 putXml(out, event.*column.text);
             }
-            out.put("</").put(column.name).put(">\n");
+            out.literal("</").literal(column.name).literal(">\n");
         }
         if (fields_)
             fields(out, parser_.parse(event.body));
-        out.put("</event>\n");
+        out.literal("</event>\n");
     }
 
 private:
     static void fields(mpu::TextWriter& out, const std::vector<BodyItem>& items) {
-        out.put("  <fields>\n");
+        out.literal("  <fields>\n");
         std::size_t depth = 2;
         for (const BodyItem& item : items) {
             depth -= item.type == BodyItem::End;
             for (std::size_t i = 0; i < depth; ++i)
-                out.put("  ");
+                out.literal("  ");
             switch (item.type) {
             case BodyItem::Text: // outside elements
             case BodyItem::Element:
-                putXml(out.put("<field name=\""), item.name);
-                putXml(out.put("\">"), item.text);
-                out.put("</field>\n");
+                putXml(out.literal("<field name=\""), item.name);
+                putXml(out.literal("\">"), item.text);
+                out.literal("</field>\n");
                 break;
             case BodyItem::Group:
-                putXml(out.put("<group name=\""), item.name);
-                out.put("\">\n");
+                putXml(out.literal("<group name=\""), item.name);
+                out.literal("\">\n");
                 ++depth;
                 break;
             case BodyItem::End:
-                out.put("</group>\n");
+                out.literal("</group>\n");
                 break;
             }
         }
-        out.put("  </fields>\n");
+        out.literal("  </fields>\n");
     }
 
     const bool fields_;

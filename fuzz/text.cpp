@@ -130,8 +130,8 @@ void safeTexts(std::string_view text) {
 // making the whole safe gives.
 void bodies(std::string_view text) {
     static constexpr std::string_view kTags[] = {"File", "Text", "Line", "a", "Text_2"};
-    mpu::StackWriter<64> safe(mpu::Texts::Safe);
-    mpu::StackWriter<64> raw(mpu::Texts::Raw);
+    mpu::StackWriter<64> safe(mpu::Sanitize::Yes);
+    mpu::StackWriter<64> raw(mpu::Sanitize::No);
     for (unsigned i = 0;; ++i) {
         const std::size_t n = std::min(text.size(), std::size_t{1} + i * i % 37);
         const mpu::Untrusted piece(text.substr(0, n));
@@ -139,15 +139,15 @@ void bodies(std::string_view text) {
              {static_cast<mpu::TextWriter*>(&safe), static_cast<mpu::TextWriter*>(&raw)}) {
             const std::string_view tag = kTags[i % std::size(kTags)];
             if (i % 4 == 3)
-                out->untrusted(piece).put(" ");
+                out->untrusted(piece).literal(" ");
             else if (i % 4 == 1)
-                out->put("<Group>")
+                out->literal("<Group>")
                     .element(tag, piece, " ")
                     .element("Code", mpu::Untrusted(), "")
-                    .put("</Group>");
+                    .literal("</Group>");
             else
                 out->element(tag, piece, i % 4 == 0 ? " " : "");
-            out->open("Number").decimal(i).put(", 0x").hexUpper(i * 977u, 8).close("Number");
+            out->open("Number").decimal(i).literal(", 0x").hexUpper(i * 977u, 8).close("Number");
         }
         text.remove_prefix(n);
         if (text.empty())
@@ -217,7 +217,7 @@ void numbers(std::string_view text) {
     requireSame(StringFormat::hex(high, low, width), StringFormat::hex(both, width), "hex halves");
     requireSame(StringFormat::decimal(both), printed("%llu", both), "decimal");
     mpu::StackWriter<64> out;
-    out.integer(low).put(" ").decimal(low).put(" ").hexUpper(low, width % 9).put(" ");
+    out.integer(low).literal(" ").decimal(low).literal(" ").hexUpper(low, width % 9).literal(" ");
     out.hexLower(both, width % 17);
     requireSame(out.view(),
                 printed("%d %u %0*X %0*llx", static_cast<int>(low), low,

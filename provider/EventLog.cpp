@@ -53,15 +53,15 @@ void EventLog::poll() {
         if (!entry || first_ || !reaches(*entry, settings_.alertSeverity))
             return;
         const std::scoped_lock lock(takerMutex_);
-        if (taker_)
-            taker_(*entry);
+        if (listener_)
+            listener_(*entry);
     });
     first_ = false;
 }
 
-void EventLog::setTaker(Taker taker) {
+void EventLog::setListener(Listener listener) {
     const std::scoped_lock lock(takerMutex_);
-    taker_ = std::move(taker);
+    listener_ = std::move(listener);
 }
 
 SpoolState EventLog::state() const {

@@ -26,9 +26,9 @@ public:
 
     // Who takes events of alertSeverity and above, in the thread that reads; none is nobody. What
     // was in the spool at the first look is no news. Once this returns the former one is not
-    // running any more. Must not be called by the taker itself.
-    using Taker = std::function<void(const Entry&)>;
-    void setTaker(Taker taker);
+    // running any more. Must not be called by the listener itself.
+    using Listener = std::function<void(const Entry&)>;
+    void setListener(Listener listener);
 
     const Settings& settings() const { return settings_; }
     const EventRing& ring() const { return ring_; }
@@ -45,7 +45,7 @@ private:
     bool first_ = true;
 
     std::mutex takerMutex_;
-    Taker taker_;
+    Listener listener_;
 
     mutable std::mutex mutex_; // of what follows
     SpoolState state_;

@@ -414,7 +414,7 @@ TEST_F(Provider, NewEventsOfTheSeverityAreHandedOn) {
     EventLog log(settings, report());
     std::vector<std::uint32_t> taken;
     const auto take = [&](const Entry& entry) { taken.push_back(entry.header().sequenceId); };
-    log.setTaker(take);
+    log.setListener(take);
     log.poll();
     EXPECT_THAT(taken, IsEmpty()); // was there before
     EXPECT_EQ(log.ring().size(), 1u);
@@ -424,7 +424,7 @@ TEST_F(Provider, NewEventsOfTheSeverityAreHandedOn) {
     log.poll();
     EXPECT_THAT(taken, ElementsAre(3, 4, 6, 7));
     EXPECT_EQ(log.ring().size(), 8u);
-    log.setTaker(nullptr);
+    log.setListener(nullptr);
     write(spool_ / "a", message(9, 3));
     log.poll();
     EXPECT_EQ(taken.size(), 4u);
@@ -444,7 +444,7 @@ TEST_F(Provider, ReadsOnInItsThread) {
     EventLog log(settings, report());
     log.start();
     EXPECT_EQ(log.ring().size(), 1u);
-    log.setTaker([&](const Entry&) { ++taken; });
+    log.setListener([&](const Entry&) { ++taken; });
     for (std::uint32_t i = 1; i <= 200; ++i) {
         write(spool_ / "a", message(i, 3));
         for (const EntryPointer& entry : log.ring().all())

@@ -7,12 +7,12 @@ namespace Pegasus::mpu {
 void writePayload(TextWriter& body, const Record& record) {
     const Untrusted payload = record.payload().bytes(0, record.payloadLength());
     body.reserve(2 * payload.size() + sizeof "<Hex></Hex>"); // grows at most once
-    body.put("<Hex>").hexBytes(payload).put("</Hex>");
+    body.literal("<Hex>").hexBytes(payload).literal("</Hex>");
 }
 
 void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event) {
     traceUnknown(event.traceSource, event.traceLine, event.trace, record);
-    draft.summary.put(event.summary);
+    draft.summary.literal(event.summary);
     writePayload(draft.body, record);
 }
 

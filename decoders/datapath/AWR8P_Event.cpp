@@ -144,7 +144,7 @@ RecordView viewOf(const awrEvtHdr_s* item) {
 
 void awr::putTree(Draft& draft, const Record&, RecordView data) {
     bool summarySet = false;
-    draft.body.setTexts(Texts::Raw);
+    draft.body.setSanitize(Sanitize::No);
     for (Items items(data); items.next();) {
         putItem(draft.body, items);
         if (items.type() == kText && !summarySet) {

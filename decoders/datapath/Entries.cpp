@@ -6,11 +6,11 @@ void putEntry(TextWriter& body, std::string_view tag, Untrusted text) {
     const std::string_view value = text.raw();
     const bool escapes = value.ends_with('\\') && !value.ends_with("\\\\");
     body.open(tag).untrusted(Untrusted(value.substr(0, value.size() - escapes)));
-    body.put(escapes ? "." : "").close(tag);
+    body.literal(escapes ? "." : "").close(tag);
 }
 
 void addEntries(AvrelEvent& event, TextWriter& run, std::string_view text) {
-    run.put(std::string_view("\0", 1));
+    run.literal(std::string_view("\0", 1));
     // Cut in place: these characters are the writer's own. Values that are no texts hold no "<".
     for (char* tag = const_cast<char*>(run.view().data()); *tag++ == '<';) {
         char* value = std::strchr(tag, '>');

@@ -16,7 +16,7 @@ constexpr const Events& events = kEventsOf<kEvents>;
 
 void putFrame(Draft& draft, const Record& record) {
     traceLength("IOMGR8P_Event", 208, "IOMGR_Event: Length=0x", record.payload());
-    draft.body.setTexts(Texts::Raw);
+    draft.body.setSanitize(Sanitize::No);
     events.writeHead(draft, record, record.payload());
 }
 
@@ -87,14 +87,14 @@ Record recordOf(const IOMGR_EVL* event) {
 }
 
 char* addClass(IOMGR8P_Event& to, unsigned eventClass, const IOMGR_EVL* event, char* position) {
-    Draft draft(Texts::Raw);
+    Draft draft(Sanitize::No);
     addEvent(to, eventClass, recordOf(event), draft);
     return position;
 }
 
 char* addData(IOMGR8P_Event& to, Events::Function put, const Record& record, RecordView data,
               char* position) {
-    Draft draft(Texts::Raw);
+    Draft draft(Sanitize::No);
     put(draft, record, data);
     addEntries(to, draft.body, {});
     return position;

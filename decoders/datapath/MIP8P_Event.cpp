@@ -14,7 +14,7 @@ namespace {
 constexpr const Events& events = kEventsOf<kEvents>;
 
 void putHexElement(TextWriter& body, std::string_view bytes) {
-    body.put("<Hex>").hexBytes(bytes).put("</Hex>");
+    body.literal("<Hex>").hexBytes(bytes).literal("</Hex>");
 }
 
 void putEvent(Draft& draft, const Record& record) {
@@ -87,7 +87,7 @@ char* copyOut(const TextWriter& text, char* out) {
 char* copyEvent(MIP8P_Event& to, const Events& table, unsigned eventClass, const MIP_EVL* event,
                 char* out) {
     const RecordView payload(event, sizeof *event + kMostData);
-    Draft draft(Texts::Raw);
+    Draft draft(Sanitize::No);
     table.writeBody(draft, *table.find(eventClass, event->code), Record(payload), payload);
     to.setSummary(draft.summary.string());
     return copyOut(draft.body, out);

@@ -38,11 +38,11 @@ void putPair(TextWriter& out, std::string_view key, std::string_view value) {
     // at all. Only a look at the whole body can tell what becomes of it.
     if (key.starts_with(kGroup) || key.empty())
         out.expectMarkup();
-    out.put("<");
+    out.literal("<");
     putKey(out, key);
-    out.put(">").untrusted(Untrusted(value)).put("</");
+    out.literal(">").untrusted(Untrusted(value)).literal("</");
     putKey(out, key);
-    out.put("> ");
+    out.literal("> ");
 }
 
 // Writes the pairs of a line; false when it has none.
@@ -71,8 +71,8 @@ void putBody(TextWriter& body, std::string_view text) {
         text.remove_prefix(std::min(line.size() + 1, text.size()));
         if (putPairs(body, line))
             continue;
-        body.put("<Text").decimal(counter).put(">").untrusted(Untrusted(line));
-        body.put("</Text").decimal(counter).put("> ");
+        body.literal("<Text").decimal(counter).literal(">").untrusted(Untrusted(line));
+        body.literal("</Text").decimal(counter).literal("> ");
         ++counter;
     }
 }
@@ -103,7 +103,7 @@ VPI8P_Event::VPI8P_Event(const EmpEvLogMsg_s* record, int length)
 VPI8P_Event::~VPI8P_Event() = default;
 
 String get_VPI8P_MSG_STRING(const EmpEvLogMsg_s* record) {
-    BodyWriter body(Texts::Safe);
+    BodyWriter body(Sanitize::Yes);
     putBody(body, textOf(Record(record)));
     return body.string();
 }

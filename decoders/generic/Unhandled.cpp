@@ -22,7 +22,7 @@ namespace {
 // `decoder` is the module with "_Event".
 void decodeAs(const char* decoder, int line, const Record& record, Draft& draft) {
     decodeUnknown(record, draft, {decoder, line, "Unknown EventID: 0x", "Unhandled Event by "});
-    draft.summary.put(std::string_view(decoder, std::strlen(decoder) - std::strlen("_Event")));
+    draft.summary.literal(std::string_view(decoder, std::strlen(decoder) - std::strlen("_Event")));
 }
 
 } // namespace

@@ -46,12 +46,12 @@ void LocatedRecord::putText(TextWriter& body, Untrusted text) {
 void LocatedRecord::putDump(TextWriter& body, Untrusted text) const {
     const Rest rest = after(text);
     const std::size_t left = rest.left > 0 ? static_cast<std::size_t>(rest.left) : 0;
-    body.put("<Hex>").hexBytes(rest.data.bytes(0, left)).put("</Hex>\n");
+    body.literal("<Hex>").hexBytes(rest.data.bytes(0, left)).literal("</Hex>\n");
 }
 
 void LocatedRecord::putTrailer(TextWriter& body) const {
     body.element("File", location_.file, " ").element("Func", location_.function, " ");
-    body.put("<Line>").decimal(location_.line).put("</Line> ");
+    body.literal("<Line>").decimal(location_.line).literal("</Line> ");
 }
 
 LocatedRecord::Rest LocatedRecord::after(Untrusted text) const {

@@ -16,14 +16,14 @@ constexpr const Events& events = kEventsOf<kEvents>;
 void putRest(TextWriter& body, RecordView data, int length) {
     const int textSize = static_cast<int>(data.text(0).size()) + 1;
     const std::size_t left = length > textSize ? static_cast<std::size_t>(length - textSize) : 0;
-    body.put("<Hex>").hexBytes(data.bytes(static_cast<std::size_t>(textSize), left));
-    body.put("</Hex>\n");
+    body.literal("<Hex>").hexBytes(data.bytes(static_cast<std::size_t>(textSize), left));
+    body.literal("</Hex>\n");
 }
 
 // The body of `record` as an event with the code has it.
 String bodyOf(unsigned int code, const EmpEvLogMsg_s* bytes) {
     const Record record(bytes);
-    Draft draft(code == kManagementPort ? Texts::Safe : Texts::Raw);
+    Draft draft(code == kManagementPort ? Sanitize::Yes : Sanitize::No);
     events.writeBody(draft, *events.find(code), record, record.payload());
     return draft.body.string();
 }
@@ -45,7 +45,7 @@ void ncs::decode(const Record& record, Draft& draft) {
             record, draft,
             {"NETWORK_CONFIGMP_Event", 104, "Unknown EventID: 0x", "***UNKNOWN EventID***"});
     if (record.eventId() != kManagementPort)
-        draft.body.setTexts(Texts::Raw);
+        draft.body.setSanitize(Sanitize::No);
     events.write(draft, *event, record, record.payload());
 }
 
@@ -73,7 +73,7 @@ String get_NCS_mac_stats_event_body(const EmpEvLogMsg_s* record) {
     if (code == 1051 || code == 1052)
         return bodyOf(code, record);
     BodyWriter body;
-    body.put("<ClassName>NetworkMacStats</ClassName> ");
+    body.literal("<ClassName>NetworkMacStats</ClassName> ");
     write(body, kLayout<kPortStatsRows>, Record(record).payload());
     return body.string();
 }

@@ -62,11 +62,11 @@ void putPair(TextWriter& body, std::string_view key, std::string_view value, boo
     const auto isMarkup = [](char c) { return c == '<' || c == '>'; };
     if (key.empty() || key.size() > kPlainKey || std::any_of(key.begin(), key.end(), isMarkup))
         body.expectMarkup();
-    body.put("<");
+    body.literal("<");
     putKey(body, key, last);
-    body.put(">").untrusted(Untrusted(value)).put("</");
+    body.literal(">").untrusted(Untrusted(value)).literal("</");
     putKey(body, key, last);
-    body.put(last ? ">\n" : "> ");
+    body.literal(last ? ">\n" : "> ");
 }
 
 // Writes "key=value" pairs. A key is the word before a "=", unless the value of the pair before
@@ -172,7 +172,7 @@ void smis::decode(const Record& record, Draft& draft) {
         return decodeUnknown(
             record, draft,
             {"SMIS_Event", 161, "Unknown SMIS EventID: ", "***UNKNOWN SMIS EventID***"});
-    draft.summary.setTexts(Texts::Safe);
+    draft.summary.setSanitize(Sanitize::Yes);
     events.write(draft, *event, record, data);
 }
 

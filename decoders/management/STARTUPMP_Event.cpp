@@ -29,8 +29,8 @@ void putLine(TextWriter& body, std::string_view line, unsigned int& counter) {
         return;
     if (isSpace(line.back()))
         line.remove_suffix(1);
-    body.put("<Text").decimal(counter).put(">").untrusted(Untrusted(line));
-    body.put("</Text").decimal(counter).put("> ");
+    body.literal("<Text").decimal(counter).literal(">").untrusted(Untrusted(line));
+    body.literal("</Text").decimal(counter).literal("> ");
     ++counter;
 }
 
@@ -121,9 +121,9 @@ void startup::putState(Draft& draft, const Record& record, RecordView payload) {
     const std::uint32_t base = payload.u32(0);
     unsigned int number = 0;
     for (; length - at >= 4; at += 4, ++number) {
-        body.put("<REG").decimal(number).put(">").hexUpper(payload.u32(at), 8);
-        body.put(" at ").hexUpper(base + 4 * number, 8);
-        body.put("</REG").decimal(number).put("> ");
+        body.literal("<REG").decimal(number).literal(">").hexUpper(payload.u32(at), 8);
+        body.literal(" at ").hexUpper(base + 4 * number, 8);
+        body.literal("</REG").decimal(number).literal("> ");
     }
     if (at == length)
         return;
@@ -131,12 +131,12 @@ void startup::putState(Draft& draft, const Record& record, RecordView payload) {
     const unsigned int left = length - at;
     number = 0;
     if (left >= 2) {
-        body.put("<rsvd0>").hexUpper(payload.u16(at), 4).put(" reserved</rsvd0> ");
+        body.literal("<rsvd0>").hexUpper(payload.u16(at), 4).literal(" reserved</rsvd0> ");
         number = 1;
     }
     if (left != 2) {
-        body.put("<rsvd").decimal(number).put(">").hexUpper(payload.u8(length - 1), 2);
-        body.put(" reserved</rsvd").decimal(number).put("> ");
+        body.literal("<rsvd").decimal(number).literal(">").hexUpper(payload.u8(length - 1), 2);
+        body.literal(" reserved</rsvd").decimal(number).literal("> ");
     }
 }
 

@@ -67,9 +67,10 @@ void scc::putStatus(Draft& draft, const Record& record, RecordView) {
     const LocatedRecord::Rest status = all.after(all.data().text(0));
     if (status.left >= kStatusSize)
         return write(draft.body, kLayout<kStatusRows>, status.data);
-    draft.body.put("<Incorrect_data_len>").integer(static_cast<std::uint32_t>(status.left));
-    draft.body.put("</Incorrect_data_len> <Expected_data_len>64</Expected_data_len> "
-                   "<MPU_Global_Status_Event>No information available</MPU_Global_Status_Event> ");
+    draft.body.literal("<Incorrect_data_len>").integer(static_cast<std::uint32_t>(status.left));
+    draft.body.literal(
+        "</Incorrect_data_len> <Expected_data_len>64</Expected_data_len> "
+        "<MPU_Global_Status_Event>No information available</MPU_Global_Status_Event> ");
 }
 
 void scc::putTrailer(Draft& draft, const Record& record, RecordView) {
@@ -88,7 +89,7 @@ void scc::decode(const Record& record, Draft& draft) {
         return decodeUnknown(
             record, draft,
             {"SYSTEM_CONFIGMP_Event", 115, "Unknown EventID: 0x", "***UNKNOWN EventID***"});
-    draft.summary.setTexts(Texts::Safe);
+    draft.summary.setSanitize(Sanitize::Yes);
     events.write(draft, *event, record, located(record).data());
 }
 

@@ -19,7 +19,7 @@ const Events::Entry* entryOf(const Record& record) {
 }
 
 void putUnknownBody(Draft& draft) {
-    draft.body.put("Unhandled Event by ES_ADAPTERMP");
+    draft.body.literal("Unhandled Event by ES_ADAPTERMP");
 }
 
 // "<tag>lead k rest</tag> " for every bit k of `bits` that is set.
@@ -27,11 +27,13 @@ void putBits(Draft& draft, std::uint64_t bits, std::string_view tag, std::string
              std::string_view rest) {
     for (std::uint64_t left = bits; left != 0; left &= left - 1) {
         const auto put = [&](TextWriter& out) -> TextWriter& {
-            return out.put(lead).decimal(static_cast<unsigned>(std::countr_zero(left))).put(rest);
+            return out.literal(lead)
+                .decimal(static_cast<unsigned>(std::countr_zero(left)))
+                .literal(rest);
         };
-        put(draft.body.open(tag)).close(tag).put(" ");
+        put(draft.body.open(tag)).close(tag).literal(" ");
         if (left == bits)
-            put(draft.summary.put(": "));
+            put(draft.summary.literal(": "));
     }
 }
 
@@ -43,12 +45,14 @@ void esa::putFunction(Draft& draft, const Record&, RecordView data) {
 
 void esa::tellMessage(Draft& draft, const Record&, RecordView data) {
     const Untrusted message = data.text(0);
-    draft.summary.put(draft.title.view()).put(message.empty() ? "" : ": ").untrusted(message);
+    draft.summary.literal(draft.title.view())
+        .literal(message.empty() ? "" : ": ")
+        .untrusted(message);
 }
 
 void esa::putBuffer(Draft& draft, const Record& record, RecordView data) {
-    draft.body.put("<Buffer_Data>").hexBytes(data.bytes(0, record.payloadLength()));
-    draft.body.put("</Buffer_Data> ");
+    draft.body.literal("<Buffer_Data>").hexBytes(data.bytes(0, record.payloadLength()));
+    draft.body.literal("</Buffer_Data> ");
 }
 
 void esa::putDriveLeds(Draft& draft, const Record&, RecordView data) {
@@ -63,8 +67,8 @@ void esa::putFanFaults(Draft& draft, const Record&, RecordView data) {
 void esa::putFanSpeeds(Draft& draft, const Record&, RecordView data) {
     const std::int32_t fans = static_cast<std::int32_t>(data.u32(kFanCountAt));
     for (unsigned fan = 0; fan < kMaxFans && static_cast<std::int32_t>(fan) < fans; ++fan) {
-        draft.body.put("<Fan_Speed>Fan [").decimal(fan).put("] has ");
-        draft.body.integer(data.u32(kFanSpeedAt + 4 * fan)).put(" RPM.</Fan_Speed> ");
+        draft.body.literal("<Fan_Speed>Fan [").decimal(fan).literal("] has ");
+        draft.body.integer(data.u32(kFanSpeedAt + 4 * fan)).literal(" RPM.</Fan_Speed> ");
     }
 }
 
@@ -72,8 +76,8 @@ void esa::decode(const Record& record, Draft& draft) {
     if (const Events::Entry* event = entryOf(record))
         return events.write(draft, *event, record, record.payload());
     traceUnknown("ES_ADAPTERMP_Event", 84, "Unknown EventID: 0x", record);
-    draft.title.put("Unknown EventID: 0x").hexLower(record.eventId(), 8);
-    draft.summary.put(draft.title.view());
+    draft.title.literal("Unknown EventID: 0x").hexLower(record.eventId(), 8);
+    draft.summary.literal(draft.title.view());
     putUnknownBody(draft);
 }
 

@@ -58,7 +58,7 @@ unsigned opcodeOf(RecordView header) {
 // For callers with strings of their own. The pieces read the data alone, nothing of a record.
 void append(Kind kind, XmlString& body, std::string& summary, RecordView data) {
     const EmpEvLogMsg_s none{};
-    Draft draft(Texts::Raw);
+    Draft draft(Sanitize::No);
     events.writeBody(draft, *events.find(kind), Record(&none), data);
     body.append(draft.body.view());
     summary.append(draft.summary.view());
@@ -98,7 +98,7 @@ char* iscsi::putNextStage(char* out, const std::uint8_t* at) {
 void iscsi::putClose(Draft& draft, const Record&, RecordView data) {
     if (data.u16(2) == kSocketClosed) {
         put<kCloseRows>(draft.body, data);
-        kCloseReasons.put(draft.summary.put(", "), data.u32(kCloseReason));
+        kCloseReasons.put(draft.summary.literal(", "), data.u32(kCloseReason));
     }
     put<kPeersLine>(draft.summary, data);
 }

@@ -52,7 +52,7 @@ char* isns::putReason(char* out, const std::uint8_t* at) {
 }
 
 void isns::tellTitle(Draft& draft, const Record&, RecordView) {
-    draft.summary.put(draft.title.view());
+    draft.summary.literal(draft.title.view());
 }
 
 void isns::putAlias(Draft& draft, const Record&, RecordView data) {
@@ -62,8 +62,8 @@ void isns::putAlias(Draft& draft, const Record&, RecordView data) {
 
 void isns::tellArguments(Draft& draft, const Record&, RecordView data) {
     const Text text(data);
-    draft.summary.put(text.identifier != kKnownText ? "Unknown text_id for TEXT_MSG Event"
-                      : text.count <= text.held     ? "Display Arguments, detail in Message Body"
+    draft.summary.literal(text.identifier != kKnownText ? "Unknown text_id for TEXT_MSG Event"
+                          : text.count <= text.held ? "Display Arguments, detail in Message Body"
                                                     : "Invalid Arguments, detail in Message Body");
 }
 
@@ -73,12 +73,12 @@ void isns::putArguments(Draft& draft, const Record&, RecordView data) {
     TextWriter& body = draft.body;
     for (std::uint32_t i = 0; i < shown && body.view().size() <= kLongestBody; ++i) {
         const auto tag = [&](std::string_view start) {
-            body.put(start).put(i < 9 ? "0" : "").decimal(i + 1).put(">");
+            body.literal(start).literal(i < 9 ? "0" : "").decimal(i + 1).literal(">");
         };
         tag("<Arg");
-        body.put("0x").hexUpper(data.u32(8 + 4 * i), 8);
+        body.literal("0x").hexUpper(data.u32(8 + 4 * i), 8);
         tag("</Arg");
-        body.put(" ");
+        body.literal(" ");
     }
     body.close("Arguments");
 }
@@ -92,7 +92,7 @@ void isns::decode(const Record& record, Draft& draft) {
     const RecordView data = record.payload();
     const bool small = record.view().size() <= kSmallRecord;
     if (!small)
-        draft.body.setTexts(Texts::Raw);
+        draft.body.setSanitize(Sanitize::No);
     events.writeTitle(draft, record);
     const Events::Entry* event = events.find(data.u32(4), data.u8(kTypeAt));
     events.writeBody(draft, event ? *event : *events.find(kOtherKind, 0), record, data);

@@ -21,8 +21,8 @@ void decode1(const Record& record, Draft& draft) {
     if (const Events::Entry* event = events.find(frame.u32(4)))
         return events.write(draft, *event, record, frame);
     constexpr std::size_t kDumped = 64;
-    draft.title.put("Device Manager Event");
-    draft.body.put("<Data>").hexBytes(frame.bytes(0, kDumped)).put("</Data>");
+    draft.title.literal("Device Manager Event");
+    draft.body.literal("<Data>").hexBytes(frame.bytes(0, kDumped)).literal("</Data>");
 }
 
 constexpr const Events& events2 = kEventsOf<v2::kEvents>;
@@ -36,7 +36,7 @@ void decodeType(const Record& record, Draft& draft, std::uint32_t type, std::uin
         event = events2.find(type, 1);
     if (event)
         return events2.write(draft, *event, record, record.payload());
-    draft.title.put("Bugcheck");
+    draft.title.literal("Bugcheck");
     write(draft.summary, kLayout<v2::kUnlistedLine>, record.payload());
     put<v2::kBugcheckRows>(draft.body, record.payload());
     if (code == 0)
@@ -47,8 +47,8 @@ void decode2(const Record& record, Draft& draft) {
     const std::uint32_t type = record.payload().u32(0);
     const std::uint32_t code = record.payload().u32(4);
     const auto invalid = [&](std::string_view title, std::uint32_t number) {
-        draft.title.put(title);
-        draft.summary.put("(0x").hexLower(number, 8).put(")");
+        draft.title.literal(title);
+        draft.summary.literal("(0x").hexLower(number, 8).literal(")");
     };
     if (type < v2::kHardware || type > v2::kBugcheck)
         invalid("Invalid Event Type", type);
@@ -92,7 +92,7 @@ std::string_view writeSataOutcome(TextWriter& body, RecordView fis, RecordView c
     constexpr std::uint8_t kDeviceToHost = 0x34;
     if (fis.u8(0) == kDeviceToHost)
         return putStatusFis(body, fis, command.u8(offsetof(SATA_HOST_DEVICE_FIS, command)));
-    body.put("<Error_Cause>Unknown</Error_Cause>");
+    body.literal("<Error_Cause>Unknown</Error_Cause>");
     return kErrorCauses.at(kNoCause);
 }
 
@@ -100,7 +100,7 @@ std::string_view writeScsiOutcome(TextWriter& body, RecordView sense) {
     const unsigned response = sense.u8(0) & 0x7Fu; // 0x70 current, 0x71 deferred error
     if (response == 0x70 || response == 0x71)
         return putSense(body, sense);
-    body.put("<Sense_Key>Unknown</Sense_Key>");
+    body.literal("<Sense_Key>Unknown</Sense_Key>");
     return "Unknown";
 }
 
@@ -130,15 +130,17 @@ void sata::putPciCause(Draft& draft, const Record&, RecordView data) {
     const std::uint32_t code = data.u32(0);
     for (std::size_t i = 0; i < std::size(kPciCauseBits); ++i)
         if (code & kPciCauseBits[i]) {
-            draft.body.put("<PCI_Error_Cause>").put(kPciCauses.at(i)).put("</PCI_Error_Cause>");
+            draft.body.literal("<PCI_Error_Cause>")
+                .literal(kPciCauses.at(i))
+                .literal("</PCI_Error_Cause>");
             return;
         }
-    draft.summary.put(" PCI Error Data 0x").hexLower(code, 8);
+    draft.summary.literal(" PCI Error Data 0x").hexLower(code, 8);
 }
 
 void v2::putElapsed(Draft& draft, const Record& record, RecordView) {
     const RecordView frame = record.payload();
-    draft.summary.put(", ");
+    draft.summary.literal(", ");
     draft.summary.commit(putSeconds(draft.summary.reserve(kElapsedRoom), frame.u32(kSeconds),
                                     frame.u32(kMilliseconds)));
 }
@@ -146,7 +148,7 @@ void v2::putElapsed(Draft& draft, const Record& record, RecordView) {
 void v2::putOutcome(Draft& draft, const Record& record, RecordView) {
     const RecordView frame = record.payload();
     if ((frame.u8(kStatusRegister) & 0x01) && frame.u8(kErrorRegister) == 0)
-        draft.summary.put(", ").put(kErrorCauses.at(kNoError));
+        draft.summary.literal(", ").literal(kErrorCauses.at(kNoError));
 }
 
 void v2::putSegments(Draft& draft, const Record&, RecordView data) {
@@ -158,8 +160,8 @@ void v2::putRing(Draft& draft, const Record& record, RecordView data) {
     constexpr std::size_t kWord = 4;
     const std::size_t end = std::min<std::size_t>(record.payloadLength(), record.payload().size());
     for (std::uint32_t i = 0; kListAt + (i + 1) * kWord <= end; ++i) {
-        draft.body.put("<Entry_").decimal(i).put(">0x").hexLower(data.u32(i * kWord), 8);
-        draft.body.put("</Entry_").decimal(i).put(">");
+        draft.body.literal("<Entry_").decimal(i).literal(">0x").hexLower(data.u32(i * kWord), 8);
+        draft.body.literal("</Entry_").decimal(i).literal(">");
     }
 }
 
@@ -179,7 +181,7 @@ void v3::putXportOutcome(Draft& draft, const Record& record, RecordView data) {
 }
 
 void v3::putSataStatus(Draft& draft, const Record& record, RecordView data) {
-    draft.summary.put(", ").put(
+    draft.summary.literal(", ").literal(
         writeSataOutcome(draft.body, data, classData(record).subview(kErrorCommand)));
 }
 
@@ -188,7 +190,7 @@ void v3::putSataCommand(Draft& draft, const Record&, RecordView data) {
 }
 
 void v3::putScsiSense(Draft& draft, const Record&, RecordView data) {
-    draft.summary.put(", ").put(writeScsiOutcome(draft.body, data));
+    draft.summary.literal(", ").literal(writeScsiOutcome(draft.body, data));
 }
 
 void v3::putScsiCommand(Draft& draft, const Record&, RecordView data) {
@@ -281,7 +283,7 @@ void appendClass(Avrel_Event& event, const DM_EVL* record, XmlString& body,
     const Events::Entry* row = events3.find(eventClass, record->identifier);
     if (!row)
         return;
-    Draft draft(Texts::Raw);
+    Draft draft(Sanitize::No);
     events3.writeBody(draft, *row, whole, whole.payload());
     body.append(draft.body.view());
     event.setSummary(toString(draft.summary.view()));

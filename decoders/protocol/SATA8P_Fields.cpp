@@ -127,7 +127,7 @@ void putCommandFis(TextWriter& body, RecordView fis) {
 
 std::string_view putStatusFis(TextWriter& body, RecordView fis, std::uint8_t command) {
     const std::string_view cause = errorCause(fis.u8(3), isReadCommand(command));
-    body.put("<Error_Cause>").put(cause).put("</Error_Cause>");
+    body.literal("<Error_Cause>").literal(cause).literal("</Error_Cause>");
     write(body, kLayout<v3::kStatusFisRows, Style::Joined>, fis);
     return cause;
 }

@@ -4,7 +4,6 @@
 
 #include "decoders/protocol/SATA8P_Fields.h"
 #include "event/Catalogue.h"
-#include "event/FixedString.h"
 
 #include <utility>
 

@@ -36,16 +36,16 @@ std::uint32_t CMAPMessageHeader::getHandle() const {
 String CMAPMessageHeader::str() const {
     const RecordView wire(wire_, sizeof wire_);
     StackWriter<512> out;
-    out.put("MessageType: ").decimal(wire.u8(header::kMessageType));
-    out.put(", Version: ").decimal(wire.u8(header::kVersion));
-    out.put(", Length: ").decimal(wire.u16(header::kLength));
-    out.put(", Protocol: ").decimal(wire.u8(header::kProtocol));
-    out.put(", Type: 0x").hexUpper(wire.u32(header::kProtocol) & 0xFFFFFFu, 6);
-    out.put(", Requestor: ").decimal(wire.u8(header::kRequestor));
-    out.put(", Control: 0x").hexUpper(wire.u8(header::kControl), 2);
-    out.put(", Destination: ").decimal(wire.u8(header::kDestination));
-    out.put(", ReturnCode: ").decimal(wire.u32(header::kReturnCode));
-    out.put(", Handle: 0x").hexUpper(wire.u32(header::kHandle), 8);
+    out.literal("MessageType: ").decimal(wire.u8(header::kMessageType));
+    out.literal(", Version: ").decimal(wire.u8(header::kVersion));
+    out.literal(", Length: ").decimal(wire.u16(header::kLength));
+    out.literal(", Protocol: ").decimal(wire.u8(header::kProtocol));
+    out.literal(", Type: 0x").hexUpper(wire.u32(header::kProtocol) & 0xFFFFFFu, 6);
+    out.literal(", Requestor: ").decimal(wire.u8(header::kRequestor));
+    out.literal(", Control: 0x").hexUpper(wire.u8(header::kControl), 2);
+    out.literal(", Destination: ").decimal(wire.u8(header::kDestination));
+    out.literal(", ReturnCode: ").decimal(wire.u32(header::kReturnCode));
+    out.literal(", Handle: 0x").hexUpper(wire.u32(header::kHandle), 8);
     return out.string();
 }
 

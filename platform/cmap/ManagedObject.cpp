@@ -13,12 +13,12 @@ constinit std::atomic<ManagedObjectFactory> registered[256]{};
 
 // As an object of the library's own classes renders.
 void writeKnown(TextWriter& out, std::uint8_t classId, RecordView data) {
-    out.put("<ClassName>");
+    out.literal("<ClassName>");
     kObjectClasses.put(out, classId);
-    out.put("</ClassName> ");
+    out.literal("</ClassName> ");
     if (const Layout* layout = objectLayout(classId))
         write(out, *layout, data);
-    out.put("<Hex>").hexBytes(data.bytes(0)).put("</Hex> ");
+    out.literal("<Hex>").hexBytes(data.bytes(0)).literal("</Hex> ");
 }
 
 } // namespace

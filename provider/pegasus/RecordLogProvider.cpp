@@ -48,7 +48,7 @@ bool wants(const String& role, const char* own) {
     return role.size() == 0 || String::equalNoCase(role, own);
 }
 
-void say(const std::string& what) {
+void log(const std::string& what) {
     ::syslog(LOG_DAEMON | LOG_WARNING, "%s: %s", kProviderName, what.c_str());
 }
 
@@ -58,9 +58,9 @@ Settings readSettings() {
         path = MPUEVENT_PROVIDER_CONF;
     std::ifstream file(path);
     if (!file)
-        say(std::string(path) + ": not there; defaults are used");
+        log(std::string(path) + ": not there; defaults are used");
     return provider::readSettings(
-        file, [path](const std::string& what) { say(std::string(path) + ": " + what); });
+        file, [path](const std::string& what) { log(std::string(path) + ": " + what); });
 }
 
 CIMValue toCimValue(const String& v) {
@@ -332,7 +332,7 @@ void RecordLogProvider::referenceNames(const OperationContext&, const CIMObjectP
 // -----------------------------------------------------------------------------------
 
 void RecordLogProvider::enableIndications(IndicationResponseHandler& handler) {
-    log_->setTaker([this, &handler](const Entry& entry) {
+    log_->setListener([this, &handler](const Entry& entry) {
         CIMInstance indication = toInstance(kAlertIndication, alert(entry, log_->settings()));
         indication.addProperty(
             CIMProperty(CIMName("IndicationTime"), CIMValue(CIMDateTime::getCurrentDateTime())));
@@ -342,14 +342,14 @@ void RecordLogProvider::enableIndications(IndicationResponseHandler& handler) {
             handler.deliver(indication);
         } catch (const Exception& e) {
             const CString message = e.getMessage().getCString();
-            say("an indication could not be sent: " +
+            log("an indication could not be sent: " +
                 std::string(static_cast<const char*>(message)));
         }
     });
 }
 
 void RecordLogProvider::disableIndications() {
-    log_->setTaker(nullptr);
+    log_->setListener(nullptr);
 }
 
 // The server sends an indication to the subscriptions that it fits: nothing is kept of them here.

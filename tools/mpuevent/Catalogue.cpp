@@ -111,7 +111,7 @@ Status formats(const FormatsOptions& options) {
         return kUsage;
     }
     Output output;
-    output.text().put(rowOf(kReferenceFormats, options.format).make(told, wanted));
+    output.text().literal(rowOf(kReferenceFormats, options.format).make(told, wanted));
     return output.finish();
 }
 
@@ -131,7 +131,7 @@ Status sample(const SampleOptions& options) {
     for (std::uint64_t made = 0, before = 0;; before = made) {
         for (const mpu::Module& module : chosen)
             for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
-                output.text().put(samples.message(module, kind));
+                output.text().literal(samples.message(module, kind));
                 if (++made == options.count || !output.proceed())
                     return output.finish();
             }

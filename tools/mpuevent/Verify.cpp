@@ -199,10 +199,10 @@ void Verifier::tell(std::string_view text, Finding& finding) {
     ++findings_;
     mpu::TextWriter& out = output_.text();
     if (json_)
-        out.put(finding.json());
+        out.literal(finding.json());
     else
         putPrintable(out, fmt::format("{}: {}", file_, text));
-    out.put("\n");
+    out.literal("\n");
     output_.proceed();
 }
 

@@ -57,7 +57,7 @@ Exit status: 0 all well, 1 some of the input was damaged, 2 wrong usage,
 
 Status show(std::string_view text) {
     Output out;
-    out.text().put(text);
+    out.text().literal(text);
     return out.finish();
 }
 

@@ -318,29 +318,36 @@ TEST(Mapping, MessageInterruptProcessor) {
 // ---- device manager ----------------------------------------------------------------------------
 
 TEST(Mapping, DeviceManagerVersion2) { // hundreds: the event type
-    check("101 +ID_Select; 102-110 +PCI_Error_Code;"
-          "203,204,207,208,210 +Drive_CMD; 209 +Async_Data;"
-          "301,302,342 +Process_Flags , Drive 1; 304 +Process_Flags , Drive 1, Status 2;"
-          "303,321 +Semaphore_Valid , Semaphore Valid 0x00000002, Semaphore Value 0x00000003;"
-          "305 +Hardware_Configuration , Drive 1, Hardware Configuration 0x00000002;"
-          "306 +PCIX_Interrupt_Status , Drive 1, PCIX Interrupt Status 0x00000002;"
-          "307,329,330 +Bad_Address , Drive 1, Bad Address 0x00000002;"
-          "308-311,324-328,331,334 +DRIVE_CMD_Flink , Drive 1, Status 11;"
-          "312,332 +Asynchronous_Data , Drive 1, Asynchronous Data 0x00000002;"
-          "313 +Device , Drive 1;"
-          "314,315,317,318 +Peripheral_Interrupt_Register , PIR 0x00000002, QMIR 0x00000003;"
-          "316,319,320,322 +MSA_Queue , Drive 1, MSA Queue 0x00000002; 323 +DCB_Flink , Drive 1;"
-          "333,335 +Command_Xfer_Count , Drive 1; 336-341 +Bus , Drive 1;"
-          "343 +Response_Ring_Base_Address , Drive 1; 344 +Event=2 , Drive 1, Event 2;"
-          "345 +Event_Type , Drive 1, Event Type 2;"
-          "346 +Bugcheck_Information=0x00000002 , Bugcheck Information 0x00000002;"
-          "347 +Event_Type+Bugcheck_Information=0x00000003 , Drive 1, Bugcheck 0x00000003",
-          0, 410, [](unsigned code) {
-              return RecordBuilder(6, 1)
-                  .version(2)
-                  .u32s(0, {code / 100, code % 100, 0, 0, 0, 0, 0, 0, code / 100 == 3})
-                  .words(36, 30);
-          });
+    check(
+        "101 +ID_Select+Process_Flags; 102-110 +PCI_Error_Code+Process_Flags;"
+        "201,202,205,206 +Process_Flags; 203,204,207,208,210 +Drive_CMD+Process_Flags; 209 "
+        "+Async_Data+Process_Flags;"
+        "301,302,342 +Process_Flags , Drive 1; 304 +Process_Flags , Drive 1, Status 2;"
+        "303,321 +Semaphore_Valid+Process_Flags , Semaphore Valid 0x00000002, Semaphore Value "
+        "0x00000003;"
+        "305 +Hardware_Configuration+Process_Flags , Drive 1, Hardware Configuration 0x00000002;"
+        "306 +PCIX_Interrupt_Status+Process_Flags , Drive 1, PCIX Interrupt Status 0x00000002;"
+        "307,329,330 +Bad_Address+Process_Flags , Drive 1, Bad Address 0x00000002;"
+        "308-311,324-328,331,334 +DRIVE_CMD_Flink+Process_Flags , Drive 1, Status 11;"
+        "312,332 +Asynchronous_Data+Process_Flags , Drive 1, Asynchronous Data 0x00000002;"
+        "313 +Device+Process_Flags , Drive 1;"
+        "314,315,317,318 +Peripheral_Interrupt_Register+Process_Flags , PIR 0x00000002, QMIR "
+        "0x00000003;"
+        "316,319,320,322 +MSA_Queue+Process_Flags , Drive 1, MSA Queue 0x00000002; 323 "
+        "+DCB_Flink+Process_Flags , Drive 1;"
+        "333,335 +Command_Xfer_Count+Process_Flags , Drive 1; 336-341 +Bus+Process_Flags , Drive 1;"
+        "343 +Response_Ring_Base_Address+Process_Flags , Drive 1; 344 +Event=2+Process_Flags , "
+        "Drive 1, Event 2;"
+        "345 +Event_Type+Process_Flags , Drive 1, Event Type 2;"
+        "346 +Bugcheck_Information=0x00000002+Process_Flags , Bugcheck Information 0x00000002;"
+        "347 +Event_Type+Bugcheck_Information=0x00000003+Process_Flags , Drive 1, Bugcheck "
+        "0x00000003",
+        0, 410, [](unsigned code) {
+            return RecordBuilder(6, 1)
+                .version(2)
+                .u32s(0, {code / 100, code % 100, 0, 0, 0, 0, 0, 0, 1})
+                .words(36, 30);
+        });
 }
 
 TEST(Mapping, DeviceManagerVersion3) { // hundreds: the event class

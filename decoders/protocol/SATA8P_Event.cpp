@@ -18,8 +18,10 @@ void put(TextWriter& out, RecordView view) {
 void decode1(const Record& record, Draft& draft) {
     constexpr const Events& events = kEventsOf<v1::kEvents>;
     const RecordView frame = record.payload();
-    if (const Events::Entry* event = events.find(frame.u32(4)))
-        return events.write(draft, *event, record, frame);
+    if (const Events::Entry* event = events.find(frame.u32(4))) {
+        events.write(draft, *event, record, frame);
+        return events.writeTail(draft, record, frame);
+    }
     constexpr std::size_t kDumped = 64;
     draft.title.literal("Device Manager Event");
     draft.body.literal("<Data>").hexBytes(frame.bytes(0, kDumped)).literal("</Data>");
@@ -39,8 +41,7 @@ void decodeType(const Record& record, Draft& draft, std::uint32_t type, std::uin
     draft.title.literal("Bugcheck");
     write(draft.summary, kLayout<v2::kUnlistedLine>, record.payload());
     put<v2::kBugcheckRows>(draft.body, record.payload());
-    if (code == 0)
-        put<v2::kFlagsRows>(draft.body, record.payload());
+    put<v2::kFlagsRows>(draft.body, record.payload());
 }
 
 void decode2(const Record& record, Draft& draft) {

@@ -31,8 +31,8 @@ constexpr unsigned b(unsigned at) {
     return kBody + at;
 }
 
-// Nobody wrote down how the bodies of versions 1 and 2 are laid out: all their rows are chosen.
-// Fields are words in the order in which the firmware names them.
+// Nobody wrote down how the bodies of versions 1 and 2 are laid out: all their rows are assumed.
+// Fields are words in the order in which the firmware names them. The event header is documented.
 template <std::size_t Count>
 consteval std::array<Row, Count> assumed(const Row (&rows)[Count]) {
     const auto mark = [](const Row& row) { return row.values[0].at < kBody ? row : row.assumed(); };
@@ -59,16 +59,12 @@ namespace v1 {
 
 inline constexpr auto kAddressRows = assumed({hex("Address", u32(b(0)))});
 inline constexpr auto kInterruptRows = assumed({hex("Interrupt_Status", u32(b(0)))});
-inline constexpr auto kNumberedRows = assumed({
-    dec("Event_Type", u32(0)),
-    dec("Event_Number", u32(4)),
-    dec("Line_Number", u32(12)).inferred(),
-});
+// Of the header, where version 2 has it; the elements of kHeaderRows follow.
+inline constexpr Row kTypeRows[] = {dec("Event_Type", u32(0)).inferred()};
 inline constexpr auto kPlaceRows = assumed({
     dec("Drive", u32(b(0))),
-    hex("Adapter_Handle", u32(16)),
-    dec("PCI_Bus", u32(20)),
-    dec("ID_Select", u32(b(4))),
+    hex("Adapter_Handle", u32(16)).assumed(),
+    hex("ID_Select", u32(b(4))),
 });
 inline constexpr auto kRepeatsRows = assumed({
     dec("Drive", u32(b(0))),
@@ -102,8 +98,8 @@ inline constexpr auto kAdapterRows = assumed({
     hex("R00StatusBridgePortRegister_%d", u32(b(40))).repeat(8, 4),
 });
 inline constexpr auto kResponseRows = assumed({
-    dec("Adatper_Number", u32(16)),
-    dec("Channel_Index", u32(24)),
+    dec("Adatper_Number", u32(16)).inferred(),
+    dec("Channel_Index", u32(24)).assumed(),
     hex("Command_ID", u32(b(0))),
     dec("Time_Stamp", u32(b(4))),
 });
@@ -156,7 +152,7 @@ inline constexpr auto kQueueRows = assumed({
     hex("QMIR_wData", u32(b(4))),
 });
 inline constexpr auto kPhysicalDriveRows = assumed({
-    dec("Channel_Number", u32(24)),
+    dec("Channel_Number", u32(24)).inferred(),
     hex("PDT_Handle", u32(b(0))),
     hex("Response", u32(b(4))),
     dec("Timeout", u32(b(8))),
@@ -169,7 +165,7 @@ inline constexpr auto kPhysicalDriveRows = assumed({
     dec("Cmds_segmented", u32(b(36))),
     dec("Support_Ext_Cmds", u32(b(40))),
 });
-inline constexpr auto kAdapterNumberRows = assumed({dec("Adapter_Number", u32(16))});
+inline constexpr Row kAdapterNumberRows[] = {dec("Adapter_Number", u32(16)).inferred()};
 inline constexpr auto kRegionRows = assumed({
     hex("PRD_Address", u32(b(0))),
     hex("SGT_Offset", u32(b(4))),
@@ -238,6 +234,18 @@ inline constexpr auto kAsynchronousRows = assumed({
 });
 inline constexpr auto kParameterRows = assumed({hex("Parameter", u32(b(0)))});
 
+// What the event header has for every number, after its object. The line is in the gap before the
+// adapter, its place in the data-path modules.
+inline constexpr Row kHeaderRows[] = {
+    dec("Event_Number", u32(4)),
+    dec("Line_Number", u32(12)).inferred(),
+    dec("Adapter", u32(16)),
+    dec("PCI_Bus", u32(20)),
+    dec("Channel", u32(24)),
+    hex("Process_Flags", u32(32)).unlessZero(),
+    dec("Missed_Events", u32(28)).unlessZero(),
+};
+
 // Summaries. Most are the event's name.
 inline constexpr Row kNameLine = line("%s", eventName);
 inline constexpr Row kFailureLine =
@@ -257,7 +265,7 @@ inline constexpr EventRow kEventRows[] = {
     // clang-format off
     numbers(101, 105, "Fatal Error", kNameLine, {kAddressRows}),
     numbers(106, 110, "Fatal Error", kNameLine, {kInterruptRows}),
-    numbers(111, 117, "Invalid Parameter", kNameLine, {kNumberedRows}),
+    numbers(111, 117, "Invalid Parameter", kNameLine, {kTypeRows}),
     numbers(118, 120, "Drive Inserted", line("Drive %u, Became responsive", u32(b(0))), {kPlaceRows}),
     numbers(121, 123, "Drive Removed", line("Drive %u, Offline device", u32(b(0))), {kPlaceRows}),
     numbers(124, 127, "Failed Discovery", line("Drive %u, Busy during discovery", u32(b(0))), {kPlaceRows}),
@@ -271,7 +279,7 @@ inline constexpr EventRow kEventRows[] = {
     numbers(178, 183, "Drive Error", kDriveFailureLine, {kCommandRows}),
     numbers(184, 187, "Adapter initialization failure", kNameLine, {kValueRows}),
     numbers(188, 191, "Adapter initialization failure", kNameLine, {kBarRows}),
-    numbers(192, 201, "Invalid CSCB Response", line("Status %u", u32(b(48))), {kCscbRows}),
+    numbers(192, 201, "Invalid CSCB Response", line("Status 0x%08x", u32(b(48))), {kCscbRows}),
     numbers(202, 211, "Command Failure", kRequestLine, {kRequestRows}),
     numbers(212, 219, "Fatal Error", kNameLine, {kQueueRows}),
     numbers(220, 225, "Device Offline", kNameLine, {kPhysicalDriveRows}),
@@ -300,6 +308,7 @@ inline constexpr EventTable kEvents{
     .minor = u32(156),
     .style = Style::Joined,
     .keys = kKeys,
+    .tail = {kHeaderRows},
     .note =
         "Every payload version but 2 and 3, unless the word at 160 is 0xFFFFFFFF: such a record "
         "is of version 2. A number without a row has the title \"Device Manager Event\" and "
@@ -375,7 +384,7 @@ inline constexpr auto kBugcheckRows = assumed({
     dec("Channel", u32(24)),
     dec("Missed_Events", u32(28)).unlessZero(),
 });
-inline constexpr Row kFlagsRows[] = {hex("Process_Flags", u32(32)).unlessZero()};
+inline constexpr Row kFlagsRows[] = {hex("Process_Flags", u32(32)).unlessZero()}; // comes last
 inline constexpr auto kSemaphoreRows = assumed({
     hex("Semaphore_Valid", u32(b(4))),
     hex("Semaphore_Value", u32(b(8))),
@@ -388,7 +397,7 @@ inline constexpr auto kDriveCommandRows = assumed({
     hex("DRIVE_CMD_Blink", u32(b(8))),
     hex("DCB", u32(b(12))),
     hex("DRIVE_CMD_Flags", u32(b(16))),
-    dec("Total_Xfer_Count", u32(b(20))),
+    hex("Total_Xfer_Count", u32(b(20))),
     hex("Offset_Length", u32(b(24))),
     dec("Time_Out", u32(b(28))),
     hex("DRP_LH_Flink", u32(b(32))),
@@ -399,13 +408,13 @@ inline constexpr auto kDriveCommandRows = assumed({
     hex("PRD_Table", u32(b(52))),
     hex("PRB_LBA", u64(b(56))),
     hex("PRB_Error_LBA", u64(b(64))),
-    dec("PRB_Xfer_Count", u32(b(72))),
+    hex("PRB_Xfer_Count", u32(b(72))),
     dec("PRB_Command", u32(b(76))),
     dec("PRB_DL_Index", u32(b(80))),
     hex("SATA_CMD_Flags", u32(b(84))),
     hex("SATA_Command", u32(b(88))),
     hex("SATA_CMD_LBA", u64(b(96))),
-    dec("SATA_CMD_Xfer_Count", u32(b(104))),
+    hex("SATA_CMD_Xfer_Count", u32(b(104))),
     hex("SATA_CMD_Low_DMA_Address", u32(b(108))),
     dec("SATA_CMD_Channel_Index", u32(b(112))),
     hex("SATA_CMD_Handle", u32(b(116))),
@@ -468,8 +477,8 @@ inline constexpr auto kDriveBlockRows = assumed({
     hex("Failed_NCQ_Command_Retry_LH_Blink", u32(b(92))),
 });
 inline constexpr auto kTransferRows = assumed({
-    dec("Command_Xfer_Count", u32(b(4))),
-    dec("DRP_Xfer_Count", u32(b(8))),
+    hex("Command_Xfer_Count", u32(b(4))),
+    hex("DRP_Xfer_Count", u32(b(8))),
     dec("SGT_Total_Byte_Count", u32(b(12))),
 });
 // Up to kSegments of them after the transfer; an address of 0 ends the list.
@@ -535,7 +544,8 @@ constexpr EventRow command(unsigned code, Pieces pieces) {
 }
 constexpr EventRow bugcheck(unsigned first, unsigned last, Piece object, Row summary,
                             Piece list = {}) {
-    return {{kBugcheck, first, last}, "Bugcheck", summary, {kBugcheckRows, object, list}};
+    return {
+        {kBugcheck, first, last}, "Bugcheck", summary, {kBugcheckRows, object, list, kFlagsRows}};
 }
 inline constexpr Value kName = name(u32(4), kBugchecks);
 inline constexpr Value kNumber = u32(b(0));
@@ -570,9 +580,9 @@ inline constexpr EventRow kEventRows[] = {
     command(8, {kDriveRows, kCommandRows, kOutcome, kCountRows}),
     drive(9, "Drive Error", {kDriveRows, kAsyncRows, kCountRows}),
     command(10, {kDriveRows, kCommandRows, kElapsedTime, kOutcome, kCountRows}),
-    bugcheck(1, 2, kFlagsRows, kBugcheckLine),
+    bugcheck(1, 2, {}, kBugcheckLine),
     bugcheck(3, 3, kSemaphoreRows, kSemaphoreLine),
-    bugcheck(4, 4, kFlagsRows, line("%s, Drive %u, Status %u", kName, kNumber, u32(b(4)))),
+    bugcheck(4, 4, {}, line("%s, Drive %u, Status %u", kName, kNumber, u32(b(4)))),
     bugcheck(5, 5, kConfigurationRows, line("%s, Drive %u, Hardware Configuration 0x%08x", kName, kNumber, u32(b(4)))),
     bugcheck(6, 6, kPcixInterruptRows, line("%s, Drive %u, PCIX Interrupt Status 0x%08x", kName, kNumber, u32(b(4)))),
     bugcheck(7, 7, kAddressRows, kAddressLine),
@@ -594,7 +604,7 @@ inline constexpr EventRow kEventRows[] = {
     bugcheck(34, 34, kDriveCommandRows, kStatusLine),
     bugcheck(35, 35, kTransferRows, kBugcheckLine, custom(kSegmentList, kListAt)),
     bugcheck(36, 41, kPcixRows, kBugcheckLine),
-    bugcheck(42, 42, kFlagsRows, kBugcheckLine),
+    bugcheck(42, 42, {}, kBugcheckLine),
     bugcheck(43, 43, kRingRows, kBugcheckLine, custom(kRing, kListAt)),
     bugcheck(44, 44, kOtherEventRows, line("%s, Drive %u, Event %u", kName, kNumber, u32(b(4)))),
     bugcheck(45, 45, kEventTypeRows, line("%s, Drive %u, Event Type %u", kName, kNumber, u32(b(4)))),

@@ -206,8 +206,10 @@ TEST_F(ISCSIMP, ShowsTheHeaderOfAMessage) {
 }
 
 TEST_F(ISCSIMP, LeavesDataOfUnknownKindsOut) {
-    for (std::uint32_t kind : {0u, 7u, 65535u})
-        EXPECT_EQ(event(3, kind, 9).body() + event(3, kind, 9).summary(), "");
+    for (std::uint32_t kind : {0u, 7u, 65535u}) {
+        EXPECT_EQ(event(3, kind, 9).body(), "");
+        EXPECT_EQ(event(3, kind, 9).summary(), "Unknown (" + std::to_string(kind) + ")");
+    }
     const ISCSIMP_Event none(nullptr, 0);
     EXPECT_EQ(none.getEventID().size() + none.getBody().size(), 0u);
 }

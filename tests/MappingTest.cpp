@@ -443,5 +443,56 @@ TEST(Mapping, StartUp) {
           0, 103, [](unsigned code) { return RecordBuilder(18, code).text(0, "message"); });
 }
 
+// ---- codes that no table has -------------------------------------------------------------------
+
+TEST(Mapping, UnknownCodesAreTraced) {
+    const auto sata = [](unsigned version, std::uint32_t first, std::uint32_t second) {
+        return RecordBuilder(6, 1).version(version).u32s(0, {first, second});
+    };
+    const auto isns = [](std::uint32_t kind, std::uint32_t identifier) {
+        return RecordBuilder(31, 0).u32s(4, {kind, 2}).u32s(24, {identifier, 0, 0x05000000});
+    };
+    const struct {
+        RecordBuilder record;
+        const char* where;
+        const char* traced; // empty: a known code
+    } cases[] = {
+        {datapath(5, 34, 1), "IOMGR8P_Event:0 ", "Unknown Event_Type: 34"},
+        {datapath(5, 0, 1), "IOMGR8P_Event:0 ", "Unknown Event_Type: 0"},
+        {datapath(5, 33, 2), "IOMGR8P_Event:0 ", "Unknown Event_Number: 2"},
+        {datapath(5, 32, 2), "", ""},
+        {datapath(7, 7, 1), "MIP8P_Event:262 ", "Unknown Event Type: 7"},
+        {datapath(7, 0, 1), "MIP8P_Event:262 ", "Unknown Event Type: 0"},
+        {datapath(7, 14, 1), "MIP8P_Event:262 ", "Unknown Event Type: 14"},
+        {datapath(7, 1, 99), "MIP8P_Event:361 ", "Unknown Message ID: 99"},
+        {datapath(7, 3, 2), "MIP8P_Event:479 ", "Unknown Message ID: 2"},
+        {datapath(7, 13, 24), "MIP8P_Event:885 ", "Unknown Message ID: 24"},
+        {datapath(7, 9, 99), "", ""},
+        {sata(1, 0, 310), "SATA8P_Event:0 ", "Unknown Event_Number: 310"},
+        {sata(2, 4, 1), "SATA8P_Event:0 ", "Invalid Event Type (0x00000004)"},
+        {sata(2, 3, 48), "SATA8P_Event:0 ", "Invalid Event (0x00000030)"},
+        {sata(3, 2, 18), "SATA8P_Event:0 ", "Unknown data (class 2, identifier 18)"},
+        {RecordBuilder(22, 3).u16(0, 9), "ISCSIMP_Event:0 ", "Unknown payload kind: 9"},
+        {isns(9, 1), "ISNSC_Event:0 ", "Unhandled Event by ISNS Client: 9"},
+        {isns(6, 1), "ISNSC_Event:0 ", "Unhandled Event by ISNS Client: 6"},
+        {isns(2, 1), "ISNSC_Event:0 ", "Unknown ics_type: 5"},
+        {isns(7, 8), "ISNSC_Event:0 ", "Unknown text_id: 8"},
+        {isns(7, 1), "", ""},
+    };
+    for (const auto& c : cases) {
+        const CaptureTrace trace;
+        c.record.decode();
+        std::vector<std::string> told;
+        for (const std::string& line : trace.lines())
+            if (line.find("Length=0x") == line.npos && line.find("setEventID") == line.npos)
+                told.push_back(line);
+        ASSERT_EQ(told.size(), *c.traced != '\0') << c.where << c.traced;
+        if (*c.traced != '\0') {
+            EXPECT_THAT(told[0], testing::AllOf(StartsWith(c.where),
+                                                EndsWith(std::string(": ") + c.traced)));
+        }
+    }
+}
+
 } // namespace
 } // namespace Pegasus::test

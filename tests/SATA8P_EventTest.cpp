@@ -502,9 +502,9 @@ TEST_F(SATA8P_EventTest, Version3) {
         {1, 16, "SAS Zero Reply", "SAS Zero Reply",
          elements("Loop_Count=1; Zero_Reply_Count=2; Transport=Unknown (3); Hardware=Unknown (4)") +
              kAdapter},
-        {1, 6, "IOC Log Event Notice", "", kPath},
-        {1, 7, "Target Attention", "", kPath},
-        {1, 0, "Invalid", "", kPath},
+        {1, 6, "IOC Log Event Notice", "Unknown data (class 1, identifier 6)", kPath},
+        {1, 7, "Target Attention", "Unknown data (class 1, identifier 7)", kPath},
+        {1, 0, "Invalid", "Unknown data (class 1, identifier 0)", kPath},
         {2, 10, "SATA Error", "Drive 15, SATA Error, Unknown",
          elements("Drive=15; Error_Cause=Unknown; Retry_Count=14; DRP_Start_LBA=0x90000000a; "
                   "DRP_Transfer_Count=0x00000026; Device_Transfer_Count=0x00000027; "
@@ -542,8 +542,8 @@ TEST_F(SATA8P_EventTest, Version3) {
                   "Pameter_2=0x00000004; Pameter_3=0x00000005; Pameter_4=0x00000006")},
         {5, 17, "DEVMGR Trace Time", "DEVMGR Trace Time", element("Line_Number", "1")},
         {5, 15, "SAS Port", "SAS Port", element("Line_Number", "1")},
-        {6, 15, "SAS Port", "", kAdapter},
-        {9, 18, "Unknown (18)", "", kPath},
+        {6, 15, "SAS Port", "Unknown data (class 6, identifier 15)", kAdapter},
+        {9, 18, "Unknown (18)", "Unknown data (class 9, identifier 18)", kPath},
     };
     for (const auto& t : cases) {
         const RecordBuilder record = version3(t.eventClass, t.identifier);

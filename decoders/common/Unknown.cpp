@@ -11,17 +11,21 @@ void writePayload(TextWriter& body, const Record& record) {
 }
 
 void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event) {
-    traceUnknown(event.traceSource, event.traceLine, event.trace, record);
+    traceUnknown(event.traceSource, event.traceLine, event.trace, record.eventId());
     draft.summary.literal(event.summary);
     writePayload(draft.body, record);
 }
 
-void traceUnknown(const char* source, int line, const char* what, const Record& record) {
+void traceUnknown(const char* source, int line, std::string_view what, std::uint32_t code,
+                  unsigned digits) {
     if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
         return;
-    LineWriter id;
-    id.decimal(record.eventId());
-    ProviderTraceServices::ptsTrace(source, line, {what, id.view()});
+    LineWriter number;
+    if (digits != 0)
+        number.hexLower(code, digits);
+    else
+        number.decimal(code);
+    ProviderTraceServices::ptsTrace(source, line, {what, number.view()});
 }
 
 } // namespace Pegasus::mpu

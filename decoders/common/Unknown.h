@@ -18,7 +18,8 @@ struct UnknownEvent {
 // Traces, and leaves a draft with the summary and the payload; the title stays the event's number.
 void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event);
 
-// Traces `what` and the record's event id in decimal.
-void traceUnknown(const char* source, int line, const char* what, const Record& record);
+// Traces `what` and a code that no table has: in decimal, or in so many hexadecimal digits.
+void traceUnknown(const char* source, int line, std::string_view what, std::uint32_t code,
+                  unsigned digits = 0);
 
 } // namespace Pegasus::mpu

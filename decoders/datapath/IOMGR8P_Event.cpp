@@ -12,10 +12,11 @@ using namespace mpu::iomgr;
 
 namespace {
 
+constexpr const char* kTraceSource = "IOMGR8P_Event";
 constexpr const Events& events = kEventsOf<kEvents>;
 
 void putFrame(Draft& draft, const Record& record) {
-    traceLength("IOMGR8P_Event", 208, "IOMGR_Event: Length=0x", record.payload());
+    traceLength(kTraceSource, 208, "IOMGR_Event: Length=0x", record.payload());
     draft.body.setSanitize(Sanitize::No);
     events.writeHead(draft, record, record.payload());
 }
@@ -52,11 +53,17 @@ void iomgr::decode(const Record& record, Draft& draft) {
     if (record.eventId() != 1)
         return decodeUnknown(
             record, draft,
-            {"IOMGR8P_Event", 115, "Unknown EventID: 0x", "Unhandled Event by IOMGR8P"});
+            {kTraceSource, 115, "Unknown EventID: 0x", "Unhandled Event by IOMGR8P"});
     events.writeTitle(draft, record);
     putFrame(draft, record);
+    const RecordView payload = record.payload();
+    const std::uint32_t eventClass = payload.u32(kClassAt);
     if (const Events::Entry* event = findEvent(record))
-        events.writeBody(draft, *event, record, record.payload());
+        events.writeBody(draft, *event, record, payload);
+    else if (eventClass == 0 || eventClass > kDeviceClass)
+        traceUnknown(kTraceSource, 0, "Unknown Event_Type: ", eventClass);
+    else
+        traceUnknown(kTraceSource, 0, "Unknown Event_Number: ", payload.u32(kCodeAt));
 }
 
 IOMGR8P_Event::IOMGR8P_Event(const EmpEvLogMsg_s* record, int length)

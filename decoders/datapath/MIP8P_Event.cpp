@@ -11,6 +11,7 @@ using namespace mpu::mip;
 
 namespace {
 
+constexpr const char* kTraceSource = "MIP8P_Event";
 constexpr const Events& events = kEventsOf<kEvents>;
 
 void putHexElement(TextWriter& body, std::string_view bytes) {
@@ -19,10 +20,19 @@ void putHexElement(TextWriter& body, std::string_view bytes) {
 
 void putEvent(Draft& draft, const Record& record) {
     const RecordView payload = record.payload();
-    traceLength("MIP8P_Event", 208, "MIP_Event: Length=0x", payload);
+    traceLength(kTraceSource, 208, "MIP_Event: Length=0x", payload);
     events.writeHead(draft, record, payload);
-    const Events::Entry* event = events.find(payload.u32(kClassAt), payload.u32(kCodeAt));
-    events.writeBody(draft, *(event ? event : events.find(0, 0)), record, payload);
+    const std::uint32_t eventClass = payload.u32(kClassAt);
+    const Events::Entry* event = events.find(eventClass, payload.u32(kCodeAt));
+    if (!event)
+        event = events.find(kOtherClass, 0);
+    if (const int line = kUnlistedLines[event->major]; line && event->last == Codes::kAnyCode) {
+        if (event->major == kOtherClass)
+            traceUnknown(kTraceSource, line, "Unknown Event Type: ", eventClass);
+        else
+            traceUnknown(kTraceSource, line, "Unknown Message ID: ", payload.u32(kCodeAt));
+    }
+    events.writeBody(draft, *event, record, payload);
 }
 
 } // namespace
@@ -45,7 +55,7 @@ void mip::putFile(Draft& draft, const Record& record, RecordView) {
 void mip::decode(const Record& record, Draft& draft) {
     if (record.eventId() != 1)
         return decodeUnknown(record, draft,
-                             {"MIP8P_Event", 115, "Unknown EventID: 0x", "Unhandled Event by MIP"});
+                             {kTraceSource, 115, "Unknown EventID: 0x", "Unhandled Event by MIP"});
     events.writeTitle(draft, record);
     putEvent(draft, record);
 }

@@ -217,19 +217,16 @@ inline constexpr Pieces kInvalidParam = {
     data(kInvalidParamRows), custom(kBadData, kDataAt + kBadLengthAt), kLength<kBadDataAt + 4>};
 inline constexpr Pieces kSourceFile = {custom(kFile, kDataAt), kLength<sizeof "mip_main.c">};
 
-// All codes of a class that it doesn't list. The line is that of the firmware's sources.
-template <unsigned At>
-constexpr std::array<Row, 2> unlisted(std::string_view line) {
-    return {Row("ID", "%u", u32(At)), Row("Line", line)};
-}
-inline constexpr auto kUnlistedManagement = unlisted<kCodeAt>("361");
-inline constexpr auto kUnlistedDatabase = unlisted<kCodeAt>("408");
-inline constexpr auto kUnlistedIsr = unlisted<kCodeAt>("479");
-inline constexpr auto kUnlistedStartup = unlisted<kCodeAt>("526");
-inline constexpr auto kUnlistedMmsg = unlisted<kCodeAt>("580");
-inline constexpr auto kUnlistedDma = unlisted<kCodeAt>("649");
-inline constexpr auto kUnlistedBugcheck = unlisted<kCodeAt>("885");
-inline constexpr auto kUnlistedClass = unlisted<kClassAt>("262");
+// All codes of a class that it doesn't list. The line is the one that traces them, three digits.
+inline constexpr unsigned kOtherClass = 0; // stands for all that have no codes
+inline constexpr std::uint16_t kUnlistedLines[] = {262, 361, 0, 479, 526, 0,   580,
+                                                   0,   0,   0, 0,   0,   649, 885}; // by class
+template <unsigned Line>
+inline constexpr char kLineText[] = {'0' + Line / 100, '0' + Line / 10 % 10, '0' + Line % 10};
+template <unsigned Line, unsigned At = kCodeAt>
+inline constexpr Row kUnlisted[] = {Row("ID", "%u", u32(At)), Row("Line", {kLineText<Line>, 3})};
+template <unsigned Class>
+inline constexpr auto& kUnlistedOf = kUnlisted<kUnlistedLines[Class]>;
 
 inline constexpr EventRow kEventRows[] = {
     // clang-format off
@@ -244,7 +241,7 @@ inline constexpr EventRow kEventRows[] = {
     row({1, 14}, "MIP8P MSA Event", kMsa),
     row({1, 15}, "MIP8P ARC found halted"),
     row({1, 16}, "MIP8P ARC found hung"),
-    row(anyOf(1), "Unknown Message ID", {kUnlistedManagement}),
+    row(anyOf(1), "Unknown Message ID", {kUnlistedOf<1>}),
     // isr
     row({3, 1}, "Proxy MQX Event", kLwsem),
     row({3, 3}, "ISR Unexpected Interrupt", kInterrupt),
@@ -252,17 +249,17 @@ inline constexpr EventRow kEventRows[] = {
     row({3, 8}, "ISR Overflow"),
     row({3, 24}, "MIP Ring Buffer Overflow"),
     row({3, 25}, "MIP Default Interreupt Handler Error"),
-    row(anyOf(3), "Unknown Message ID", {kUnlistedIsr}),
+    row(anyOf(3), "Unknown Message ID", {kUnlistedOf<3>}),
     // startup
     row({4, 1001}, "MIP8P Starting ARCs"),
     row({4, 1}, "MIP8P Startup MQX Error"),
     row({4, 1002}, "MIP8P ARCs started"),
-    row(anyOf(4), "Unknown Message ID", {kUnlistedStartup}),
+    row(anyOf(4), "Unknown Message ID", {kUnlistedOf<4>}),
     // mmsg
     row({6, 10}, "MMSG Invalid Param"),
     row({6, 1}, "MMSG MQX Event", kLwsem),
     row({6, 11}, "MMSG Invalid MMSG", kMmsg),
-    row(anyOf(6), "Unknown Message ID", {kUnlistedMmsg}),
+    row(anyOf(6), "Unknown Message ID", {kUnlistedOf<6>}),
     // evl
     row(anyOf(8), "EVL Error"),
     // assert
@@ -273,14 +270,14 @@ inline constexpr EventRow kEventRows[] = {
     row({12, 502}, "MIP8P p32 Xcore Interrupt", kInterruptStatus),
     row({12, 1}, "DMA MQX Event", kLwsem),
     row({12, 3}, "MIP8P Unexpected Interrupt", kInterruptStatus),
-    row(anyOf(12), "Unknown Message ID", {kUnlistedDma}),
+    row(anyOf(12), "Unknown Message ID", {kUnlistedOf<12>}),
     // bugcheck
     row({13, 22}, "Error: Fatal MSA queue event", kFatalMsa),
     row({13, 21}, "Error: Invalid BUG-CHECK Parameters", kInvalidParam),
     row({13, 23}, "Error: Fatal IRQ event", kFatalIrq),
-    row(anyOf(13), "Unknown Message ID", {kUnlistedBugcheck}),
+    row(anyOf(13), "Unknown Message ID", {kUnlistedOf<13>}),
     // all other classes
-    row(anyOf(0), "Unknown Event Type", {kUnlistedClass}),
+    row(anyOf(kOtherClass), "Unknown Event Type", {kUnlisted<kUnlistedLines[kOtherClass], kClassAt>}),
     // clang-format on
 };
 
@@ -304,7 +301,7 @@ inline constexpr EventRow kOtherEventRows[] = {
     row({kDatabase, 8}, "Database Overflow"),
     row({kDatabase, 2}, "Database ENOMEM"),
     row({kDatabase, 10}, "Database Invalid Param"),
-    row(anyOf(kDatabase), "Unknown Message ID", {kUnlistedDatabase}),
+    row(anyOf(kDatabase), "Unknown Message ID", {kUnlisted<408>}),
     // clang-format on
 };
 inline constexpr EventTable kOtherEvents{.rows = kOtherEventRows, .major = kClass, .minor = kCode};

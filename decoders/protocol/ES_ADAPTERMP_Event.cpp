@@ -18,9 +18,7 @@ const Events::Entry* entryOf(const Record& record) {
     return events.find(record.eventId(), record.payload().u32(0));
 }
 
-void putUnknownBody(Draft& draft) {
-    draft.body.literal("Unhandled Event by ES_ADAPTERMP");
-}
+constexpr std::string_view kUnhandled = "Unhandled Event by ES_ADAPTERMP";
 
 // "<tag>lead k rest</tag> " for every bit k of `bits` that is set.
 void putBits(Draft& draft, std::uint64_t bits, std::string_view tag, std::string_view lead,
@@ -75,10 +73,11 @@ void esa::putFanSpeeds(Draft& draft, const Record&, RecordView data) {
 void esa::decode(const Record& record, Draft& draft) {
     if (const Events::Entry* event = entryOf(record))
         return events.write(draft, *event, record, record.payload());
-    traceUnknown("ES_ADAPTERMP_Event", 84, "Unknown EventID: 0x", record);
-    draft.title.literal("Unknown EventID: 0x").hexLower(record.eventId(), 8);
-    draft.summary.literal(draft.title.view());
-    putUnknownBody(draft);
+    constexpr std::string_view kTitle = "Unknown EventID: 0x";
+    traceUnknown("ES_ADAPTERMP_Event", 84, kTitle, record.eventId(), 8);
+    draft.title.literal(kTitle).hexLower(record.eventId(), 8);
+    draft.summary.literal(kUnhandled);
+    draft.body.literal(kUnhandled);
 }
 
 ES_ADAPTERMP_Event::ES_ADAPTERMP_Event(const EmpEvLogMsg_s* record, int length)
@@ -94,7 +93,7 @@ String get_ES_ADAPTERMP_event_body(const EmpEvLogMsg_s* bytes) {
     if (const Events::Entry* event = entryOf(record))
         events.writeBody(draft, *event, record, record.payload());
     else
-        putUnknownBody(draft);
+        draft.body.literal(kUnhandled);
     return draft.body.string();
 }
 

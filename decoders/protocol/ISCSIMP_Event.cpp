@@ -1,6 +1,7 @@
 #include "decoders/protocol/ISCSIMP_Event.h"
 
 #include "decoders/Decode.h"
+#include "decoders/common/Unknown.h"
 #include "decoders/protocol/ISCSIMP_Layouts.h"
 #include "event/StringFormat.h"
 
@@ -161,8 +162,11 @@ void iscsi::putParameterTexts(Draft& draft, const Record&, RecordView data) {
 void iscsi::decode(const Record& record, Draft& draft) {
     const RecordView data = record.payload();
     events.writeTitle(draft, record);
-    if (const Events::Entry* event = events.find(data.u16(0)))
-        events.writeBody(draft, *event, record, data);
+    const std::uint16_t kind = data.u16(0);
+    if (const Events::Entry* event = events.find(kind))
+        return events.writeBody(draft, *event, record, data);
+    traceUnknown("ISCSIMP_Event", 0, "Unknown payload kind: ", kind);
+    draft.summary.literal("Unknown (").decimal(kind).literal(")");
 }
 
 ISCSIMP_Event::ISCSIMP_Event(const EmpEvLogMsg_s* record, int length)

@@ -352,7 +352,8 @@ inline constexpr EventTable kEvents{
     .style = Style::Joined,
     .title = line("%s", name(u16(150), kTitles)),
     .note = "The event id names the event, the number at 152 says which data follow. Data of "
-            "another kind have no summary and no body. Headers of requests are those of RFC 3720.",
+            "another kind have the summary `Unknown (n)` and no body. Headers of requests are "
+            "those of RFC 3720.",
 };
 static_assert(accepted<kEvents>);
 

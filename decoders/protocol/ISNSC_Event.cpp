@@ -62,6 +62,8 @@ void isns::putAlias(Draft& draft, const Record&, RecordView data) {
 
 void isns::tellArguments(Draft& draft, const Record&, RecordView data) {
     const Text text(data);
+    if (text.identifier != kKnownText)
+        traceUnknown(kTraceSource, 0, "Unknown text_id: ", text.identifier);
     draft.summary.literal(text.identifier != kKnownText ? "Unknown text_id for TEXT_MSG Event"
                           : text.count <= text.held ? "Display Arguments, detail in Message Body"
                                                     : "Invalid Arguments, detail in Message Body");
@@ -94,7 +96,12 @@ void isns::decode(const Record& record, Draft& draft) {
     if (!small)
         draft.body.setSanitize(Sanitize::No);
     events.writeTitle(draft, record);
-    const Events::Entry* event = events.find(data.u32(4), data.u8(kTypeAt));
+    const std::uint32_t kind = data.u32(4);
+    const Events::Entry* event = events.find(kind, data.u8(kTypeAt));
+    if (!event || (kind >= kOtherKind && kind != kTextKind))
+        traceUnknown(kTraceSource, 0, "Unhandled Event by ISNS Client: ", kind);
+    else if (kind < kOtherKind && event->last == Codes::kAnyCode)
+        traceUnknown(kTraceSource, 0, "Unknown ics_type: ", data.u8(kTypeAt));
     events.writeBody(draft, event ? *event : *events.find(kOtherKind, 0), record, data);
     if (!small) { // cut first, then made safe as a whole
         const std::size_t size = draft.body.view().size();

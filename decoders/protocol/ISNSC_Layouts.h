@@ -118,7 +118,8 @@ inline constexpr Row kRequest = line("Client_Config Request Message");
 inline constexpr Row kResponse = line("Client_Config Response Message");
 inline constexpr Row kOtherType = line("Unknown ICS message");
 inline constexpr Row kUnhandled = line("Unhandled Event by ISNS Client");
-inline constexpr unsigned kOtherKind = 4; // stands for all without a row
+inline constexpr unsigned kOtherKind = 4; // the first that is not handled, stands for all others
+inline constexpr unsigned kTextKind = 7;
 inline constexpr EventRow kEventRows[] = {
     // clang-format off
     message({1, 1}, "ICS REQ", kRequest, {kMessageRows, kConfigurationRows, custom(kAlias, kNodeAt)}),
@@ -133,7 +134,7 @@ inline constexpr EventRow kEventRows[] = {
     {anyOf(kOtherKind), "ISNS REQ", kUnhandled, {custom(kPayload, kHeaderAt)}},
     {anyOf(5), "ISNS RSP", kUnhandled, {custom(kPayload, kHeaderAt)}},
     {anyOf(6), "ISNS MSG", kUnhandled, {custom(kPayload, kHeaderAt)}},
-    {anyOf(7), "TEXT", summary(kToldArguments, kHeaderAt), {kTextRows, custom(kArguments, kHeaderAt)}},
+    {anyOf(kTextKind), "TEXT", summary(kToldArguments, kHeaderAt), {kTextRows, custom(kArguments, kHeaderAt)}},
     // clang-format on
 };
 

@@ -1,7 +1,9 @@
 #include "decoders/protocol/SATA8P_Event.h"
 
 #include "decoders/Decode.h"
+#include "decoders/common/Unknown.h"
 #include "decoders/protocol/SATA8P_Layouts.h"
+#include "platform/trace/ProviderTraceServices.h"
 
 namespace Pegasus {
 
@@ -9,6 +11,8 @@ using namespace mpu;
 using namespace mpu::sata;
 
 namespace {
+
+constexpr const char* kTraceSource = "SATA8P_Event";
 
 template <const auto& Rows>
 void put(TextWriter& out, RecordView view) {
@@ -23,6 +27,7 @@ void decode1(const Record& record, Draft& draft) {
         return events.writeTail(draft, record, frame);
     }
     constexpr std::size_t kDumped = 64;
+    traceUnknown(kTraceSource, 0, "Unknown Event_Number: ", frame.u32(4));
     draft.title.literal("Device Manager Event");
     draft.body.literal("<Data>").hexBytes(frame.bytes(0, kDumped)).literal("</Data>");
 }
@@ -50,6 +55,7 @@ void decode2(const Record& record, Draft& draft) {
     const auto invalid = [&](std::string_view title, std::uint32_t number) {
         draft.title.literal(title);
         draft.summary.literal("(0x").hexLower(number, 8).literal(")");
+        ProviderTraceServices::ptsTrace(kTraceSource, 0, {title, " ", draft.summary.view()});
     };
     if (type < v2::kHardware || type > v2::kBugcheck)
         invalid("Invalid Event Type", type);
@@ -119,8 +125,12 @@ RecordView classData(const Record& record) {
 void decode3(const Record& record, Draft& draft) {
     const RecordView frame = record.payload();
     events3.writeTitle(draft, record);
-    if (const Events::Entry* event = events3.find(frame.u32(0), frame.u32(4)))
+    if (const Events::Entry* event = events3.find(frame.u32(0), frame.u32(4))) {
         events3.writeBody(draft, *event, record, frame);
+    } else {
+        write(draft.summary, kLayout<v3::kUnknownLine>, frame);
+        ProviderTraceServices::ptsTrace(kTraceSource, 0, {draft.summary.view()});
+    }
     events3.writeTail(draft, record, frame);
 }
 

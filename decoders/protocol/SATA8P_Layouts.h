@@ -915,6 +915,8 @@ constexpr Piece d(const CustomPiece& function, unsigned at) {
     return custom(function, c(at));
 }
 
+inline constexpr Row kUnknownLine[] = {
+    line("Unknown data (class %u, identifier %u)", u32(0), u32(4))};
 inline constexpr Value kIdentifier = name(u32(4), kIdentifiers);
 inline constexpr Row kNameLine = line("%s", kIdentifier);
 inline constexpr Row kDeviceLine = line("%s, Device %u", kIdentifier, u32(c(28)));
@@ -975,7 +977,8 @@ inline constexpr EventTable kEvents{
     .tail = {kHeader},
     .note =
         "The first code is the event class: 1 XPort, 2 device, 3 attention, 4 bugcheck, 5 trace "
-        "time; the second the identifier.",
+        "time; the second the identifier. An event without a row has the summary `Unknown data "
+        "(class n, identifier n)`.",
 };
 static_assert(accepted<kEvents>);
 

@@ -1,6 +1,6 @@
 // One record, from bytes to a text for people.
 //
-// Prints: Warning from ESA: ES Adapter Alarm Status Event: Idle State
+// Prints: Warning from ESA: Idle State
 #include "event/MPUEvent.h"
 
 #include <cstdio>

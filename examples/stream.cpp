@@ -1,6 +1,6 @@
 // A loop that turns the messages of a stream into log entries: example_stream [CAPTURE]
 //
-// Prints: #2 ESA Error: ES Adapter Power Supply Status Event: Power AC Redundancy OK
+// Prints: #2 ESA Error: Power AC Redundancy OK
 #include "event/MPUEvent.h"
 #include "platform/cmap/CMAPOperationFailedException.h"
 #include "platform/trace/ProviderTraceServices.h"

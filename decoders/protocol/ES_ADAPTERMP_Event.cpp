@@ -20,18 +20,17 @@ const Events::Entry* entryOf(const Record& record) {
 
 constexpr std::string_view kUnhandled = "Unhandled Event by ES_ADAPTERMP";
 
-// "<tag>lead k rest</tag> " for every bit k of `bits` that is set.
-void putBits(Draft& draft, std::uint64_t bits, std::string_view tag, std::string_view lead,
-             std::string_view rest) {
+struct BitTexts {
+    std::string_view tag, lead, rest; // "<tag>lead k rest</tag> " for every bit k that is set
+    std::string_view some, none;      // the summary: some of the bits, then their numbers; none
+};
+void putBits(Draft& draft, std::uint64_t bits, const BitTexts& texts) {
+    draft.summary.literal(bits != 0 ? texts.some : texts.none);
     for (std::uint64_t left = bits; left != 0; left &= left - 1) {
-        const auto put = [&](TextWriter& out) -> TextWriter& {
-            return out.literal(lead)
-                .decimal(static_cast<unsigned>(std::countr_zero(left)))
-                .literal(rest);
-        };
-        put(draft.body.open(tag)).close(tag).literal(" ");
-        if (left == bits)
-            put(draft.summary.literal(": "));
+        const auto k = static_cast<unsigned>(std::countr_zero(left));
+        draft.body.open(texts.tag).literal(texts.lead).decimal(k).literal(texts.rest);
+        draft.body.close(texts.tag).literal(" ");
+        draft.summary.literal(left == bits ? " " : ", ").decimal(k);
     }
 }
 
@@ -41,25 +40,20 @@ void esa::putFunction(Draft& draft, const Record&, RecordView data) {
     draft.body.element("Function", locationOf(data).function, " ");
 }
 
-void esa::tellMessage(Draft& draft, const Record&, RecordView data) {
-    const Untrusted message = data.text(0);
-    draft.summary.literal(draft.title.view())
-        .literal(message.empty() ? "" : ": ")
-        .untrusted(message);
-}
-
 void esa::putBuffer(Draft& draft, const Record& record, RecordView data) {
     draft.body.literal("<Buffer_Data>").hexBytes(data.bytes(0, record.payloadLength()));
     draft.body.literal("</Buffer_Data> ");
 }
 
 void esa::putDriveLeds(Draft& draft, const Record&, RecordView data) {
-    putBits(draft, data.u32(0) | static_cast<std::uint64_t>(data.u32(4)) << 32, "Drive_Fault_LED",
-            "Drive [", "] Fault LED is ON");
+    putBits(draft, data.u32(0) | static_cast<std::uint64_t>(data.u32(4)) << 32,
+            {"Drive_Fault_LED", "Drive [", "] Fault LED is ON",
+             "Drive Fault LEDs ON:", "No Drive Fault LED is ON"});
 }
 
 void esa::putFanFaults(Draft& draft, const Record&, RecordView data) {
-    putBits(draft, data.u32(0), "Fan_Fault_Status", "Fan [", "] has Fault");
+    putBits(draft, data.u32(0),
+            {"Fan_Fault_Status", "Fan [", "] has Fault", "Fans with Fault:", "No Fan has Fault"});
 }
 
 void esa::putFanSpeeds(Draft& draft, const Record&, RecordView data) {

@@ -6,28 +6,29 @@
 
 namespace Pegasus::mpu::esa {
 
-// Models, each with its chip that watches voltages, fans and temperatures.
+// Nobody wrote the models down: the type, and the chip that watches voltages, fans and
+// temperatures.
 inline constexpr std::string_view kEnclosureTexts[] = {
     "No Enclosure",
-    "12-Bay Enclosure (W83792AD)",
-    "12-Bay Enclosure (W83782D)",
-    "12-Bay Enclosure (LM75)",
-    "12-Bay Enclosure (VSC055)",
-    "12-Bay Enclosure (PCA9539)",
-    "16-Bay Enclosure (W83792AD)",
-    "16-Bay Enclosure (W83782D)",
-    "16-Bay Enclosure (LM75)",
-    "16-Bay Enclosure (VSC055)",
-    "16-Bay Enclosure (PCA9539)",
-    "24-Bay Enclosure (W83792AD)",
-    "24-Bay Enclosure (W83782D)",
-    "24-Bay Enclosure (LM75)",
-    "24-Bay Enclosure (VSC055)",
-    "24-Bay Enclosure (PCA9539)",
-    "Expansion Enclosure (W83792AD)",
-    "Expansion Enclosure (W83782D)",
-    "Expansion Enclosure (LM75)",
-    "Expansion Enclosure (VSC055)",
+    "Enclosure Type 1 (W83792AD)",
+    "Enclosure Type 2 (W83782D)",
+    "Enclosure Type 3 (LM75)",
+    "Enclosure Type 4 (VSC055)",
+    "Enclosure Type 5 (PCA9539)",
+    "Enclosure Type 6 (W83792AD)",
+    "Enclosure Type 7 (W83782D)",
+    "Enclosure Type 8 (LM75)",
+    "Enclosure Type 9 (VSC055)",
+    "Enclosure Type 10 (PCA9539)",
+    "Enclosure Type 11 (W83792AD)",
+    "Enclosure Type 12 (W83782D)",
+    "Enclosure Type 13 (LM75)",
+    "Enclosure Type 14 (VSC055)",
+    "Enclosure Type 15 (PCA9539)",
+    "Enclosure Type 16 (W83792AD)",
+    "Enclosure Type 17 (W83782D)",
+    "Enclosure Type 18 (LM75)",
+    "Enclosure Type 19 (VSC055)",
     "Unrecognized Enclosure",
 };
 inline constexpr NameTable kEnclosures = names<kEnclosureTexts>(Fallback::Last);
@@ -99,10 +100,6 @@ inline constexpr Row kMessageRows[] = {
     Row("Line", "%d", u16(0)).inferred(),
     assumed("Error_Message", "%s", text(kMessageAt)),
 };
-void tellMessage(Draft& draft, const Record& record, RecordView data);
-inline constexpr CustomPiece kToldMessage{
-    tellMessage, "the title, then `: ` and the message unless that is empty"};
-
 void putBuffer(Draft& draft, const Record& record, RecordView data);
 inline constexpr CustomPiece kBuffer{putBuffer,
                                      "The payload as `Buffer_Data`.",
@@ -168,8 +165,9 @@ inline constexpr Row kEnclosureRows[] = {
 void putDriveLeds(Draft& draft, const Record& record, RecordView data);
 inline constexpr CustomPiece kDriveLeds{
     putDriveLeds,
-    "One `Drive_Fault_LED` for each bit that is set, the first in the summary, too: bit k of the "
-    "word at 4 is drive k, of the word at 8 drive 32 + k.",
+    "One `Drive_Fault_LED` for each bit that is set: bit k of the word at 4 is drive k, of the "
+    "word at 8 drive 32 + k. The summary has the numbers: `Drive Fault LEDs ON: 1, 32`, or "
+    "`No Drive Fault LED is ON`.",
     {},
     "\0\0\0\x12\0\0\0\1"sv,
     Provenance::Assumed};
@@ -179,8 +177,8 @@ inline constexpr Row kPowerRows[] = {
 void putFanFaults(Draft& draft, const Record& record, RecordView data);
 inline constexpr CustomPiece kFanFaults{
     putFanFaults,
-    "One `Fan_Fault_Status` for each bit that is set in the word at 0, the first in the summary, "
-    "too: bit k is fan k.",
+    "One `Fan_Fault_Status` for each bit that is set in the word at 0: bit k is fan k. The summary "
+    "has the numbers: `Fans with Fault: 0, 2`, or `No Fan has Fault`.",
     {},
     "\0\0\0\5"sv,
     Provenance::Assumed};
@@ -196,19 +194,17 @@ inline constexpr Row kAlarmRows[] = {
 inline constexpr Row kInformationRows[] = {
     assumed("Information", "%s", name(u32(0), kInformations)),
 };
-inline constexpr std::string_view kReportSummary =
-    "ES Adapter Information Event: %s temperature-%d has %d invalid readings within %d hours since "
-    "last report. The last invalid reading is %d degrees Celsius ";
-inline constexpr Row kReportLine =
-    line(kReportSummary, name(u32(4), kPositions), u32(8), u32(12), u32(16), u32(20));
 inline constexpr Row kReportRows[] = {
-    assumed("Information", kReportSummary.substr(sizeof "ES Adapter Information Event: " - 1),
+    assumed("Information",
+            "%s temperature-%d has %d invalid readings within %d hours since last report. The last "
+            "invalid reading is %d degrees Celsius ",
             name(u32(4), kPositions), u32(8), u32(12), u32(16), u32(20)),
 };
 inline constexpr Row kVoltageRows[] = {
     assumed("Voltage_5V", "%f V", u32(4)),
     assumed("Voltage_12V", "%f V", u32(8)),
 };
+inline constexpr Row kVoltageLine = line("%f V, %f V", u32(4), u32(8)).assumed();
 inline constexpr unsigned kFanSpeedAt = 12;
 inline constexpr unsigned kMaxFans = 8;
 inline constexpr unsigned kFanCountAt = 48;
@@ -234,25 +230,26 @@ inline constexpr Row kThresholdRows[] = {
     assumed("Fan_PWM_50_To_25_Threshold", "%d", u32(80)),
 };
 
-inline constexpr Row kTitle = line("%s", eventName);
-constexpr Row titleAnd(const Value& telling) {
-    return line("%s: %s", eventName, telling);
+// The summary is what the element says, without its tag.
+constexpr Row told(Row element) {
+    element.kind = Row::Line;
+    return element;
 }
 
 inline constexpr EventRow kEventRows[] = {
     // clang-format off
-    {anyOf(1), "ES Adapter Bug Check Error Message", summary(kToldMessage, kMessageAt), {kErrorRows, kFunction, kMessageRows, sample(kMessageAt, "I2C bus is busy\0"sv)}},
-    {anyOf(2), "ES Adapter Bug Check Information", kTitle, {kStateRows}},
-    {anyOf(3), "ES Adapter Bug Check Message Buffer Data", kTitle, {kBuffer}},
-    {anyOf(4), "ES Adapter Bug Check Workspace Buffer Data", kTitle, {kBuffer}},
-    {anyOf(5), "ES Adapter Drive Fault LED Event", kTitle, {kEnclosureRows, custom(kDriveLeds, 4)}},
-    {anyOf(6), "ES Adapter Power Supply Status Event", titleAnd(name(u32(0), kPowerStates)), {kPowerRows}},
-    {anyOf(7), "ES Adapter Fan Fault Status Event", kTitle, {kFanFaults}},
-    {anyOf(8), "ES Adapter Temperature Sensor Event", titleAnd(name(u32(0), kTemperatures)), {kTemperatureRows, sample(0, "\0\0\0\2\0\0\0\5\0\0\0\x2E"sv)}},
-    {anyOf(9), "ES Adapter Alarm Status Event", titleAnd(name(u32(0), kAlarms)), {kAlarmRows}},
-    {anyOf(10), "ES Adapter Information Event", titleAnd(name(u32(0), kInformations)), {kInformationRows}},
-    EventRow{{10, 9}, "ES Adapter Information Event", kReportLine, {kReportRows, sample(4, "\0\0\0\1\0\0\0\2\0\0\0\5\0\0\0\x18\xFF\xFF\xFF\x80"sv)}}.assumed(),
-    EventRow{{10, 10}, "ES Adapter Information Event", kTitle, {kVoltageRows, kFanSpeeds, kThresholdRows, sample(4, "\x40\xA0\xA3\xD7\x41\x41\x47\xAE"), sample(kFanCountAt, "\0\0\0\4"sv)}}.assumed(), // 5.02 V, 12.08 V, four fans
+    {anyOf(1), "ES Adapter Bug Check Error Message", told(kMessageRows[1]), {kErrorRows, kFunction, kMessageRows, sample(kMessageAt, "I2C bus is busy\0"sv)}},
+    {anyOf(2), "ES Adapter Bug Check Information", {}, {kStateRows}},
+    {anyOf(3), "ES Adapter Bug Check Message Buffer Data", {}, {kBuffer}},
+    {anyOf(4), "ES Adapter Bug Check Workspace Buffer Data", {}, {kBuffer}},
+    {anyOf(5), "ES Adapter Drive Fault LED Event", {}, {kEnclosureRows, custom(kDriveLeds, 4)}},
+    {anyOf(6), "ES Adapter Power Supply Status Event", told(kPowerRows[0]), {kPowerRows}},
+    {anyOf(7), "ES Adapter Fan Fault Status Event", {}, {kFanFaults}},
+    {anyOf(8), "ES Adapter Temperature Sensor Event", told(kTemperatureRows[0]), {kTemperatureRows, sample(0, "\0\0\0\2\0\0\0\5\0\0\0\x2E"sv)}},
+    {anyOf(9), "ES Adapter Alarm Status Event", told(kAlarmRows[0]), {kAlarmRows}},
+    {anyOf(10), "ES Adapter Information Event", told(kInformationRows[0]), {kInformationRows}},
+    EventRow{{10, 9}, "ES Adapter Information Event", told(kReportRows[0]), {kReportRows, sample(4, "\0\0\0\1\0\0\0\2\0\0\0\5\0\0\0\x18\xFF\xFF\xFF\x80"sv)}}.assumed(),
+    EventRow{{10, 10}, "ES Adapter Information Event", kVoltageLine, {kVoltageRows, kFanSpeeds, kThresholdRows, sample(4, "\x40\xA0\xA3\xD7\x41\x41\x47\xAE"), sample(kFanCountAt, "\0\0\0\4"sv)}}.assumed(), // 5.02 V, 12.08 V, four fans
     // clang-format on
 };
 
@@ -260,9 +257,9 @@ inline constexpr EventTable kEvents{
     .rows = kEventRows,
     .major = u16(150),
     .minor = u32(152),
-    .note = "The summary is the title and, where there is one, the first value that tells what "
-            "happened. An event with another id is named and summed up by that; its body says "
-            "`Unhandled Event by ES_ADAPTERMP`.",
+    .note =
+        "Title of an event with another id: `Unknown EventID: 0x%08x`. Its summary and body are "
+        "`Unhandled Event by ES_ADAPTERMP`.",
 };
 static_assert(accepted<kEvents>);
 

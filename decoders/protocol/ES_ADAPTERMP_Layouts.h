@@ -235,6 +235,10 @@ constexpr Row told(Row element) {
     element.kind = Row::Line;
     return element;
 }
+// What the number at 0 means was settled by us.
+constexpr EventRow information(Codes codes, const Row& summary, Pieces pieces) {
+    return {codes, "ES Adapter Information Event", summary, pieces, Provenance::Assumed};
+}
 
 inline constexpr EventRow kEventRows[] = {
     // clang-format off
@@ -247,9 +251,9 @@ inline constexpr EventRow kEventRows[] = {
     {anyOf(7), "ES Adapter Fan Fault Status Event", {}, {kFanFaults}},
     {anyOf(8), "ES Adapter Temperature Sensor Event", told(kTemperatureRows[0]), {kTemperatureRows, sample(0, "\0\0\0\2\0\0\0\5\0\0\0\x2E"sv)}},
     {anyOf(9), "ES Adapter Alarm Status Event", told(kAlarmRows[0]), {kAlarmRows}},
-    {anyOf(10), "ES Adapter Information Event", told(kInformationRows[0]), {kInformationRows}},
-    EventRow{{10, 9}, "ES Adapter Information Event", told(kReportRows[0]), {kReportRows, sample(4, "\0\0\0\1\0\0\0\2\0\0\0\5\0\0\0\x18\xFF\xFF\xFF\x80"sv)}}.assumed(),
-    EventRow{{10, 10}, "ES Adapter Information Event", kVoltageLine, {kVoltageRows, kFanSpeeds, kThresholdRows, sample(4, "\x40\xA0\xA3\xD7\x41\x41\x47\xAE"), sample(kFanCountAt, "\0\0\0\4"sv)}}.assumed(), // 5.02 V, 12.08 V, four fans
+    information(anyOf(10), told(kInformationRows[0]), {kInformationRows}),
+    information({10, 9}, told(kReportRows[0]), {kReportRows, sample(4, "\0\0\0\1\0\0\0\2\0\0\0\5\0\0\0\x18\xFF\xFF\xFF\x80"sv)}),
+    information({10, 10}, kVoltageLine, {kVoltageRows, kFanSpeeds, kThresholdRows, sample(4, "\x40\xA0\xA3\xD7\x41\x41\x47\xAE"), sample(kFanCountAt, "\0\0\0\4"sv)}), // 5.02 V, 12.08 V, four fans
     // clang-format on
 };
 

@@ -225,7 +225,9 @@ void putLoginOptions(Draft& draft, const Record& record, RecordView data);
 inline constexpr CustomPiece kLoginOptions{
     putLoginOptions,
     "`MutualAuthentication` for CHAP alone, `OfMarkInt` and `IfMarkInt` for a marker in use.",
-    kLoginOptionRows};
+    kLoginOptionRows,
+    {},
+    Provenance::Assumed};
 
 inline constexpr unsigned kHeaderAt = 8; // of a message event
 inline constexpr Row kMessageRows[] = {

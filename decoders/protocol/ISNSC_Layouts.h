@@ -96,7 +96,10 @@ inline constexpr CustomPiece kToldArguments{
     tellArguments,
     "Unknown text_id for TEXT_MSG Event, unless the u32 at 24 is 1; Display Arguments, detail in "
     "Message Body, when the record holds as many as `Arg_Count` says; else Invalid Arguments, "
-    "detail in Message Body"};
+    "detail in Message Body",
+    {},
+    {},
+    Provenance::Assumed};
 void putArguments(Draft& draft, const Record& record, RecordView data);
 inline constexpr CustomPiece kArguments{
     putArguments,

@@ -45,13 +45,14 @@ consteval std::array<Row, Count> assumed(const Row (&rows)[Count]) {
 inline constexpr std::string_view kSectors = "\0\0\0\0\x74\x70\x6D\xB0"sv; // of a sample
 
 void putPciCause(Draft& draft, const Record& record, RecordView data);
-inline constexpr CustomPiece kPciCause{
-    putPciCause,
-    "`PCI_Error_Cause`: the name of the first bit that is set; without one the code is in the "
-    "summary.",
-    {},
-    "\0\0\x01\0"sv,
-    Provenance::Inferred};
+constexpr CustomPiece pciCause(Provenance provenance) {
+    return {putPciCause,
+            "`PCI_Error_Cause`: the name of the first bit that is set; without one the code is in "
+            "the summary.",
+            {},
+            "\0\0\x01\0"sv,
+            provenance};
+}
 
 // ---- version 1: one object per group of event numbers ------------------------------------------
 
@@ -180,8 +181,9 @@ inline constexpr auto kOperationRows = assumed({
     dec("Drive", u32(b(0))),
     word("Operation", name(u32(b(4)), kMarvellCommands)),
 });
-// Where the hardware event of version 2 has it; the cause follows.
+// Where the hardware event of version 2 has it; the cause, by the bits of version 2, follows.
 inline constexpr Row kPciRows[] = {hex("PCI_Error_Code", u32(b(4))).inferred()};
+inline constexpr CustomPiece kPciCause = pciCause(Provenance::Assumed);
 inline constexpr auto kIdentityRows = assumed({
     dec("Drive", u32(b(0))),
     word("Capacity", custom(b(8), 8, kCapacity)),
@@ -257,9 +259,9 @@ inline constexpr Row kRequestLine =
     line("Drive %u, Command Failure, PLBN 0x%s", u32(b(28)), custom(b(4), 8, kSwapped));
 
 // What a number means was settled by us: the objects in the order in which the firmware names them.
-constexpr EventRow numbers(unsigned first, unsigned last, std::string_view title, Row summary,
-                           Pieces pieces) {
-    return {{0, first, last}, title, summary, pieces, Provenance::Assumed};
+constexpr EventRow numbers(unsigned first, unsigned last, std::string_view title,
+                           const Row& summary, Pieces pieces) {
+    return {{0, first, last}, title, summary.assumed(), pieces, Provenance::Assumed};
 }
 inline constexpr EventRow kEventRows[] = {
     // clang-format off
@@ -334,6 +336,7 @@ inline constexpr Row kCountRows[] = {
 };
 
 inline constexpr Row kPciRows[] = {hex("PCI_Error_Code", u32(b(4)))}; // the cause follows
+inline constexpr CustomPiece kPciCause = pciCause(Provenance::Documented);
 
 inline constexpr auto kDriveRows = assumed({
     word("Event", name(u32(4), kDriveEvents)),
@@ -516,12 +519,16 @@ inline constexpr Row kCommandLine =
     line("Drive %u, %s, %s", u32(b(0)), name(u32(4), kDriveEvents), name(u32(b(8)), kCompletions));
 
 void putOutcome(Draft& draft, const Record& record, RecordView data);
-inline constexpr CustomPiece kOutcome{putOutcome,
-                                      "In the summary: \"No Error\" when the status register has "
-                                      "the error bit and the error register "
-                                      "is 0."};
+inline constexpr CustomPiece kOutcome{
+    putOutcome,
+    "In the summary: `Error bit set with no error (0x00)` when the status register has the error "
+    "bit and the error register is 0.",
+    {},
+    {},
+    Provenance::Assumed};
 void putElapsed(Draft& draft, const Record& record, RecordView data);
-inline constexpr CustomPiece kElapsedTime{putElapsed, "In the summary: the seconds."};
+inline constexpr CustomPiece kElapsedTime{
+    putElapsed, "In the summary: the seconds.", {}, {}, Provenance::Assumed};
 
 void putSegments(Draft& draft, const Record& record, RecordView data);
 inline constexpr CustomPiece kSegmentList{
@@ -535,17 +542,21 @@ inline constexpr CustomPiece kRing{
     "\x80\0\0\x11\x80\0\0\x12\x80\0\0\x13"sv,
     Provenance::Assumed};
 
+// The codes' names are documented; what else each of them shows was settled by us.
 constexpr EventRow drive(unsigned code, std::string_view title, Pieces pieces,
-                         Row summary = kDriveLine) {
-    return {{kDrive, code}, title, summary, pieces};
+                         const Row& summary = kDriveLine) {
+    return {{kDrive, code}, title, summary.assumed(), pieces, Provenance::Assumed};
 }
 constexpr EventRow command(unsigned code, Pieces pieces) {
     return drive(code, "Drive Error", pieces, kCommandLine);
 }
-constexpr EventRow bugcheck(unsigned first, unsigned last, Piece object, Row summary,
+constexpr EventRow bugcheck(unsigned first, unsigned last, Piece object, const Row& summary,
                             Piece list = {}) {
-    return {
-        {kBugcheck, first, last}, "Bugcheck", summary, {kBugcheckRows, object, list, kFlagsRows}};
+    return {{kBugcheck, first, last},
+            "Bugcheck",
+            summary.assumed(),
+            {kBugcheckRows, object, list, kFlagsRows},
+            Provenance::Assumed};
 }
 inline constexpr Value kName = name(u32(4), kBugchecks);
 inline constexpr Value kNumber = u32(b(0));
@@ -730,9 +741,9 @@ inline constexpr Row kResetRows[] = {
     kUnitHandle,
 };
 inline constexpr Row kIdentifyRows[] = {
-    kInitiatorHandle,
-    kTargetHandle,
-    kLunHandle,
+    kInitiatorHandle.inferred(),
+    kTargetHandle.inferred(),
+    kLunHandle.inferred(),
     dec("LUN", u32(20)).assumed(),
     hex("Integrity_Signature", u8(16)),
     hex("Integrity_Checksum", u8(17)),
@@ -783,17 +794,18 @@ inline constexpr Row kBugcheckRows[] = {
 };
 inline constexpr Row kTraceRows[] = {dec("Line_Number", u32(0)).assumed()};
 
-// Structures of the drive protocols; sense data and FIS as their standards have them.
+// Structures of the drive protocols; sense data and FIS as their standards have them. The strings
+// just fill the room that the records have for them.
 inline constexpr Row kSataStringRows[] = {
-    word("Serial_Number", trimmed(0, 20)),
-    word("Model", trimmed(20, 40)),
-    word("Firmware_Revision", trimmed(60, 8)),
+    word("Serial_Number", trimmed(0, 20)).inferred(),
+    word("Model", trimmed(20, 40)).inferred(),
+    word("Firmware_Revision", trimmed(60, 8)).inferred(),
 };
 inline constexpr Row kScsiStringRows[] = {
-    word("Serial_Number", trimmed(0, 20)),
-    word("Model", trimmed(20, 16)),
-    word("Vendor", trimmed(36, 8)),
-    word("Firmware_Revision", trimmed(44, 4)),
+    word("Serial_Number", trimmed(0, 20)).inferred(),
+    word("Model", trimmed(20, 16)).inferred(),
+    word("Vendor", trimmed(36, 8)).inferred(),
+    word("Firmware_Revision", trimmed(44, 4)).inferred(),
 };
 inline constexpr unsigned kCdbSize = 16;
 inline constexpr Row kCdbRows[] = {
@@ -919,35 +931,36 @@ inline constexpr Row kUnknownLine[] = {
     line("Unknown data (class %u, identifier %u)", u32(0), u32(4))};
 inline constexpr Value kIdentifier = name(u32(4), kIdentifiers);
 inline constexpr Row kNameLine = line("%s", kIdentifier);
-inline constexpr Row kDeviceLine = line("%s, Device %u", kIdentifier, u32(c(28)));
+inline constexpr Row kDeviceLine = line("%s, Device %u", kIdentifier, u32(c(28))).assumed();
 inline constexpr Row kElapsedLine =
-    line("%s, Device %u, %s", kIdentifier, u32(c(28)), custom(c(108), 8, kElapsed));
+    line("%s, Device %u, %s", kIdentifier, u32(c(28)), custom(c(108), 8, kElapsed)).assumed();
 inline constexpr Row kErrorLine =
-    line("Drive %u, %s", u32(c(56)), kIdentifier); // the cause follows
+    line("Drive %u, %s", u32(c(56)), kIdentifier).inferred(); // the cause follows
 inline constexpr Piece kSataSample = sample(c(kXportProtocol), "\0\0\0\0"sv);
 inline constexpr Piece kScsiSample = sample(c(kUnitProtocol), "\0\0\0\1"sv);
 inline constexpr Piece kTimeSample = sample(c(108), "\0\0\0\x0C\0\0\1\xF4"sv);
 
 // Command, outcome and transfer of an XPort event after what is special, then what follows.
-constexpr EventRow xport(unsigned identifier, Row summary, Piece special, Piece more = {}) {
+constexpr EventRow xport(unsigned identifier, const Row& summary, Piece special, Piece more = {}) {
     return {{1, identifier},
             kIdentifierTexts[identifier],
             summary,
             {special, d(kCommandSlot, kXportCommand), d(kOutcomeSlot, kXportOutcome),
              d(kTransferRows), more, d(kElapsedRows), kSataSample, kTimeSample}};
 }
-constexpr EventRow other(unsigned eventClass, unsigned identifier, Row summary, Pieces pieces) {
+constexpr EventRow other(unsigned eventClass, unsigned identifier, const Row& summary,
+                         Pieces pieces) {
     return {{eventClass, identifier}, kIdentifierTexts[identifier], summary, pieces};
 }
 
 inline constexpr EventRow kEventRows[] = {
     // clang-format off
-    xport(1, line("%s, Device %u, %s", kIdentifier, u32(c(28)), name(u32(c(104)), kSasStatus)), d(kSasStatusRows)),
+    xport(1, line("%s, Device %u, %s", kIdentifier, u32(c(28)), name(u32(c(104)), kSasStatus)).assumed(), d(kSasStatusRows)),
     xport(2, kElapsedLine, d(kDeviceRows)),
     xport(3, kElapsedLine, d(kExceededRows), d(kDeviceAgainRows)),
-    xport(4, line("%s, Device %u, %s", kIdentifier, u32(c(28)), name(u32(c(104)), kIocStatus)), d(kIocStatusRows)),
+    xport(4, line("%s, Device %u, %s", kIdentifier, u32(c(28)), name(u32(c(104)), kIocStatus)).assumed(), d(kIocStatusRows)),
     xport(5, kDeviceLine, d(kIocLogRows)),
-    other(1, 15, line("SAS Port %u Information 0x%08x", u32(c(0)), u32(c(20))), {d(kPortRows)}),
+    other(1, 15, line("SAS Port %u Information 0x%08x", u32(c(0)), u32(c(20))).assumed(), {d(kPortRows)}),
     other(1, 16, kNameLine, {d(kZeroReplyRows)}),
     other(2, 10, kErrorLine,
           {d(kDriveRows), d(kSataStatus, kSataErrorStatus), d(kSataCountsRows), d(kSataCommand, kErrorCommand),
@@ -957,11 +970,11 @@ inline constexpr EventRow kEventRows[] = {
            d(kKindRows), rows(kScsiStringRows, c(kScsiErrorStrings)), d(kSizeRows), sample(c(24), kSectors)}),
     other(2, 12, kNameLine, {d(kResetRows)}),
     other(2, 13, kNameLine, {d(kIdentifyRows), d(kIdentifyStrings, kIdentifyStringsAt), sample(c(kIdentifyProtocol), "\0\0\0\0"sv)}),
-    other(3, 7, line("Target %u, %s", u32(c(28)), name(u32(c(8)), kDiscoveries)), {d(kTargetRows)}),
-    other(3, 8, line("LUN %u, %s", u32(c(12)), name(u32(c(16)), kDiscoveries)), {d(kLunRows)}),
-    other(3, 9, line("LU %u, %s", u32(c(40)), name(u32(c(16)), kDiscoveries)),
+    other(3, 7, line("Target %u, %s", u32(c(28)), name(u32(c(8)), kDiscoveries)).assumed(), {d(kTargetRows)}),
+    other(3, 8, line("LUN %u, %s", u32(c(12)), name(u32(c(16)), kDiscoveries)).inferred(), {d(kLunRows)}),
+    other(3, 9, line("LU %u, %s", u32(c(40)), name(u32(c(16)), kDiscoveries)).assumed(),
           {d(kUnitRows), d(kUnitStrings, kUnitStringsAt), kScsiSample, sample(c(32), kSectors)}),
-    {anyOf(4), "Bugcheck", line("%s, Line %u", name(u32(c(0)), kComponents), u32(c(4))), {d(kBugcheckRows)}},
+    {anyOf(4), "Bugcheck", line("%s, Line %u", name(u32(c(0)), kComponents), u32(c(4))).inferred(), {d(kBugcheckRows)}},
     {anyOf(5), "DEVMGR Trace Time", kNameLine, {d(kTraceRows)}},
     // clang-format on
 };

@@ -130,6 +130,10 @@ std::string marksOf(const Row& row) {
     return text;
 }
 
+std::string bracketed(std::string_view marks) {
+    return marks.empty() ? "" : " (" + std::string(marks) + ")";
+}
+
 std::string namesOf(const NameTable& table) {
     std::string text;
     for (std::size_t code = 0; code < table.codes(); ++code)
@@ -259,9 +263,7 @@ std::string pieceOf(const Writer& out, const Piece& piece, Structures& structure
                 .append(structures.number(piece.custom->rows))
                 .append(at)
                 .append(".");
-        if (piece.custom->provenance != Provenance::Documented)
-            text.append(" (").append(nameOf(piece.custom->provenance)).append(")");
-        return text;
+        return text + bracketed(nameOf(piece.custom->provenance));
     }
     if (!Structures::isShort(piece.rows))
         return "structure " + structures.number(piece.rows) + at;
@@ -269,9 +271,14 @@ std::string pieceOf(const Writer& out, const Piece& piece, Structures& structure
     const std::string places = placesOf(row, piece.at);
     text.append(out.code(row.tag)).append(places.empty() && !isEventName(row) ? " " : ": ");
     text.append(isEventName(row) ? kEventName : places.empty() ? std::string(row.format) : places);
-    if (const std::string marks = marksOf(row); !marks.empty())
-        text.append(" (").append(marks).append(")");
-    return text;
+    return text + bracketed(marksOf(row));
+}
+
+std::string summaryOf(const Writer& out, const Summary& summary) {
+    if (summary.custom)
+        return std::string(summary.custom->description) +
+               bracketed(nameOf(summary.custom->provenance));
+    return lineOf(out, summary.row) + bracketed(nameOf(summary.row.provenance));
 }
 
 std::string piecesOf(const Writer& out, std::span<const Piece> pieces, Structures& structures) {
@@ -337,9 +344,7 @@ void putTable(Writer& out, const EventTable& table, std::span<const EventRow* co
     std::vector<Cells> cells{{"Code", title, "Summary", "Body", "Layout"}};
     for (const EventRow* row : rows)
         cells.push_back({codesOf(table, row->codes), titleOf(row->title),
-                         row->summary.custom ? std::string(row->summary.custom->description)
-                                             : lineOf(out, row->summary.row),
-                         piecesOf(out, row->pieces, structures),
+                         summaryOf(out, row->summary), piecesOf(out, row->pieces, structures),
                          std::string(nameOf(row->provenance))});
     out.table(cells);
 }

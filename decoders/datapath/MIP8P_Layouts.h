@@ -16,7 +16,7 @@ inline constexpr Row kFrameRows[] = {
 };
 
 inline constexpr Row kQmirRows[] = {{"QMIR", "0x%08X", u32(0)}};
-inline constexpr Row kInterruptStatusRows[] = {{"INT_STAT =", "0x%08X", u32(0)}};
+inline constexpr Row kInterruptStatusRows[] = {{"INT_STAT__", "0x%08X", u32(0)}};
 
 // A register of the dump.
 constexpr Row reg(std::string_view name, unsigned at) {
@@ -58,10 +58,10 @@ inline constexpr Row kMemoryControllerRows[] = {
     reg("DDR_Refresh", 12),
     reg("ECC_Enable", 16),
     reg("ECC_Scrub_Rate", 20),
-    reg("ECC_Error_Addr_0-0", 24),
-    reg("ECC_Error_Addr_1-0", 28),
-    reg("ECC_Error_Syndrome_0-0", 32),
-    reg("ECC_Error_Syndrome_1-0", 36),
+    reg("ECC_Error_Addr_0_0", 24),
+    reg("ECC_Error_Addr_1_0", 28),
+    reg("ECC_Error_Syndrome_0_0", 32),
+    reg("ECC_Error_Syndrome_1_0", 36),
     reg("Error_Control", 40),
     reg("Error_Total_0", 44),
     reg("Error_Total_1", 48),
@@ -147,17 +147,17 @@ inline constexpr unsigned kFatalMsaSize = 48;
 inline constexpr Row kInvalidParamRows[] = {
     Row("ARC_Number", "%u", u32(0)).assumed(),
     Row("Call_Trace", "0x%08x", u32(4)).assumed(),
-    Row("Parameter_-_Pointer", "0x%08x", u32(8)).assumed(),
-    Row("Parameter_-_Word_Count", "%u", u32(12)).assumed(),
+    Row("Parameter___Pointer", "0x%08x", u32(8)).assumed(),
+    Row("Parameter___Word_Count", "%u", u32(12)).assumed(),
     {"Section_1", "------ Bad Header ------"},
-    Row("Bad_Header_-_Source", "%u", u8(18)).inferred(),
-    Row("Bad_Header_-_Type", "%u", u8(19)).inferred(),
-    Row("Bad_Header_-_Category", "%u", u8(20)).inferred(),
-    Row("Bad_Header_-_ID_Version", "%u", u8(21)).inferred(),
-    Row("Bad_Header_-_ID", "%u", u16(22)).inferred(),
-    Row("Bad_Header_-_Struct_Length", "%u", u16(16)).inferred(),
+    Row("Bad_Header___Source", "%u", u8(18)).inferred(),
+    Row("Bad_Header___Type", "%u", u8(19)).inferred(),
+    Row("Bad_Header___Category", "%u", u8(20)).inferred(),
+    Row("Bad_Header___ID_Version", "%u", u8(21)).inferred(),
+    Row("Bad_Header___ID", "%u", u16(22)).inferred(),
+    Row("Bad_Header___Struct_Length", "%u", u16(16)).inferred(),
     {"Section_2", "------- Bad Data -------"},
-    Row("Bad_Data_-_Dump_Length", "%u", u32(24)).assumed(),
+    Row("Bad_Data___Dump_Length", "%u", u32(24)).assumed(),
 };
 inline constexpr unsigned kBadLengthAt = 24;
 inline constexpr unsigned kBadDataAt = 28;

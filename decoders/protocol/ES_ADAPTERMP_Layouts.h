@@ -84,7 +84,7 @@ constexpr Row assumed(std::string_view tag, std::string_view format, Values... v
 
 // Bugcheck error message: a location block as the management modules write it, then these.
 inline constexpr Row kErrorRows[] = {
-    assumed("Critical Error", "%d", u32(32)),
+    assumed("Critical_Error", "%d", u32(32)),
     Row("File", "%s", text(2, 30)).inferred(),
 };
 void putFunction(Draft& draft, const Record& record, RecordView data);
@@ -112,7 +112,7 @@ inline constexpr CustomPiece kBuffer{putBuffer,
 inline constexpr Row kStateRows[] = {
     assumed("Event_Id", "%d", u32(0)),
     assumed("socketFdMSM", "%d", u32(4)),
-    assumed("socketAddressMSM.sun_path", "%s", text(268, 108)),
+    assumed("socketAddressMSM_sun_path", "%s", text(268, 108)),
     assumed("i2cFileFd", "%d", u32(8)),
     assumed("enclosureType", "%d", u32(12)),
     assumed("elementTypeMaxNumber", "%d", u32(16)),
@@ -155,8 +155,8 @@ inline constexpr Row kStateRows[] = {
     assumed("vsc055DDP", "0x%x", u32(248)),
     assumed("vsc055FSC", "0x%x", u32(252)),
     assumed("vsc055PWMC", "0x%x", u32(256)),
-    assumed("selectTimeout.sec", "%d", u32(260)),
-    assumed("pollTimeout.sec", "%d", u32(264)),
+    assumed("selectTimeout_sec", "%d", u32(260)),
+    assumed("pollTimeout_sec", "%d", u32(264)),
 };
 
 inline constexpr Row kEnclosureRows[] = {

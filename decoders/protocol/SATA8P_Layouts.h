@@ -883,7 +883,7 @@ inline constexpr CustomPiece kOutcomeSlot{
 void putSataStatus(Draft& draft, const Record& record, RecordView data);
 inline constexpr CustomPiece kSataStatus{putSataStatus,
                                          "`Error_Cause`, in the summary too, and the status FIS.",
-                                         kStatusFisRows, kBadFis, Provenance::Inferred};
+                                         kStatusFisRows, kBadFis, Provenance::Assumed};
 void putSataCommand(Draft& draft, const Record& record, RecordView data);
 inline constexpr CustomPiece kSataCommand{putSataCommand, "The command FIS.", kCommandFisRows,
                                           kReadFis, Provenance::Inferred};

@@ -16,7 +16,7 @@ void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event
     writePayload(draft.body, record);
 }
 
-void traceUnknown(const char* source, int line, std::string_view what, std::uint32_t code,
+void traceUnknown(const char* source, int line, const char* what, std::uint32_t code,
                   unsigned digits) {
     if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
         return;

@@ -19,7 +19,7 @@ struct UnknownEvent {
 void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event);
 
 // Traces `what` and a code that no table has: in decimal, or in so many hexadecimal digits.
-void traceUnknown(const char* source, int line, std::string_view what, std::uint32_t code,
-                  unsigned digits = 0);
+[[gnu::cold]] void traceUnknown(const char* source, int line, const char* what, std::uint32_t code,
+                                unsigned digits = 0);
 
 } // namespace Pegasus::mpu

@@ -1,6 +1,7 @@
 #include "decoders/datapath/VPI8P_Event.h"
 
 #include "decoders/Decode.h"
+#include "decoders/common/Numbered.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/datapath/VPI8P_Layouts.h"
 #include "event/Ascii.h"
@@ -71,8 +72,8 @@ void putBody(TextWriter& body, std::string_view text) {
         text.remove_prefix(std::min(line.size() + 1, text.size()));
         if (putPairs(body, line))
             continue;
-        body.literal("<Text").decimal(counter).literal(">").untrusted(Untrusted(line));
-        body.literal("</Text").decimal(counter).literal("> ");
+        numbered(body, "<Text", counter, ">").untrusted(Untrusted(line));
+        numbered(body, "</Text", counter, "> ");
         ++counter;
     }
 }

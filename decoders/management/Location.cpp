@@ -1,5 +1,7 @@
 #include "decoders/management/Location.h"
 
+#include "decoders/common/Numbered.h"
+
 namespace Pegasus::mpu {
 
 namespace {
@@ -51,7 +53,7 @@ void LocatedRecord::putDump(TextWriter& body, Untrusted text) const {
 
 void LocatedRecord::putTrailer(TextWriter& body) const {
     body.element("File", location_.file, " ").element("Func", location_.function, " ");
-    body.literal("<Line>").decimal(location_.line).literal("</Line> ");
+    numbered(body, "<Line>", location_.line, "</Line> ");
 }
 
 LocatedRecord::Rest LocatedRecord::after(Untrusted text) const {

@@ -1,6 +1,7 @@
 #include "decoders/management/STARTUPMP_Event.h"
 
 #include "decoders/Decode.h"
+#include "decoders/common/Numbered.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/management/STARTUPMP_Layouts.h"
 #include "platform/trace/ProviderTraceServices.h"
@@ -29,8 +30,8 @@ void putLine(TextWriter& body, std::string_view line, unsigned int& counter) {
         return;
     if (isSpace(line.back()))
         line.remove_suffix(1);
-    body.literal("<Text").decimal(counter).literal(">").untrusted(Untrusted(line));
-    body.literal("</Text").decimal(counter).literal("> ");
+    numbered(body, "<Text", counter, ">").untrusted(Untrusted(line));
+    numbered(body, "</Text", counter, "> ");
     ++counter;
 }
 
@@ -121,9 +122,9 @@ void startup::putState(Draft& draft, const Record& record, RecordView payload) {
     const std::uint32_t base = payload.u32(0);
     unsigned int number = 0;
     for (; length - at >= 4; at += 4, ++number) {
-        body.literal("<REG").decimal(number).literal(">").hexUpper(payload.u32(at), 8);
+        numbered(body, "<REG", number, ">").hexUpper(payload.u32(at), 8);
         body.literal(" at ").hexUpper(base + 4 * number, 8);
-        body.literal("</REG").decimal(number).literal("> ");
+        numbered(body, "</REG", number, "> ");
     }
     if (at == length)
         return;
@@ -135,8 +136,8 @@ void startup::putState(Draft& draft, const Record& record, RecordView payload) {
         number = 1;
     }
     if (left != 2) {
-        body.literal("<rsvd").decimal(number).literal(">").hexUpper(payload.u8(length - 1), 2);
-        body.literal(" reserved</rsvd").decimal(number).literal("> ");
+        numbered(body, "<rsvd", number, ">").hexUpper(payload.u8(length - 1), 2);
+        numbered(body, " reserved</rsvd", number, "> ");
     }
 }
 

@@ -1,6 +1,7 @@
 #include "decoders/protocol/ES_ADAPTERMP_Event.h"
 
 #include "decoders/Decode.h"
+#include "decoders/common/Numbered.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/management/Location.h"
 #include "decoders/protocol/ES_ADAPTERMP_Layouts.h"
@@ -21,16 +22,17 @@ const Events::Entry* entryOf(const Record& record) {
 constexpr std::string_view kUnhandled = "Unhandled Event by ES_ADAPTERMP";
 
 struct BitTexts {
-    std::string_view tag, lead, rest; // "<tag>lead k rest</tag> " for every bit k that is set
-    std::string_view some, none;      // the summary: some of the bits, then their numbers; none
+    const char* lead; // of the element of every bit k that is set: lead, k, rest
+    const char* rest;
+    const char* some; // the summary: that there are some, followed by their numbers
+    const char* none;
 };
 void putBits(Draft& draft, std::uint64_t bits, const BitTexts& texts) {
     draft.summary.literal(bits != 0 ? texts.some : texts.none);
     for (std::uint64_t left = bits; left != 0; left &= left - 1) {
         const auto k = static_cast<unsigned>(std::countr_zero(left));
-        draft.body.open(texts.tag).literal(texts.lead).decimal(k).literal(texts.rest);
-        draft.body.close(texts.tag).literal(" ");
-        draft.summary.literal(left == bits ? " " : ", ").decimal(k);
+        numbered(draft.body, texts.lead, k, texts.rest);
+        numbered(draft.summary, left == bits ? " " : ", ", k);
     }
 }
 
@@ -47,19 +49,20 @@ void esa::putBuffer(Draft& draft, const Record& record, RecordView data) {
 
 void esa::putDriveLeds(Draft& draft, const Record&, RecordView data) {
     putBits(draft, data.u32(0) | static_cast<std::uint64_t>(data.u32(4)) << 32,
-            {"Drive_Fault_LED", "Drive [", "] Fault LED is ON",
+            {"<Drive_Fault_LED>Drive [", "] Fault LED is ON</Drive_Fault_LED> ",
              "Drive Fault LEDs ON:", "No Drive Fault LED is ON"});
 }
 
 void esa::putFanFaults(Draft& draft, const Record&, RecordView data) {
     putBits(draft, data.u32(0),
-            {"Fan_Fault_Status", "Fan [", "] has Fault", "Fans with Fault:", "No Fan has Fault"});
+            {"<Fan_Fault_Status>Fan [", "] has Fault</Fan_Fault_Status> ",
+             "Fans with Fault:", "No Fan has Fault"});
 }
 
 void esa::putFanSpeeds(Draft& draft, const Record&, RecordView data) {
     const std::int32_t fans = static_cast<std::int32_t>(data.u32(kFanCountAt));
     for (unsigned fan = 0; fan < kMaxFans && static_cast<std::int32_t>(fan) < fans; ++fan) {
-        draft.body.literal("<Fan_Speed>Fan [").decimal(fan).literal("] has ");
+        numbered(draft.body, "<Fan_Speed>Fan [", fan, "] has ");
         draft.body.integer(data.u32(kFanSpeedAt + 4 * fan)).literal(" RPM.</Fan_Speed> ");
     }
 }

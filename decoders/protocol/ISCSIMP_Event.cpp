@@ -1,6 +1,7 @@
 #include "decoders/protocol/ISCSIMP_Event.h"
 
 #include "decoders/Decode.h"
+#include "decoders/common/Numbered.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/protocol/ISCSIMP_Layouts.h"
 #include "event/StringFormat.h"
@@ -166,7 +167,7 @@ void iscsi::decode(const Record& record, Draft& draft) {
     if (const Events::Entry* event = events.find(kind))
         return events.writeBody(draft, *event, record, data);
     traceUnknown("ISCSIMP_Event", 0, "Unknown payload kind: ", kind);
-    draft.summary.literal("Unknown (").decimal(kind).literal(")");
+    numbered(draft.summary, "Unknown (", kind, ")");
 }
 
 ISCSIMP_Event::ISCSIMP_Event(const EmpEvLogMsg_s* record, int length)

@@ -1,6 +1,7 @@
 #include "decoders/protocol/ISNSC_Event.h"
 
 #include "decoders/Decode.h"
+#include "decoders/common/Numbered.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/protocol/ISNSC_Layouts.h"
 #include "platform/trace/ProviderTraceServices.h"
@@ -74,13 +75,8 @@ void isns::putArguments(Draft& draft, const Record&, RecordView data) {
     const std::size_t shown = text.count >> 31 ? 0 : std::min<std::size_t>(text.count, text.held);
     TextWriter& body = draft.body;
     for (std::uint32_t i = 0; i < shown && body.view().size() <= kLongestBody; ++i) {
-        const auto tag = [&](std::string_view start) {
-            body.literal(start).literal(i < 9 ? "0" : "").decimal(i + 1).literal(">");
-        };
-        tag("<Arg");
-        body.literal("0x").hexUpper(data.u32(8 + 4 * i), 8);
-        tag("</Arg");
-        body.literal(" ");
+        numbered(body, i < 9 ? "<Arg0" : "<Arg", i + 1, ">0x").hexUpper(data.u32(8 + 4 * i), 8);
+        numbered(body, i < 9 ? "</Arg0" : "</Arg", i + 1, "> ");
     }
     body.close("Arguments");
 }

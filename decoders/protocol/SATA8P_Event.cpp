@@ -1,6 +1,7 @@
 #include "decoders/protocol/SATA8P_Event.h"
 
 #include "decoders/Decode.h"
+#include "decoders/common/Numbered.h"
 #include "decoders/common/Unknown.h"
 #include "decoders/protocol/SATA8P_Layouts.h"
 #include "platform/trace/ProviderTraceServices.h"
@@ -171,8 +172,8 @@ void v2::putRing(Draft& draft, const Record& record, RecordView data) {
     constexpr std::size_t kWord = 4;
     const std::size_t end = std::min<std::size_t>(record.payloadLength(), record.payload().size());
     for (std::uint32_t i = 0; kListAt + (i + 1) * kWord <= end; ++i) {
-        draft.body.literal("<Entry_").decimal(i).literal(">0x").hexLower(data.u32(i * kWord), 8);
-        draft.body.literal("</Entry_").decimal(i).literal(">");
+        numbered(draft.body, "<Entry_", i, ">0x").hexLower(data.u32(i * kWord), 8);
+        numbered(draft.body, "</Entry_", i, ">");
     }
 }
 

@@ -117,6 +117,11 @@ Avrel_Event::Avrel_Event(const EmpEvLogMsg_s* record, unsigned int length) {
     assignAscii(eventID_, {number, putDecimal(number, std::uint32_t{record->eventId})});
 
     const unsigned int claimed = record->evStructLength;
+    const std::uint32_t carried =
+        length == 0 || length > 0xFFFF ? sizeof *record + claimed : length;
+    constexpr std::uint32_t kHeader = sizeof *record;
+    basis_.missingBytes = carried < kHeader ? kHeader - carried : 0;
+    basis_.unreadBytes = carried > kHeader ? carried - kHeader : 0;
     if (sizeof *record + claimed != length &&
         ProviderTraceServices::ptsGetTraceSuppressForPid() == 0) {
         LineWriter line;
@@ -135,7 +140,7 @@ void Avrel_Event::take(const EmpEvLogMsg_s* record, int length, DecodeFunction d
     if (!record)
         return;
     Draft draft;
-    decode(Record(record, static_cast<unsigned int>(length)), draft);
+    decode(Record(record, static_cast<unsigned int>(length), &draft.footprint), draft);
     take(draft);
 }
 
@@ -144,6 +149,7 @@ void Avrel_Event::take(const Draft& draft) {
         draft.title.assignTo(eventID_);
     draft.summary.assignTo(summary_);
     draft.body.assignTo(body_);
+    basis_ = draft.footprint.basis();
 }
 
 String Avrel_Event::getEnclosureSerialNumber() const {

@@ -19,6 +19,7 @@ struct Draft {
         body.setSanitize(Sanitize::Yes);
     }
 
+    Footprint footprint;   // of the record, if that has it
     LineWriter title;      // when empty, the event's number is the title
     bool isTitled = false; // unless this says that the empty one is
     LineWriter summary;

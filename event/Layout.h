@@ -21,6 +21,7 @@ enum class Opcode : std::uint8_t {
     Name,   // operand: index of the name table
     Custom, // operand: index of the function
     Bit,    // operand as Name, `bit`
+    Flag,   // likewise, any bit
     Text,
     Trimmed,
     EventName,
@@ -32,8 +33,9 @@ enum class Opcode : std::uint8_t {
 struct Instruction {
     Opcode op;
     std::uint8_t operand;
-    std::uint8_t bit;
-    std::uint8_t size; // bytes of a number
+    std::uint8_t bit : 6;
+    Provenance provenance : 2; // of the row
+    std::uint8_t size;         // bytes of a number
     std::uint16_t at;
     std::uint16_t literalLength; // characters of constant text before the value
     std::uint16_t extra;         // Text: most bytes; SkipZero: characters to skip
@@ -49,8 +51,10 @@ struct Layout {
     const Instruction* code;
     const char* text; // all constant texts in their order, kSlack more bytes readable
     const Operand* operands;
-    std::uint16_t extent; // bytes of the structure that numbers are read from
-    std::uint16_t room;   // longest output, texts from the record and event names not counted
+    const std::uint32_t* mask; // a bit for each byte that a number is read from
+    std::uint16_t extent;      // bytes of the structure that numbers are read from
+    std::uint16_t room;        // longest output, texts from the record and event names not counted
+    Provenance provenance;     // the weakest of the rows
 };
 
 // A short view is copied into a zeroed buffer of its layout's size.
@@ -58,6 +62,9 @@ inline constexpr std::size_t kMaxExtent = 640;
 
 // Writes the elements of the structure at the start of `view`.
 void write(TextWriter& out, const Layout& layout, RecordView view, std::string_view titleOf = {});
+
+// Notes what the layout's numbers are read from.
+void noteNumbers(const Layout& layout, const RecordView& view);
 
 // The compiled form of a table of events: arrays of numbers, and one of pointers for each of name
 // tables and functions.
@@ -68,14 +75,15 @@ public:
         std::uint16_t major;
         std::uint16_t first;
         std::uint16_t last;
-        std::uint16_t name;  // of the titles, the first of them
-        std::uint16_t piece; // the summary; the pieces of the body follow it
-        std::uint8_t pieces; // their number, with the summary
-        bool bySeverity;     // three titles: other, warning, error
-        Provenance provenance;
+        std::uint16_t name;    // of the titles, the first of them
+        std::uint16_t piece;   // the summary; the pieces of the body follow it
+        std::uint8_t pieces;   // their number, with the summary
+        bool bySeverity;       // three titles: other, warning, error
+        Provenance provenance; // of the meaning of the codes
     };
     struct Piece {
-        bool isCustom;
+        std::uint8_t isCustom : 1;
+        Provenance provenance : 2;
         std::uint8_t index; // of the layout or function
         std::uint16_t at;
         bool operator==(const Piece&) const = default;
@@ -83,8 +91,10 @@ public:
     struct Place { // of a layout
         std::uint16_t code;
         std::uint16_t text;
+        std::uint16_t mask;
         std::uint16_t extent;
         std::uint16_t room;
+        Provenance provenance;
     };
     struct Name {
         std::uint16_t at;
@@ -133,6 +143,7 @@ public:
     const Name* names;
     const Instruction* code;
     const char* text;
+    const std::uint32_t* masks;
     const Operand* operands;
     const Function* functions;
     Range head;
@@ -142,8 +153,10 @@ public:
 private:
     Layout layout(std::size_t i) const {
         const Place& place = places[i];
-        return {code + place.code, text + place.text, operands, place.extent, place.room};
+        return {code + place.code, text + place.text, operands,        masks + place.mask,
+                place.extent,      place.room,        place.provenance};
     }
+    void call(Draft& draft, const Piece& piece, const Record& record, RecordView view) const;
     void pieces(Draft& draft, Range range, std::string_view name, const Record& record,
                 RecordView data) const;
 };

@@ -25,6 +25,7 @@ namespace {
     putDump(dump, {reinterpret_cast<const char*>(record), length});
     dump.expectMarkup(); // none of it is safe yet
     std::unique_ptr<Avrel_Event> event(new Avrel_Event(record, length));
+    event->setBasis({.missingBytes = event->getBasis().missingBytes}); // the dump has all the rest
     event->setSummary("XMLizer Failure");
     event->setBody(dump.string());
     return event.release();

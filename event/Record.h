@@ -9,10 +9,14 @@ namespace Pegasus::mpu {
 class Record {
 public:
     // The readable extent is what was announced, or what the record claims if that is more. Lengths
-    // that no message can carry count as nothing announced.
-    explicit Record(const EmpEvLogMsg_s* record, unsigned int announced = 0)
-        : header_(*record), view_(RecordView::of(record, announced)),
-          payload_(view_.subview(sizeof *record)) {}
+    // that no message can carry count as nothing announced, and what was not announced as missing.
+    explicit Record(const EmpEvLogMsg_s* record, unsigned int announced = 0,
+                    Footprint* footprint = nullptr)
+        : header_(*record), view_(RecordView::of(record, announced, footprint)),
+          payload_(view_.subview(sizeof *record)) {
+        if (footprint)
+            footprint->begin(announced == 0 || announced > 0xFFFF ? view_.size() : announced);
+    }
     // A payload alone: the header is all zeros, its bytes are not there.
     explicit Record(RecordView payload) : header_(kNoHeader), payload_(payload) {}
 

@@ -20,19 +20,13 @@
 // mutator of the fuzz targets. They are checked and compiled by TableCompiler.h.
 #pragma once
 
+#include "event/EventBasis.h"
 #include "event/Names.h"
 
 #include <array>
 #include <span>
 
 namespace Pegasus::mpu {
-
-// How we know what a place in a record means. The order is that of trust: the weakest is the last.
-enum class Provenance : std::uint8_t {
-    Documented,
-    Inferred, // just this room is left between known fields, or a sister structure has it there
-    Assumed,  // settled by us
-};
 
 // A field that no format can show: `put` gets its bytes and writes at most `maxLength` characters,
 // all of which makeSafeString keeps.

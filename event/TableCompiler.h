@@ -82,8 +82,8 @@ public:
             if (keys_[i].count == rows.size() && isSame(keys_[i].rows, rows.data(), rows.size()))
                 return static_cast<std::uint8_t>(i);
         keys_.push_back({rows.data(), rows.size()});
-        places.push_back({size16(code.size()), size16(text.size()), 0, 0});
-        provenance = Provenance::Documented;
+        places.push_back({size16(code.size()), size16(text.size()), size16(masks.size()), 0, 0,
+                          Provenance::Documented});
         extent_ = room_ = pending_ = 0;
         const std::size_t start = text.size();
         group_ = {};
@@ -91,13 +91,13 @@ public:
         for (row_ = 0; row_ < static_cast<int>(rows.size()); ++row_)
             for (std::size_t i = 0; i < rows[static_cast<std::size_t>(row_)].count; ++i)
                 row(rows[static_cast<std::size_t>(row_)], i);
-        instruction({Opcode::End, 0, 0, 0, 0, 0, 0});
+        instruction({Opcode::End, 0, 0, {}, 0, 0, 0, 0});
         room_ += text.size() - start;
         if (room_ > 0xFFFF || extent_ > kMaxExtent)
             refuse(Reason::LayoutTooLarge, rows.empty() ? std::string_view() : rows[0].tag);
         places.back().extent = size16(extent_);
         places.back().room = size16(room_);
-        provenances_.push_back(provenance);
+        addMask();
         return static_cast<std::uint8_t>(places.size() - 1);
     }
 
@@ -129,6 +129,7 @@ public:
     std::vector<char> text;
     std::vector<Operand> operands;
     std::vector<Events::Place> places;
+    std::vector<std::uint32_t> masks;
     std::vector<Events::Entry> entries;
     std::vector<Events::Piece> pieces;
     std::vector<Events::Name> names;
@@ -136,7 +137,6 @@ public:
     Events::Range head{};
     Events::Range tail{};
     std::uint8_t title = 0;
-    Provenance provenance = Provenance::Documented; // the weakest of the layout
     Refusal refusal{};
 
 private:
@@ -157,12 +157,12 @@ private:
             name(row.title.warning);
             name(row.title.error);
         }
-        weakest_ = row.provenance;
+        entry.provenance = row.provenance;
         entry.piece = size16(pieces.size());
         if (row.summary.custom)
-            pieces.push_back({true, function(*row.summary.custom), row.summary.at});
+            addCustom(*row.summary.custom, row.summary.at);
         else
-            pieces.push_back({false, used(layout({&row.summary.row, 1})), 0});
+            addLayout({&row.summary.row, 1}, 0);
         add(row.pieces);
         entry.pieces = static_cast<std::uint8_t>(pieces.size() - entry.piece);
         // Rows with the same structures share their pieces.
@@ -172,7 +172,6 @@ private:
             entry.piece = static_cast<std::uint16_t>(known - pieces.begin());
             pieces.erase(run, pieces.end());
         }
-        entry.provenance = weakest_;
         entries.push_back(entry);
     }
 
@@ -194,15 +193,17 @@ private:
     constexpr void add(const Pieces& from) {
         for (const Piece& piece : from) {
             if (piece.kind == Piece::Rows)
-                pieces.push_back({false, used(layout(piece.rows)), piece.at});
+                addLayout(piece.rows, piece.at);
             else if (piece.kind == Piece::Custom)
-                pieces.push_back({true, function(*piece.custom), piece.at});
+                addCustom(*piece.custom, piece.at);
         }
     }
-
-    constexpr std::uint8_t used(std::uint8_t i) {
-        weakest_ = std::max(weakest_, provenances_[i]);
-        return i;
+    constexpr void addLayout(std::span<const Row> rows, std::uint16_t at) {
+        const std::uint8_t i = layout(rows);
+        pieces.push_back(Events::Piece{0, places[i].provenance, i, at});
+    }
+    constexpr void addCustom(const CustomPiece& custom, std::uint16_t at) {
+        pieces.push_back(Events::Piece{1, custom.provenance, function(custom), at});
     }
 
     constexpr std::uint8_t function(const CustomPiece& custom) {
@@ -210,7 +211,6 @@ private:
             customs_.push_back(&custom);
             checkOnly(custom.rows); // for people only, and checked like the others
         }
-        weakest_ = std::max(weakest_, custom.provenance);
         for (std::size_t i = 0; i < functions.size(); ++i)
             if (functions[i] == custom.write)
                 return static_cast<std::uint8_t>(i);
@@ -264,7 +264,7 @@ private:
     // ---- rows ----
 
     constexpr void row(const Row& row, std::size_t i) {
-        provenance = std::max(provenance, row.provenance);
+        places.back().provenance = std::max(places.back().provenance, row.provenance);
         if (row.kind == Row::Line) {
             value(row, i);
             return;
@@ -272,8 +272,14 @@ private:
         const std::size_t skip = code.size();
         std::size_t skipped = 0;
         if (row.optional) {
-            instruction({Opcode::SkipZero, 0, 0, size8(row.values[0].size),
-                         place(row.values[0], row, i), 0, 0});
+            instruction({Opcode::SkipZero,
+                         0,
+                         0,
+                         {},
+                         size8(row.values[0].size),
+                         place(row.values[0], row, i),
+                         0,
+                         0});
             skipped = text.size();
         }
         if (row.kind == Row::Element && !group_.empty() && row.tag.starts_with(group_))
@@ -292,7 +298,7 @@ private:
         }
         if (row.optional) {
             // The text after the last value is part of what is skipped.
-            instruction({Opcode::Literal, 0, 0, 0, 0, 0, 0});
+            instruction({Opcode::Literal, 0, 0, {}, 0, 0, 0, 0});
             if (code.size() - skip > 0x100)
                 refuse(Reason::OptionalTooLong, row.tag);
             code[skip].operand = static_cast<std::uint8_t>(code.size() - skip - 1);
@@ -359,7 +365,8 @@ private:
         const bool words = v.kind != Value::Number;
         if (words != (f.letter == 's'))
             return refuse(Reason::FormatOfAnotherKind, row.tag);
-        Instruction made{Opcode::Unsigned, 0, 0, size8(v.size), place(v, row, i), 0, 0};
+        Instruction made{Opcode::Unsigned, 0, 0, {}, size8(v.size), place(v, row, i), 0, 0};
+        made.provenance = row.provenance;
         switch (v.kind) {
         case Value::Name:
             made.op = Opcode::Name;
@@ -369,8 +376,8 @@ private:
         case Value::Bit:
             if (v.names->count != 2 || (v.bit != kAnyBit && v.bit >= v.size * 8))
                 return refuse(Reason::NotABit, row.tag);
-            made.op = Opcode::Bit;
-            made.bit = v.bit;
+            made.op = v.bit == kAnyBit ? Opcode::Flag : Opcode::Bit;
+            made.bit = v.bit & 63;
             made.operand = operand(v, row);
             room_ += v.names->room;
             break;
@@ -428,11 +435,26 @@ private:
 
     constexpr std::uint16_t place(const Value& v, const Row& row, std::size_t i) {
         const std::size_t at = v.at + i * row.stride;
-        if (v.kind != Value::Text && v.kind != Value::Trimmed && v.isRead())
+        if (v.kind != Value::Text && v.kind != Value::Trimmed && v.isRead()) {
             extent_ = std::max(extent_, at + v.size);
+            read_.push_back({at, v.size});
+        }
         if (at > 0xFFFF)
             refuse(Reason::OffsetTooLarge, row.tag);
         return size16(at);
+    }
+
+    // A bit for each byte that the layout's numbers are read from.
+    constexpr void addMask() {
+        std::vector<std::uint32_t> mask((extent_ + 31) / 32);
+        for (const auto& [at, size] : read_)
+            for (std::size_t byte = at; byte < at + size; ++byte)
+                mask[byte / 32] |= std::uint32_t{1} << byte % 32;
+        read_.clear();
+        const auto known = std::search(masks.begin(), masks.end(), mask.begin(), mask.end());
+        places.back().mask = size16(known - masks.begin());
+        if (known == masks.end())
+            masks.insert(masks.end(), mask.begin(), mask.end());
     }
 
     constexpr std::uint8_t operand(const Value& wanted, const Row& row) {
@@ -512,19 +534,18 @@ private:
     }
 
     static constexpr std::uint8_t size8(std::size_t n) { return static_cast<std::uint8_t>(n); }
-    static constexpr std::uint16_t size16(std::size_t n) { return static_cast<std::uint16_t>(n); }
+    static constexpr std::uint16_t size16(auto n) { return static_cast<std::uint16_t>(n); }
 
     Style style_;
-    std::vector<LayoutKey> keys_;         // of the layouts
-    std::vector<Provenance> provenances_; // likewise
+    std::vector<LayoutKey> keys_;                           // of the layouts
+    std::vector<std::pair<std::size_t, std::size_t>> read_; // by the layout's numbers: place, size
     std::vector<Value> operandKeys_;
     std::vector<const CustomPiece*> customs_;
     std::string_view group_;  // tag of the open one; groups don't nest
     std::size_t pending_ = 0; // literal characters since the last instruction
     std::size_t extent_ = 0;
     std::size_t room_ = 0;
-    Provenance weakest_ = Provenance::Documented; // of the event
-    int row_ = 0;                                 // where we are, for refusals
+    int row_ = 0; // where we are, for refusals
     unsigned major_ = 0;
     unsigned code_ = 0;
 };
@@ -544,16 +565,16 @@ constexpr Compiler compile() {
 }
 
 struct Sizes {
-    std::size_t code, text, operands, places, entries, pieces, names, functions;
+    std::size_t code, text, operands, masks, places, entries, pieces, names, functions;
     Refusal refusal;
 };
 
 template <const auto& Table, Style S>
 inline constexpr Sizes kSizes = [] {
     const Compiler c = compile<Table, S>();
-    return Sizes{c.code.size(),   c.text.size(),      c.operands.size(),
-                 c.places.size(), c.entries.size(),   c.pieces.size(),
-                 c.names.size(),  c.functions.size(), c.refusal};
+    return Sizes{c.code.size(),      c.text.size(),    c.operands.size(), c.masks.size(),
+                 c.places.size(),    c.entries.size(), c.pieces.size(),   c.names.size(),
+                 c.functions.size(), c.refusal};
 }();
 
 // Numbers alone, which need no relocation.
@@ -564,12 +585,12 @@ struct Packed {
     std::array<Events::Piece, sizes.pieces> pieces{};
     std::array<Events::Place, sizes.places> places{};
     std::array<Events::Name, sizes.names> names{};
+    std::array<std::uint32_t, sizes.masks> masks{};
     std::array<Instruction, sizes.code> code{};
     std::array<char, sizes.text + TextWriter::kSlack> text{};
     Events::Range head{};
     Events::Range tail{};
     std::uint8_t title = 0;
-    Provenance provenance = Provenance::Documented;
 };
 template <const auto& Table, Style S>
 struct Pointers {
@@ -590,6 +611,7 @@ inline constexpr Compiled<Table, S> kBoth = [] {
     std::copy(c.pieces.begin(), c.pieces.end(), out.packed.pieces.begin());
     std::copy(c.places.begin(), c.places.end(), out.packed.places.begin());
     std::copy(c.names.begin(), c.names.end(), out.packed.names.begin());
+    std::copy(c.masks.begin(), c.masks.end(), out.packed.masks.begin());
     std::copy(c.code.begin(), c.code.end(), out.packed.code.begin());
     std::copy(c.text.begin(), c.text.end(), out.packed.text.begin());
     std::copy(c.operands.begin(), c.operands.end(), out.pointers.operands.begin());
@@ -597,7 +619,6 @@ inline constexpr Compiled<Table, S> kBoth = [] {
     out.packed.head = c.head;
     out.packed.tail = c.tail;
     out.packed.title = c.title;
-    out.packed.provenance = c.provenance;
     return out;
 }();
 template <const auto& Table, Style S>
@@ -623,11 +644,14 @@ inline constexpr bool accepted =
 template <const auto& Rows, Style S = Style::Spaced>
 inline constexpr Layout kLayout = [] {
     static_assert(table_compiler::Refused<Rows, table_compiler::kSizes<Rows, S>.refusal>::value);
-    return Layout{table_compiler::kPacked<Rows, S>.code.data(),
-                  table_compiler::kPacked<Rows, S>.text.data(),
+    constexpr auto& packed = table_compiler::kPacked<Rows, S>;
+    return Layout{packed.code.data(),
+                  packed.text.data(),
                   table_compiler::kPointers<Rows, S>.operands.data(),
-                  table_compiler::kPacked<Rows, S>.places[0].extent,
-                  table_compiler::kPacked<Rows, S>.places[0].room};
+                  packed.masks.data(),
+                  packed.places[0].extent,
+                  packed.places[0].room,
+                  packed.places[0].provenance};
 }();
 
 // The compiled form of a table of events.
@@ -643,6 +667,7 @@ inline constexpr Events kEventsOf = [] {
                   packed.names.data(),
                   packed.code.data(),
                   packed.text.data(),
+                  packed.masks.data(),
                   pointers.operands.data(),
                   pointers.functions.data(),
                   packed.head,

@@ -77,12 +77,16 @@ public:
     TextWriter& element(std::string_view tag, Untrusted value, std::string_view after);
 
     std::string_view view() const { return {begin_, static_cast<std::size_t>(next_ - begin_)}; }
+    // How many characters there are before `next`.
+    std::size_t position(const char* next) const { return static_cast<std::size_t>(next - begin_); }
     void clear() {
         next_ = begin_;
         markup_ = unchecked_ = false;
     }
     // Before anything is written.
     void setSanitize(Sanitize sanitize) { sanitize_ = sanitize; }
+    // Whether finish() will change more than single characters.
+    bool hasMarkup() const { return markup_; }
     // Says that raw() bytes are to come that may hold markup.
     void expectMarkup() { markup_ = true; }
 

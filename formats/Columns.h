@@ -35,6 +35,15 @@ inline constexpr Column kColumns[] = {
     {"eventID", "Title", nullptr, &DecodedEvent::eventID},
     {"summary", "One line", nullptr, &DecodedEvent::summary},
     {"body", "Elements, text or a dump", nullptr, &DecodedEvent::body},
+    {"layout",
+     "How well the places of what is said are known, the weakest of them: documented, inferred "
+     "from "
+     "their neighbours, or assumed",
+     nullptr, &DecodedEvent::layout},
+    {"missingBytes", "Bytes that were wanted and are not in the record: zeros stand for them",
+     &DecodedEvent::missingBytes, nullptr},
+    {"unreadBytes", "Bytes of the payload that nothing was read from", &DecodedEvent::unreadBytes,
+     nullptr},
 };
 
 // The version of the formats that programs read. It grows when a column goes or changes its

@@ -3,9 +3,11 @@
 #include "event/Dispatch.h"
 #include "event/HeaderNames.h"
 #include "event/Record.h"
+#include "formats/Readings.h"
 #include "formats/Utf8.h"
 #include "platform/trace/ProviderTraceServices.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -33,8 +35,19 @@ std::string_view narrowed(mpu::TextWriter& to, const String& text) {
 
 } // namespace
 
+EventDecoder::EventDecoder(const DecodeOptions& options) : options_(options) {
+    if (options.fieldBasis || options.readings || options.knownOnly)
+        readings_ = std::make_unique<Readings>(draft_);
+}
+
+EventDecoder::~EventDecoder() = default;
+
 const DecodedEvent& EventDecoder::decode(std::span<const std::uint8_t> bytes) {
     const auto* header = reinterpret_cast<const EmpEvLogMsg_s*>(bytes.data());
+    event_.payload = bytes.subspan(sizeof *header);
+    event_.fields = {};
+    if (readings_)
+        readings_->clear();
     const mpu::DecodeFunction function = mpu::decodeFunctionOf(header->source);
     // Trace lines tell of the class, which a registered decoder has alone.
     if ((!function && mpu::decoderOf(header->source)) ||
@@ -51,8 +64,7 @@ const DecodedEvent& EventDecoder::decode(std::span<const std::uint8_t> bytes) {
         padded_.resize(claimed);
         header = reinterpret_cast<const EmpEvLogMsg_s*>(padded_.data());
     }
-    const mpu::Record record(header, static_cast<unsigned int>(bytes.size()));
-    const mpu::RecordView view = record.view();
+    const mpu::RecordView view(header, sizeof *header);
     event_.enclosureSerialNumber =
         finished(enclosure_, view.text(offsetof(EmpEvLogMsg_s, enclosureSerialNumber), 64));
     event_.controllerSerialNumber =
@@ -68,15 +80,86 @@ const DecodedEvent& EventDecoder::decode(std::span<const std::uint8_t> bytes) {
     if (event_.eventTypeText.empty())
         event_.eventTypeText = "Unknown";
 
+    const auto length = static_cast<unsigned int>(bytes.size());
+    decode(mpu::Record(header, length, &draft_.footprint), function);
+    const EventBasis basis = draft_.footprint.basis();
+    tell(basis);
+    if (readings_ &&
+        (options_.readings || basis.layout != Provenance::Documented || basis.missingBytes != 0)) {
+        draft_.footprint.setTrace(readings_.get());
+        decode(mpu::Record(header, length, &draft_.footprint), function);
+        draft_.footprint.setTrace(nullptr);
+        tellFields(basis);
+        if (options_.knownOnly && basis.layout == Provenance::Assumed)
+            leaveOut(*header);
+    }
+    return event_;
+}
+
+void EventDecoder::decode(const mpu::Record& record, mpu::DecodeFunction function) {
     draft_.clear();
     if (function)
         function(record, draft_);
     if (draft_.title.view().empty() && !draft_.isTitled)
-        draft_.title.decimal(header->eventId);
+        draft_.title.decimal(record.eventId());
+    // Where in the text each reading is holds for a body that is sanitized character by character.
+    isPlain_ = !draft_.body.hasMarkup();
     event_.eventID = draft_.title.finish();
     event_.summary = draft_.summary.finish();
     event_.body = draft_.body.finish();
-    return event_;
+}
+
+void EventDecoder::tell(const EventBasis& basis) {
+    event_.layout = nameOf(basis.layout);
+    event_.missingBytes = basis.missingBytes;
+    event_.unreadBytes = basis.unreadBytes;
+}
+
+void EventDecoder::tellFields(const EventBasis& basis) {
+    const std::vector<BodyItem>& items = parser_.parse(event_.body);
+    if (isPlain_) {
+        event_.fields = readings_->basisOf(event_.body, items);
+    } else {
+        anyField_.assign(items.size(), {basis.layout, 0});
+        event_.fields = anyField_;
+    }
+}
+
+// What is assumed goes; for title and summary the number stands, for elements the payload.
+void EventDecoder::leaveOut(const EmpEvLogMsg_s& header) {
+    const auto assumed = [&](Reading::Text text) {
+        return readings_->meaning() == Provenance::Assumed ||
+               std::any_of(
+                   readings_->all().begin(), readings_->all().end(), [&](const Reading& reading) {
+                       return reading.text == text && reading.provenance == Provenance::Assumed;
+                   });
+    };
+    if (assumed(Reading::Title)) {
+        draft_.title.clear();
+        event_.eventID = draft_.title.decimal(header.eventId).view();
+    }
+    if (assumed(Reading::Summary))
+        event_.summary = {};
+    known_.clear();
+    knownFields_.clear();
+    const std::vector<BodyItem>& items = parser_.parse(event_.body);
+    std::size_t done = 0;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (event_.fields[i].layout != Provenance::Assumed) {
+            knownFields_.push_back(event_.fields[i]);
+            continue;
+        }
+        const auto [begin, end] = extentOf(event_.body, items[i]);
+        known_.raw(mpu::Untrusted(event_.body.substr(done, begin - done)));
+        done = end;
+    }
+    known_.raw(mpu::Untrusted(event_.body.substr(done)));
+    known_.literal("<Hex>");
+    known_.hexBytes({reinterpret_cast<const char*>(event_.payload.data()), event_.payload.size()});
+    known_.literal("</Hex>");
+    knownFields_.emplace_back();
+    event_.body = known_.view();
+    event_.fields = knownFields_;
 }
 
 const DecodedEvent& EventDecoder::take(Avrel_Event& event) {
@@ -93,6 +176,7 @@ const DecodedEvent& EventDecoder::take(Avrel_Event& event) {
     event_.eventID = narrowed(draft_.title, event.getEventID());
     event_.summary = narrowed(draft_.summary, event.getSummary());
     event_.body = narrowed(draft_.body, event.getBody());
+    tell(event.getBasis());
     return event_;
 }
 

@@ -69,9 +69,11 @@ public:
     }
 
     // [{"name": .., "value": ..}, {"name": .., "fields": [..]}]; text outside elements has no name.
-    void fields(const std::vector<BodyItem>& items) {
+    // What an element rests on is told of those that are not documented or not complete.
+    void fields(const std::vector<BodyItem>& items, std::span<const FieldBasis> basis) {
         writer_.StartArray();
-        for (const BodyItem& item : items) {
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            const BodyItem& item = items[i];
             if (item.type != BodyItem::End) {
                 writer_.StartObject();
                 key("name");
@@ -82,6 +84,8 @@ public:
             case BodyItem::Element:
                 key("value");
                 text(item.text);
+                if (i < basis.size())
+                    rest(basis[i]);
                 writer_.EndObject();
                 break;
             case BodyItem::Group:
@@ -98,13 +102,25 @@ public:
     }
 
 private:
+    void rest(const FieldBasis& basis) {
+        if (basis.layout != Provenance::Documented) {
+            key("layout");
+            text(nameOf(basis.layout));
+        }
+        if (basis.missingBytes != 0) {
+            key("missingBytes");
+            writer_.Uint(basis.missingBytes);
+        }
+    }
+
     JsonStream stream_;
     JsonWriter writer_;
 };
 
 class JsonPrinter : public Printer {
 public:
-    explicit JsonPrinter(const PrintOptions& options) : fields_(options.fields) {}
+    explicit JsonPrinter(const PrintOptions& options)
+        : fields_(options.fields), raw_(options.raw) {}
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         JsonWriter& writer = json_.start(out);
@@ -117,9 +133,14 @@ public:
             }
             json_.text(event.*column.text);
         }
+        if (raw_) {
+            payload_.clear();
+            json_.key("raw");
+            json_.text(putPayload(payload_, event));
+        }
         if (fields_) {
             json_.key("fields");
-            json_.fields(parser_.parse(event.body));
+            json_.fields(parser_.parse(event.body), event.fields);
             json_.key("formatVersion");
             writer.Uint(kFormatVersion);
         }
@@ -129,19 +150,21 @@ public:
 
 private:
     const bool fields_;
+    const bool raw_;
     Json json_;
+    mpu::BodyWriter payload_;
     BodyParser parser_;
 };
 
 // RFC 4180, with the JSON keys for a header line; fields are the JSON list in one cell.
 class CsvPrinter : public Printer {
 public:
-    explicit CsvPrinter(const PrintOptions& options) : fields_(options.fields) {}
+    explicit CsvPrinter(const PrintOptions& options) : fields_(options.fields), raw_(options.raw) {}
 
     void begin(mpu::TextWriter& out) override {
         for (const Column& column : kColumns)
             out.literal(&column == kColumns ? "" : ",").literal(column.name);
-        out.literal(fields_ ? ",fields\r\n" : "\r\n");
+        out.literal(raw_ ? ",raw" : "").literal(fields_ ? ",fields\r\n" : "\r\n");
     }
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
@@ -153,10 +176,12 @@ public:
             }
             cell(out, event.*column.text);
         }
+        if (raw_)
+            putPayload(out.literal(","), event);
         if (fields_) {
             list_.clear();
             json_.start(list_);
-            json_.fields(parser_.parse(event.body));
+            json_.fields(parser_.parse(event.body), event.fields);
             cell(out.literal(","), list_.view());
         }
         out.literal("\r\n");
@@ -182,6 +207,7 @@ private:
     }
 
     const bool fields_;
+    const bool raw_;
     Json json_;
     mpu::BodyWriter list_;
     BodyParser parser_;

@@ -18,6 +18,7 @@ public:
 
 struct PrintOptions {
     bool fields = false; // also list the body's elements individually
+    bool raw = false;    // also the payload in hexadecimal
     bool colour = false; // for a terminal
 };
 
@@ -27,6 +28,9 @@ struct Format {
     std::unique_ptr<Printer> (*make)(const PrintOptions& options);
     bool hasFields; // heeds PrintOptions::fields
 };
+
+// The payload in hexadecimal. Returns all that `out` holds.
+std::string_view putPayload(mpu::TextWriter& out, const DecodedEvent& event);
 
 std::unique_ptr<Printer> makeTextPrinter(const PrintOptions& options);
 std::unique_ptr<Printer> makeBriefPrinter(const PrintOptions& options);

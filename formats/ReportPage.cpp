@@ -16,12 +16,23 @@ void ReportPage::begin(mpu::TextWriter& out) {
 void ReportPage::add(const DecodedEvent& event, mpu::TextWriter& out) {
     statistics_.add(event);
     out.literal("<tr class=\"s").decimal(severityOf(event.eventType));
+    std::string_view signs[3];
+    if (event.layout == nameOf(Provenance::Assumed))
+        signs[0] = "~";
+    if (event.missingBytes != 0)
+        signs[1] = "!";
+    if (event.unreadBytes != 0)
+        signs[2] = "+";
+    out.literal("\" data-signs=\"");
+    for (const std::string_view sign : signs)
+        out.literal(sign);
     out.literal("\"><td>").decimal(event.sequenceID);
     out.literal("<td>").decimal(event.timestamp);
     putXml(out.literal("<td>"), event.eventTypeText);
     putXml(out.literal("<td>"), event.source);
     putXml(out.literal("<td><details><summary><b>"), event.eventID);
     putXml(out.literal("</b> "), event.summary);
+    out.literal(signs[0].empty() ? "" : " ~").literal(signs[1].empty() ? "" : " !");
     block_.clear();
     printer_->print(event, block_);
     std::string_view block = block_.view();
@@ -111,13 +122,17 @@ void ReportPage::legend(mpu::TextWriter& out) const {
 
 void ReportPage::sources(mpu::TextWriter& out) const {
     const auto all = statistics_.bySource();
-    out.literal("<div id=\"sources\"><table><tr><th>Source<th>Events\n");
-    for (const auto& [source, count] : all) {
+    out.literal("<div id=\"sources\"><table><tr><th>Source<th>Events<th>~ assumed<th>! short"
+                "<th>+ unread\n");
+    for (const auto& [source, counts] : all) {
         putXml(out.literal("<tr><td>"), source);
-        out.literal("<td>").decimal64(count).literal("\n");
+        for (const std::uint64_t count :
+             {counts.count, counts.assumed, counts.shortOf, counts.unread})
+            out.literal("<td>").decimal64(count);
+        out.literal("\n");
     }
     out.literal(kFiltersBegin);
-    for (const auto& [source, count] : all)
+    for (const auto& [source, counts] : all)
         putXml(out.literal("<option>"), source);
     out.literal(kFiltersEnd);
 }

@@ -57,6 +57,9 @@ inline constexpr char kFiltersBegin[] = R"(</table></div>
 
 inline constexpr char kFiltersEnd[] = R"(
 </select></label>
+<label>Known <select id="signs"><option value="">all<option value="-~">without ~ layout assumed
+<option value="~">~ layout assumed<option value="!">! bytes short<option value="+">+ bytes unread
+</select></label>
 <output id="shown"></output>
 </form>
 )";
@@ -66,16 +69,20 @@ inline constexpr char kPageEnd[] = R"(</section>
 'use strict';
 const get = id => document.getElementById(id);
 const rows = Array.from(get('events').tBodies[0].rows, row => ({
-  row, severity: Number(row.className.slice(1)), source: row.cells[3].textContent, text: null }));
+  row, severity: Number(row.className.slice(1)), source: row.cells[3].textContent,
+  signs: row.dataset.signs, text: null }));
 let timer;
 function filter() {
   const text = get('text').value.toLowerCase();
   const severity = Number(get('severity').value);
   const all = get('source').selectedIndex === 0;
   const source = get('source').value;
+  const sign = get('signs').value;
+  const knows = signs => sign === '-~' ? !signs.includes('~') : signs.includes(sign);
   let shown = 0;
   for (const item of rows) {
-    let wanted = item.severity >= severity && (all || item.source === source);
+    let wanted = item.severity >= severity && (all || item.source === source) &&
+      knows(item.signs);
     if (wanted && text)
       wanted = (item.text ??= item.row.textContent.toLowerCase()).includes(text);
     item.row.hidden = !wanted;

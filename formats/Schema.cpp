@@ -69,6 +69,11 @@ public:
         json_.StartObject();
         for (const Column& column : kColumns)
             property(column);
+        key("raw");
+        json_.StartObject();
+        pair("description", "The payload in hexadecimal, with --raw");
+        pair("type", "string");
+        json_.EndObject();
         key("fields");
         reference("fields");
         key("formatVersion");
@@ -149,6 +154,8 @@ private:
             for (const auto& [code, meaning] : eventTypes())
                 names.push_back(meaning);
             texts("enum", names);
+        } else if (name == "layout") {
+            texts("enum", layouts());
         } else if (column.number) {
             key("minimum");
             json_.Uint(0);
@@ -156,6 +163,14 @@ private:
             json_.Uint(UINT32_MAX);
         }
         json_.EndObject();
+    }
+
+    static std::vector<std::string> layouts() {
+        std::vector<std::string> names;
+        for (const auto layout :
+             {Provenance::Documented, Provenance::Inferred, Provenance::Assumed})
+            names.emplace_back(nameOf(layout));
+        return names;
     }
 
     // The names of a header byte's codes; what has none is written as its number.
@@ -220,6 +235,16 @@ private:
             pair("type", "string");
             json_.EndObject();
         }
+        key("layout");
+        json_.StartObject();
+        pair("description", "Of an element whose place is not documented");
+        texts("enum", layouts());
+        json_.EndObject();
+        key("missingBytes");
+        json_.StartObject();
+        pair("description", "Of an element that the record does not hold wholly");
+        pair("type", "integer");
+        json_.EndObject();
         key("fields");
         reference("fields");
         json_.EndObject();

@@ -48,7 +48,11 @@ void Statistics::add(const DecodedEvent& event) {
     ++severities[severity];
     timeLine.add(event.timestamp, severity);
     const std::string source(event.source);
-    ++sources_[source];
+    Source& counts = sources_[source];
+    ++counts.count;
+    counts.assumed += event.layout == nameOf(Provenance::Assumed);
+    counts.shortOf += event.missingBytes != 0;
+    counts.unread += event.unreadBytes != 0;
     auto key = std::make_pair(source, std::string(event.eventID));
     auto found = titles_.find(key);
     if (found == titles_.end()) {
@@ -65,10 +69,10 @@ void Statistics::add(const DecodedEvent& event) {
     title.time.add(event.timestamp);
 }
 
-std::vector<std::pair<std::string, std::uint64_t>> Statistics::bySource() const {
-    std::vector<std::pair<std::string, std::uint64_t>> all(sources_.begin(), sources_.end());
+std::vector<std::pair<std::string, Statistics::Source>> Statistics::bySource() const {
+    std::vector<std::pair<std::string, Source>> all(sources_.begin(), sources_.end());
     std::stable_sort(all.begin(), all.end(),
-                     [](const auto& a, const auto& b) { return a.second > b.second; });
+                     [](const auto& a, const auto& b) { return a.second.count > b.second.count; });
     return all;
 }
 

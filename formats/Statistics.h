@@ -37,6 +37,13 @@ private:
 };
 
 struct Statistics {
+    struct Source {
+        std::uint64_t count = 0;
+        // Events of them.
+        std::uint64_t assumed = 0; // rest on an assumed layout
+        std::uint64_t shortOf = 0; // lack bytes
+        std::uint64_t unread = 0;  // have bytes that nothing read
+    };
     struct Title {
         std::string source;
         std::string text;
@@ -47,7 +54,7 @@ struct Statistics {
 
     void add(const DecodedEvent& event);
     // Sources and titles, the frequent ones first.
-    std::vector<std::pair<std::string, std::uint64_t>> bySource() const;
+    std::vector<std::pair<std::string, Source>> bySource() const;
     std::vector<Title> byTitle() const;
 
     std::uint64_t events = 0;
@@ -58,7 +65,7 @@ struct Statistics {
     TimeLine timeLine;
 
 private:
-    std::map<std::string, std::uint64_t> sources_;
+    std::map<std::string, Source> sources_;
     std::map<std::pair<std::string, std::string>, Title> titles_;
 };
 

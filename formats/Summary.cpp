@@ -57,9 +57,12 @@ void writeTextSummary(const Statistics& all, std::uint64_t faults, bool colour,
         coloured(severity, 0);
         out.literal("\n");
     }
-    out.literal("\n     Count  Source\n");
-    for (const auto& [source, count] : all.bySource()) {
-        number(out, count);
+    out.literal("\n     Count    ~Assumed      !Short     +Unread  Source\n");
+    for (const auto& [source, counts] : all.bySource()) {
+        number(out, counts.count);
+        number(out, counts.assumed);
+        number(out, counts.shortOf);
+        number(out, counts.unread);
         cell(out, source, 0);
         out.literal("\n");
     }
@@ -109,11 +112,14 @@ void writeJsonSummary(const Statistics& all, std::uint64_t faults, bool, mpu::Te
     json.EndObject();
     json.Key("sources");
     json.StartArray();
-    for (const auto& [source, events] : all.bySource()) {
+    for (const auto& [source, counts] : all.bySource()) {
         json.StartObject();
         json.Key("source");
         text(source);
-        count("count", events);
+        count("count", counts.count);
+        count("withAssumedLayout", counts.assumed);
+        count("withMissingBytes", counts.shortOf);
+        count("withUnreadBytes", counts.unread);
         json.EndObject();
     }
     json.EndArray();

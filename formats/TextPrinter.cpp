@@ -54,9 +54,35 @@ std::size_t nextGroup(std::string_view text) {
     return text.size();
 }
 
+void putBytes(mpu::TextWriter& out, const char* sign, std::uint32_t count, const char* what) {
+    out.literal(sign).decimal(count).literal(count == 1 ? " byte " : " bytes ").literal(what);
+}
+
+// "~ layout assumed", "! 172 bytes short": what keeps people from taking the event at its word.
+void putDoubts(mpu::TextWriter& out, const DecodedEvent& event, std::string_view before,
+               std::string_view after) {
+    if (event.layout == nameOf(Provenance::Assumed))
+        out.literal(before).literal("~ layout assumed").literal(after);
+    if (event.missingBytes != 0) {
+        putBytes(out.literal(before), "! ", event.missingBytes, "short");
+        out.literal(after);
+    }
+}
+
+// Whether title or summary say that the decoder doesn't know the event.
+bool saysUnknown(const DecodedEvent& event) {
+    const auto says = [](std::string_view text) {
+        constexpr std::string_view kUnknown = "unknown";
+        return std::search(text.begin(), text.end(), kUnknown.begin(), kUnknown.end(),
+                           [](char a, char b) { return (a | 0x20) == b; }) != text.end();
+    };
+    return says(event.eventID) || says(event.summary);
+}
+
 class TextPrinter : public Printer {
 public:
-    explicit TextPrinter(const PrintOptions& options) : colour_(options.colour) {}
+    explicit TextPrinter(const PrintOptions& options)
+        : colour_(options.colour), raw_(options.raw) {}
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         out.literal("Event ").decimal(event.sequenceID).literal(": ");
@@ -75,11 +101,27 @@ public:
         out.literal("  Slot: ").decimal(event.controllerSlotID);
         out.literal("\n  Log: ").decimal(event.eventLogInstanceNumber);
         out.literal("\n  Time: ").decimal(event.timestamp).literal("\n");
+        putDoubts(out, event, "  ", "\n");
+        if (event.unreadBytes != 0) {
+            putBytes(out, "  + ", event.unreadBytes, "unread");
+            out.literal("\n");
+        }
         body(out, event.body);
+        if (raw_ || event.body.empty() ||
+            (saysUnknown(event) && event.body.find("<Hex>") == std::string_view::npos))
+            raw(out, event);
         out.literal("\n");
     }
 
 private:
+    void raw(mpu::TextWriter& out, const DecodedEvent& event) {
+        if (event.payload.empty())
+            return;
+        payload_.clear();
+        out.literal("  Payload:\n");
+        dump(out, 2, putPayload(payload_, event));
+    }
+
     static void line(mpu::TextWriter& out, const char* name, std::string_view text) {
         if (text.empty())
             return;
@@ -176,13 +218,16 @@ private:
     }
 
     const bool colour_;
+    const bool raw_;
+    mpu::BodyWriter payload_;
     BodyParser parser_;
 };
 
 // What happened and when, on one line: time, severity, source, title, summary.
 class BriefPrinter : public Printer {
 public:
-    explicit BriefPrinter(const PrintOptions& options) : colour_(options.colour) {}
+    explicit BriefPrinter(const PrintOptions& options)
+        : colour_(options.colour), raw_(options.raw) {}
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         mpu::StackWriter<16> time;
@@ -195,6 +240,9 @@ public:
         putPrintable(out, event.eventID);
         if (const std::string_view summary = event.summary; !summary.empty())
             putPrintable(out.literal(": "), summary);
+        putDoubts(out, event, "  ", "");
+        if (raw_)
+            putPayload(out.literal("  "), event);
         out.literal("\n");
     }
 
@@ -206,11 +254,14 @@ private:
     }
 
     const bool colour_;
+    const bool raw_;
 };
 
 // As Avrel_Event::str() renders it. Line breaks in it are escaped so that an event is one line.
 class LinePrinter : public Printer {
 public:
+    explicit LinePrinter(const PrintOptions& options) : raw_(options.raw) {}
+
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         putPrintable(out.literal("Enclosure Ser#: '"), event.enclosureSerialNumber);
         putPrintable(out.literal("', Card Ser#: '"), event.controllerSerialNumber);
@@ -224,11 +275,21 @@ public:
         putPrintable(out.literal(", EventID: '"), event.eventID);
         putPrintable(out.literal("', Summary: '"), event.summary);
         putPrintable(out.literal("', Body: '"), event.body);
+        if (raw_)
+            putPayload(out.literal("', Payload: '"), event);
         out.literal("'\n");
     }
+
+private:
+    const bool raw_;
 };
 
 } // namespace
+
+std::string_view putPayload(mpu::TextWriter& out, const DecodedEvent& event) {
+    out.hexBytes({reinterpret_cast<const char*>(event.payload.data()), event.payload.size()});
+    return out.view();
+}
 
 std::unique_ptr<Printer> makeTextPrinter(const PrintOptions& options) {
     return std::make_unique<TextPrinter>(options);
@@ -238,8 +299,8 @@ std::unique_ptr<Printer> makeBriefPrinter(const PrintOptions& options) {
     return std::make_unique<BriefPrinter>(options);
 }
 
-std::unique_ptr<Printer> makeLinePrinter(const PrintOptions&) {
-    return std::make_unique<LinePrinter>();
+std::unique_ptr<Printer> makeLinePrinter(const PrintOptions& options) {
+    return std::make_unique<LinePrinter>(options);
 }
 
 } // namespace Pegasus::formats

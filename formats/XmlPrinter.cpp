@@ -10,7 +10,7 @@ namespace {
 
 class XmlPrinter : public Printer {
 public:
-    explicit XmlPrinter(const PrintOptions& options) : fields_(options.fields) {}
+    explicit XmlPrinter(const PrintOptions& options) : fields_(options.fields), raw_(options.raw) {}
 
     void begin(mpu::TextWriter& out) override {
         out.literal("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<events formatVersion=\"");
@@ -29,16 +29,22 @@ public:
             }
             out.literal("</").literal(column.name).literal(">\n");
         }
+        if (raw_) {
+            putPayload(out.literal("  <raw>"), event);
+            out.literal("</raw>\n");
+        }
         if (fields_)
-            fields(out, parser_.parse(event.body));
+            fields(out, parser_.parse(event.body), event.fields);
         out.literal("</event>\n");
     }
 
 private:
-    static void fields(mpu::TextWriter& out, const std::vector<BodyItem>& items) {
+    static void fields(mpu::TextWriter& out, const std::vector<BodyItem>& items,
+                       std::span<const FieldBasis> basis) {
         out.literal("  <fields>\n");
         std::size_t depth = 2;
-        for (const BodyItem& item : items) {
+        for (std::size_t index = 0; index < items.size(); ++index) {
+            const BodyItem& item = items[index];
             depth -= item.type == BodyItem::End;
             for (std::size_t i = 0; i < depth; ++i)
                 out.literal("  ");
@@ -46,7 +52,10 @@ private:
             case BodyItem::Text: // outside elements
             case BodyItem::Element:
                 putXml(out.literal("<field name=\""), item.name);
-                putXml(out.literal("\">"), item.text);
+                out.literal("\"");
+                if (index < basis.size())
+                    rest(out, basis[index]);
+                putXml(out.literal(">"), item.text);
                 out.literal("</field>\n");
                 break;
             case BodyItem::Group:
@@ -62,7 +71,15 @@ private:
         out.literal("  </fields>\n");
     }
 
+    static void rest(mpu::TextWriter& out, const FieldBasis& basis) {
+        if (basis.layout != Provenance::Documented)
+            out.literal(" layout=\"").literal(nameOf(basis.layout)).literal("\"");
+        if (basis.missingBytes != 0)
+            out.literal(" missingBytes=\"").decimal(basis.missingBytes).literal("\"");
+    }
+
     const bool fields_;
+    const bool raw_;
     BodyParser parser_;
 };
 

@@ -52,8 +52,8 @@ inline bool isUtf8(std::string_view text) {
 
 // All that an event says, independent of it.
 struct Said {
-    std::array<std::string, 9> texts;
-    std::array<std::uint32_t, 5> numbers;
+    std::array<std::string, 10> texts;
+    std::array<std::uint32_t, 7> numbers;
 
     bool operator==(const Said&) const = default;
 };
@@ -62,9 +62,10 @@ inline Said said(Avrel_Event& event) {
     return {{utf8(event.getEnclosureSerialNumber()), utf8(event.getControllerSerialNumber()),
              utf8(event.getSource()), utf8(event.getCategory()), utf8(event.getEventType()),
              utf8(event.getEventID()), utf8(event.getSummary()), utf8(event.getBody()),
-             utf8(event.str())},
+             std::string(nameOf(event.getBasis().layout)), utf8(event.str())},
             {event.getControllerSlotID(), event.getEventLogInstanceNumber(), event.getSequenceID(),
-             event.getTimestamp(), static_cast<const Avrel_Event&>(event).getEventType()}};
+             event.getTimestamp(), static_cast<const Avrel_Event&>(event).getEventType(),
+             event.getBasis().missingBytes, event.getBasis().unreadBytes}};
 }
 
 inline void requireBounded(const Said& event, std::size_t extent) {

@@ -35,9 +35,11 @@ void requireJson(const std::string& line, const Said& event, bool fields) {
                                              "eventTypeText",
                                              "eventID",
                                              "summary",
-                                             "body"};
-    static constexpr const char* kNumbers[] = {"controllerSlotID", "eventLogInstanceNumber",
-                                               "sequenceID", "timestamp", "eventType"};
+                                             "body",
+                                             "layout"};
+    static constexpr const char* kNumbers[] = {
+        "controllerSlotID", "eventLogInstanceNumber", "sequenceID", "timestamp",
+        "eventType",        "missingBytes",           "unreadBytes"};
     const nlohmann::json object = nlohmann::json::parse(line); // throws
     for (std::size_t i = 0; i < std::size(kTexts); ++i)
         requireSame(object.at(kTexts[i]).get_ref<const std::string&>(), event.texts[i], kTexts[i]);

@@ -248,7 +248,10 @@ TEST_F(CommandTest, Json) {
                                              {"eventTypeText", "Unknown"},
                                              {"eventID", "101"},
                                              {"summary", "***UNKNOWN EventID***"},
-                                             {"body", "<Hex></Hex>"}}));
+                                             {"body", "<Hex></Hex>"},
+                                             {"layout", "documented"},
+                                             {"missingBytes", 0},
+                                             {"unreadBytes", 0}}));
 }
 
 TEST_F(CommandTest, Text) {

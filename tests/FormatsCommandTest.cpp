@@ -108,6 +108,9 @@ TEST_F(FormatsCommandTest, Xml) {
               "  <eventID>101</eventID>\n"
               "  <summary>***UNKNOWN EventID***</summary>\n"
               "  <body>&lt;Hex&gt;41424344&lt;/Hex&gt;</body>\n"
+              "  <layout>documented</layout>\n"
+              "  <missingBytes>0</missingBytes>\n"
+              "  <unreadBytes>0</unreadBytes>\n"
               "  <fields>\n"
               "    <field name=\"Hex\">41424344</field>\n"
               "  </fields>\n"
@@ -163,16 +166,17 @@ TEST_F(FormatsCommandTest, Csv) {
                                  .u32(0, 0x41424344)));
     const std::string header =
         "enclosureSerialNumber,controllerSerialNumber,controllerSlotID,eventLogInstanceNumber,"
-        "sequenceID,timestamp,source,category,eventType,eventTypeText,eventID,summary,body";
+        "sequenceID,timestamp,source,category,eventType,eventTypeText,eventID,summary,body,"
+        "layout,missingBytes,unreadBytes";
     const std::string line = "\"a,b\"\"c\",\"x\r\ny\",4294967295,0,0,0,SCC,System,1,Informational,"
-                             "101,***UNKNOWN EventID***,<Hex>41424344</Hex>";
+                             "101,***UNKNOWN EventID***,<Hex>41424344</Hex>,documented,0,0";
     EXPECT_EQ(run("decode --format csv").out, header + "\r\n" + line + "\r\n");
     EXPECT_EQ(run("decode --format csv --fields").out,
               header + ",fields\r\n" + line +
                   ",\"[{\"\"name\"\":\"\"Hex\"\",\"\"value\"\":\"\"41424344\"\"}]\"\r\n");
     EXPECT_EQ(printed("csv", false, std::string("a\0b", 3)),
               ",,0,0,0,0,,,0,Unknown,,,\"a\xef\xbf\xbd"
-              "b\"\r\n");
+              "b\",documented,0,0\r\n");
 }
 
 TEST_F(FormatsCommandTest, Brief) {

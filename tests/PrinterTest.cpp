@@ -147,7 +147,8 @@ TEST(JsonPrinter, Event) {
               "\"controllerSlotID\":4294967295,\"eventLogInstanceNumber\":2,\"sequenceID\":3,"
               "\"timestamp\":4,\"source\":\"SCC\",\"category\":\"System\",\"eventType\":103,"
               "\"eventTypeText\":\"Eng Error\",\"eventID\":\"Title\",\"summary\":\"<&>\","
-              "\"body\":\"<A>1</A>\"}\n");
+              "\"body\":\"<A>1</A>\",\"layout\":\"documented\","
+              "\"missingBytes\":0,\"unreadBytes\":0}\n");
 }
 
 // Every character at every place of the blocks in which text is converted.

@@ -26,16 +26,20 @@ TEST_F(ReportCommandTest, Page) {
     EXPECT_THAT(page, testing::EndsWith("</html>\n"));
     EXPECT_THAT(page, HasSubstr("<p>2 events, time 100 to 291, sequence 7 to 8, no damage</p>\n"));
     EXPECT_THAT(page,
-                HasSubstr("<tr class=\"s3\"><td>7<td>100<td>Eng Error<td>SCC<td><details><summary>"
+                HasSubstr("<tr class=\"s3\" data-signs=\"\"><td>7<td>100<td>Eng "
+                          "Error<td>SCC<td><details><summary>"
                           "<b>101</b> ***UNKNOWN EventID***</summary><pre>Event 7: Eng Error, SCC, "
                           "System\n  Title: 101\n"));
-    EXPECT_THAT(page, HasSubstr("\n    Hex:</pre></details>\n<tr class=\"s1\"><td>8<td>291"));
+    EXPECT_THAT(
+        page,
+        HasSubstr("\n    Hex:</pre></details>\n<tr class=\"s1\" data-signs=\"+\"><td>8<td>291"));
     // The picture: a bar at each end, 192 units of time in 96 pieces.
     EXPECT_THAT(page, HasSubstr("<g><title>from 100, 1 error</title><rect class=\"s3\" x=\"0\" "
                                 "y=\"10.00\" width=\"9\" height=\"120.00\"/></g>\n"
                                 "<g><title>from 290, 1 informational</title><rect class=\"s1\" "
                                 "x=\"950\" y=\"10.00\" width=\"9\" height=\"120.00\"/></g>\n"));
-    EXPECT_THAT(page, HasSubstr("<tr><td>77<td>1\n<tr><td>SCC<td>1\n"));
+    EXPECT_THAT(page,
+                HasSubstr("<tr><td>77<td>1<td>0<td>0<td>1\n<tr><td>SCC<td>1<td>0<td>0<td>0\n"));
     EXPECT_THAT(page, HasSubstr("<option>77<option>SCC"));
 
     EXPECT_THAT(run("report --not-source SCC").out, HasSubstr("<p>1 events, time 291 to 291"));

@@ -47,9 +47,9 @@ TEST_F(SummaryCommandTest, Text) {
                                   "         2  informational\n"
                                   "         1  unknown\n"
                                   "\n"
-                                  "     Count  Source\n"
-                                  "         3  77\n"
-                                  "         1  SCC\n"
+                                  "     Count    ~Assumed      !Short     +Unread  Source\n"
+                                  "         3           0           0           0  77\n"
+                                  "         1           0           0           0  SCC\n"
                                   "\n"
                                   "     Count  First time   Last time  Worst          Source       "
                                   "Title\n"
@@ -71,7 +71,10 @@ TEST_F(SummaryCommandTest, Json) {
         "damagedPlaces": 25, "firstTimestamp": 7, "lastTimestamp": 1003, "firstSequenceID": 1,
         "lastSequenceID": 4,
         "severities": {"error": 1, "warning": 0, "informational": 2, "unknown": 1},
-        "sources": [{"source": "77", "count": 3}, {"source": "SCC", "count": 1}],
+        "sources": [{"source": "77", "count": 3, "withAssumedLayout": 0, "withMissingBytes": 0,
+           "withUnreadBytes": 0},
+          {"source": "SCC", "count": 1, "withAssumedLayout": 0, "withMissingBytes": 0,
+           "withUnreadBytes": 0}],
         "titles": [
           {"source": "77", "eventID": "6", "worstSeverity": "error", "count": 2,
            "firstTimestamp": 1001, "lastTimestamp": 1002},

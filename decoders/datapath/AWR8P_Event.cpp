@@ -167,7 +167,7 @@ AWR8P_Event::AWR8P_Event(const EmpEvLogMsg_s* record, int length)
     if (!record)
         return;
     Draft draft;
-    awr::decode(Record(record, static_cast<unsigned int>(length)), draft);
+    awr::decode(Record(record, static_cast<unsigned int>(length), &draft.footprint), draft);
     summarySet_ = draft.body.view().find("<_>") != std::string_view::npos; // the first text is it
     take(draft);
 }

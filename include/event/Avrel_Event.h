@@ -2,6 +2,7 @@
 #pragma once
 
 #include "event/EmpEvLogMsg_s.h"
+#include "event/EventBasis.h"
 #include "event/Export.h"
 
 #include <Pegasus/Common/String.h>
@@ -53,6 +54,12 @@ public:
     // All fields on one line; the numbers as signed ones, the body whole.
     virtual String str() const;
 
+    // What the texts rest on: how well the record's layout is known, what of the record is missing,
+    // what of its payload nothing was read from. Of an event that has no decoder all of the payload
+    // is unread; so it is with a decoder that is not ours, unless that says more.
+    const EventBasis& getBasis() const { return basis_; }
+    void setBasis(const EventBasis& basis) { basis_ = basis; }
+
     // The header's codes as text or number. An unknown one is traced and given back as its decimal
     // number, an unknown event type as 0.
     unsigned int eventTypeFromEmpValue(unsigned int value) const;
@@ -99,6 +106,9 @@ protected:
     String eventID_;
     String summary_;
     String body_;
+
+private:
+    EventBasis basis_;
 };
 
 } // namespace Pegasus

@@ -110,12 +110,6 @@ std::string joined(const Row& row, std::string (*part)(const Row&, const Value&)
 }
 
 // Nothing for what is documented.
-std::string_view nameOf(Provenance provenance) {
-    return provenance == Provenance::Assumed    ? "assumed"
-           : provenance == Provenance::Inferred ? "inferred"
-                                                : "";
-}
-
 std::string marksOf(const Row& row) {
     std::string text(nameOf(row.provenance));
     const auto add = [&](const std::string& what) {

@@ -21,6 +21,7 @@ struct Command {
 };
 
 Runner addDecode(CLI::App& app);
+Runner addExplain(CLI::App& app);
 Runner addFollow(CLI::App& app);
 Runner addFormats(CLI::App& app);
 Runner addReport(CLI::App& app);

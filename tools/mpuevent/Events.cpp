@@ -23,6 +23,10 @@ void EventOptions::addOptions(CLI::App& app) {
         ->capture_default_str();
     app.add_flag("--fields", fields,
                  "Also list the body's elements individually (" + formatsWithFields() + ")");
+    app.add_flag("--raw", raw, "Also show the payload in hexadecimal");
+    app.add_flag("--known-only", knownOnly,
+                 "Leave out what is read from an assumed layout; the event's number and payload "
+                 "stand for it");
     app.add_flag("--trace", trace, "Show the library's trace lines on standard error");
     filter.addOptions(app);
 }
@@ -40,7 +44,7 @@ bool EventOptions::prepare() const {
 }
 
 std::unique_ptr<Printer> EventOptions::printer(const Output& output) const {
-    return rowOf(kFormats, format).make({fields, output.coloured()});
+    return rowOf(kFormats, format).make({fields, raw, output.coloured()});
 }
 
 } // namespace Pegasus::tool

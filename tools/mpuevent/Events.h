@@ -11,19 +11,22 @@ struct EventOptions {
     FilterOptions filter;
     std::string format = "text";
     bool fields = false;
+    bool raw = false;
+    bool knownOnly = false;
     bool trace = false;
 
     void addOptions(CLI::App& app);
     // Reports options that don't go together, and starts the tracing.
     bool prepare() const;
     std::unique_ptr<Printer> printer(const Output& output) const;
+    DecodeOptions decoding() const { return {fields, false, knownOnly}; }
 };
 
 // Decodes and writes one message after the other.
 class EventWriter : public SerialSink {
 public:
     EventWriter(const EventOptions& options, Output& output)
-        : SerialSink(output), filter_(options.filter),
+        : SerialSink(output), filter_(options.filter, options.decoding()),
           left_(options.filter.limit.value_or(UINT64_MAX)), printer_(options.printer(output)) {
         printer_->begin(output.text());
     }

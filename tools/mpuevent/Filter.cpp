@@ -190,7 +190,8 @@ void FilterOptions::take(const FilterRow& row, bool negated,
     }
 }
 
-Filter::Filter(const FilterOptions& options) : headerRules_(options.headerRules_) {
+Filter::Filter(const FilterOptions& options, const DecodeOptions& decoding)
+    : headerRules_(options.headerRules_), decoder_(decoding) {
     for (const auto& [negated, any] : options.eventRules_) {
         eventRules_.push_back({negated, {}});
         for (const auto& make : any)

@@ -49,11 +49,13 @@ private:
 // Applies the options. Holds scratch memory: one for each thread.
 class Filter {
 public:
-    explicit Filter(const FilterOptions& options);
+    explicit Filter(const FilterOptions& options, const DecodeOptions& decoding = {});
     // Whether the record's header alone lets it pass: no need to decode it if not.
     bool passes(const Message& message) const;
     // The event of the message until the next call, null if it is not wanted.
     const DecodedEvent* decode(const Message& message);
+    // What decoded it.
+    const EventDecoder& decoder() const { return decoder_; }
 
 private:
     template <class Test, class Subject>

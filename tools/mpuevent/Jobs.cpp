@@ -134,7 +134,7 @@ void ParallelWriter::work() {
         try {
             if (!printer) {
                 printer = options_.printer(output_);
-                filter.emplace(options_.filter);
+                filter.emplace(options_.filter, options_.decoding());
             }
             decode(*batch, *filter, *printer);
         } catch (...) { // no memory: the reader's to tell

@@ -17,6 +17,7 @@ namespace {
 
 constexpr Command kCommands[] = {
     {"decode", "Decode captures", addDecode},
+    {"explain", "Show which bytes each element of an event comes from", addExplain},
     {"summary", "Count what captures hold", addSummary},
     {"verify", "Tell damage, gaps and repetitions", addVerify},
     {"report", "Write a self-contained HTML report", addReport},
@@ -40,6 +41,8 @@ constexpr char kExamples[] = R"(Examples:
     mpuevent summary eventlog.cap
   All about some events:
     mpuevent decode --source 'I/O Mgr' --since seq:4000 --not-event-id Statistics eventlog.cap
+  Where does it come from?
+    mpuevent explain --since seq:4711 --limit 1 eventlog.cap
   For other programs:
     mpuevent decode --format json --jobs 0 eventlog.cap | jq .summary
     mpuevent decode --format csv --fields --output events.csv eventlog.cap

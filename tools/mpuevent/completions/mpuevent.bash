@@ -11,7 +11,7 @@ _mpuevent() {
     [[ $cur == '=' ]] && cur=''
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case $word in
-        decode | summary | verify | report | follow | formats | sample) command=$word && break ;;
+        decode | explain | summary | verify | report | follow | formats | sample) command=$word && break ;;
         esac
     done
     case $command/$prev in
@@ -37,6 +37,26 @@ _mpuevent() {
     decode/--output) _mpuevent_files; return ;;
     decode/-j) true; return ;;
     decode/--jobs) true; return ;;
+    explain/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
+    explain/--max-reports) true; return ;;
+    explain/--source) true; return ;;
+    explain/--not-source) true; return ;;
+    explain/--category) true; return ;;
+    explain/--not-category) true; return ;;
+    explain/--severity) true; return ;;
+    explain/--not-severity) true; return ;;
+    explain/--since) true; return ;;
+    explain/--not-since) true; return ;;
+    explain/--until) true; return ;;
+    explain/--not-until) true; return ;;
+    explain/--event-id) true; return ;;
+    explain/--not-event-id) true; return ;;
+    explain/--grep) true; return ;;
+    explain/--not-grep) true; return ;;
+    explain/--limit) true; return ;;
+    explain/--format) _mpuevent_words 'text json html'; return ;;
+    explain/-o) _mpuevent_files; return ;;
+    explain/--output) _mpuevent_files; return ;;
     summary/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
     summary/--max-reports) true; return ;;
     summary/--source) true; return ;;
@@ -111,16 +131,18 @@ _mpuevent() {
     esac
     case $command/$cur in
     /-*) _mpuevent_words '-h --help --version' ;;
-    /*) _mpuevent_words 'decode summary verify report follow formats sample' ;;
-    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output -j --jobs' ;;
+    /*) _mpuevent_words 'decode explain summary verify report follow formats sample' ;;
+    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --raw --known-only --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output -j --jobs' ;;
     decode/*) _mpuevent_files ;;
+    explain/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit --format -o --output' ;;
+    explain/*) _mpuevent_files ;;
     summary/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit --format -o --output' ;;
     summary/*) _mpuevent_files ;;
     verify/-*) _mpuevent_words '-h --help --input --format -o --output' ;;
     verify/*) _mpuevent_files ;;
     report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output' ;;
     report/*) _mpuevent_files ;;
-    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
+    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --raw --known-only --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
     formats/*) true ;;

@@ -34,11 +34,13 @@ TEST_F(JobsCommandTest, SameBytes) {
         expectSame(std::string("--format ") + format);
     expectSame("input missing samples");
     expectSame("/dev/null");
-    expectSame("--source SCC --not-grep 4 samples");
+    expectSame("--source SCC --not-event-id 'Locking Warning' samples");
     expectSame("--limit 1 input missing");
-    expectSame("--limit 1700 --grep 1 input missing");
+    expectSame("--limit 1700 --not-source 5 input missing");
     expectSame("--limit 6000");
     expectSame("--limit 100000");
+    if (kGrep)
+        expectSame("-i --grep 'error: ' --not-grep '4$' samples");
 }
 
 // Errors stand where they belong among the events.

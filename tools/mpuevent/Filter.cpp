@@ -1,11 +1,11 @@
 #include "tools/mpuevent/Filter.h"
 
 #include "event/HeaderNames.h"
+#include "formats/Severity.h"
 
 #include <algorithm>
 #include <charconv>
 #include <fmt/format.h>
-#include <regex.h>
 
 namespace Pegasus::tool {
 
@@ -16,14 +16,10 @@ struct FilterRow {
     const char* type;
     const char* kept;
     HeaderTest (*header)(const std::string& value);
-    EventTest (*event)(const std::string& value);
+    EventTest (*event)(const std::string& value, bool ignoreCase);
 };
 
 namespace {
-
-struct Wrong {
-    std::string what;
-};
 
 std::optional<std::uint32_t> toNumber(std::string_view text) {
     const bool hex = text.starts_with("0x") || text.starts_with("0X");
@@ -95,41 +91,8 @@ HeaderTest compared(const std::string& value) {
     };
 }
 
-EventTest eventId(const std::string& value) {
+EventTest eventId(const std::string& value, bool) {
     return [value](const DecodedEvent& event) { return event.eventID == value; };
-}
-
-class Regex {
-public:
-    explicit Regex(const std::string& pattern) {
-        // REG_NEWLINE: "^" and "$" are those of each line.
-        const int error =
-            regcomp(&compiled_, pattern.c_str(), REG_EXTENDED | REG_NOSUB | REG_NEWLINE);
-        if (error != 0) {
-            char what[128];
-            regerror(error, &compiled_, what, sizeof what);
-            throw Wrong{fmt::format("\"{}\": {}", pattern, what)};
-        }
-    }
-    ~Regex() { regfree(&compiled_); }
-    Regex(const Regex&) = delete;
-    Regex& operator=(const Regex&) = delete;
-
-    bool matches(std::string_view text) const {
-        regmatch_t range{};
-        range.rm_eo = static_cast<regoff_t>(text.size());
-        return regexec(&compiled_, text.data(), 1, &range, REG_STARTEND) == 0;
-    }
-
-private:
-    regex_t compiled_;
-};
-
-EventTest grep(const std::string& value) {
-    return [regex = std::make_shared<Regex>(value)](const DecodedEvent& event) {
-        return regex->matches(event.eventID) || regex->matches(event.summary) ||
-               regex->matches(event.body);
-    };
 }
 
 constexpr FilterRow kRows[] = {
@@ -144,9 +107,8 @@ constexpr FilterRow kRows[] = {
      compared<std::less_equal<std::uint32_t>>, nullptr},
     {"event-id", "TITLE", "with exactly this title", nullptr, eventId},
     {"grep", "REGEX",
-     "with a match of this POSIX extended regular expression in title, summary "
-     "or body",
-     nullptr, grep},
+     "with a match of this regular expression (RE2) in a line that the text format shows", nullptr,
+     grepTest},
 };
 
 } // namespace
@@ -169,6 +131,8 @@ void FilterOptions::addOptions(CLI::App& app) {
                 ->allow_extra_args(false)
                 ->group("Filters");
         }
+    app.add_flag("--ignore-case,-i", ignoreCase_, "--grep takes small and capital letters alike")
+        ->group("Filters");
     app.add_option("--limit", limit, "Stop after N events")
         ->type_name("N")
         ->check(CLI::Range(std::uint64_t(1), UINT64_MAX).description(""))
@@ -185,8 +149,9 @@ void FilterOptions::take(const FilterRow& row, bool negated,
     }
     eventRules_.push_back({negated, {}});
     for (const std::string& value : values) {
-        (void)row.event(value); // is it right?
-        eventRules_.back().any.push_back([&row, value] { return row.event(value); });
+        (void)row.event(value, false); // is it right?
+        eventRules_.back().any.push_back(
+            [&row, value](bool ignoreCase) { return row.event(value, ignoreCase); });
     }
 }
 
@@ -194,7 +159,7 @@ Filter::Filter(const FilterOptions& options) : headerRules_(options.headerRules_
     for (const auto& [negated, any] : options.eventRules_) {
         eventRules_.push_back({negated, {}});
         for (const auto& make : any)
-            eventRules_.back().any.push_back(make());
+            eventRules_.back().any.push_back(make(options.ignoreCase_));
     }
 }
 

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "capture/Capture.h"
-#include "formats/DecodedEvent.h"
-#include "formats/Severity.h"
+#include "tools/mpuevent/FilterTests.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -13,12 +12,10 @@
 namespace Pegasus::tool {
 
 using namespace capture;
-using namespace formats;
 
 struct FilterRow;
 
 using HeaderTest = std::function<bool(const EmpEvLogMsg_s&)>;
-using EventTest = std::function<bool(const DecodedEvent&)>;
 
 // What is wanted by one option: what passes any of the tests, or none when negated.
 template <class Test>
@@ -42,8 +39,9 @@ private:
 
     std::vector<FilterRule<HeaderTest>> headerRules_;
     // What makes the tests of an event: these hold scratch memory.
-    using MakeTest = std::function<EventTest()>;
+    using MakeTest = std::function<EventTest(bool ignoreCase)>;
     std::vector<FilterRule<MakeTest>> eventRules_;
+    bool ignoreCase_ = false;
 };
 
 // Applies the options. Holds scratch memory: one for each thread.

@@ -35,7 +35,7 @@ constexpr Description kDescriptions[] = {
 
 constexpr char kExamples[] = R"(Examples:
   Which drive failed, and when?
-    mpuevent decode --format brief --severity error --grep 'Drive.*(Fa|Err|Exc)' eventlog.cap
+    mpuevent decode --format brief --severity warning --grep 'Drive:? \d' eventlog.cap
   What is in there?
     mpuevent summary eventlog.cap
   All about some events:

@@ -112,15 +112,15 @@ _mpuevent() {
     case $command/$cur in
     /-*) _mpuevent_words '-h --help --version' ;;
     /*) _mpuevent_words 'decode summary verify report follow formats sample' ;;
-    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output -j --jobs' ;;
+    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep -i --ignore-case --limit -o --output -j --jobs' ;;
     decode/*) _mpuevent_files ;;
-    summary/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit --format -o --output' ;;
+    summary/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep -i --ignore-case --limit --format -o --output' ;;
     summary/*) _mpuevent_files ;;
     verify/-*) _mpuevent_words '-h --help --input --format -o --output' ;;
     verify/*) _mpuevent_files ;;
-    report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit -o --output' ;;
+    report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep -i --ignore-case --limit -o --output' ;;
     report/*) _mpuevent_files ;;
-    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --limit' ;;
+    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --trace --source --not-source --category --not-category --severity --not-severity --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep -i --ignore-case --limit' ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
     formats/*) true ;;

@@ -15,17 +15,23 @@ protected:
         const auto text = [](std::uint32_t n) {
             return RecordBuilder(77, 5).sequence(n).timestamp(1000 + n);
         };
-        write("input",
-              messageOf(text(1).severity(1).category(4)) +
-                  messageOf(text(2).severity(102).category(6)) +
-                  messageOf(RecordBuilder(23, 101).sequence(3).timestamp(1000).severity(3)) +
-                  messageOf(RecordBuilder(28, 7)
-                                .sequence(4)
-                                .timestamp(2000)
-                                .severity(103)
-                                .category(200)
-                                .u32(0, 0xC0FFEE00)) +
-                  messageOf(text(5).severity(9).category(1)));
+        write("input", messageOf(text(1).severity(1).category(4)) +
+                           messageOf(text(2).severity(102).category(6)) +
+                           messageOf(RecordBuilder(23, 101)
+                                         .enclosure("ENC-2")
+                                         .controller("C\xffé")
+                                         .slot(0xFFFFFFFF)
+                                         .sequence(3)
+                                         .timestamp(1000)
+                                         .severity(3)) +
+                           messageOf(RecordBuilder(28, 7)
+                                         .sequence(4)
+                                         .timestamp(2000)
+                                         .severity(103)
+                                         .category(200)
+                                         .instance(7)
+                                         .u32(0, 0xC0FFEE00)) +
+                           messageOf(text(5).severity(9).category(1)));
     }
     std::string passing(const std::string& filters) {
         const Result result = run("decode --format json " + filters);
@@ -70,9 +76,41 @@ TEST_F(FilterCommandTest, Together) {
     EXPECT_EQ(passing("--since seq:2 --until seq:4 --not-source SCC"), "2 4");
     EXPECT_EQ(passing("--severity warning --not-severity error"), "2");
     EXPECT_EQ(passing("--source 77 - --severity warning"), "2"); // one value an option
+    EXPECT_EQ(passing("--customer"), "1 3");
+    EXPECT_EQ(passing("--engineering --severity error"), "4");
     EXPECT_EQ(passing("--limit 2"), "1 2");
     EXPECT_EQ(passing("--limit 2 --source 77 --event-id 5"), "1 2");
     EXPECT_EQ(passing("--limit 9"), "1 2 3 4 5");
+}
+
+TEST_F(FilterCommandTest, Where) {
+    const auto lines = [](std::uint32_t n, std::string_view text) { // elements Text1, Text2
+        return messageOf(RecordBuilder(18, 1).sequence(n).text(0, text));
+    };
+    write("input", lines(1, "-5\n0x10") + lines(2, "7\nabc") +
+                       messageOf(RecordBuilder(18, 2).sequence(3).text(0, "t").u8(12, 200)) +
+                       lines(4, "18446744073709551615\n16"));
+    const struct {
+        const char* conditions;
+        const char* kept;
+    } cases[] = {
+        {"--where Text1=7", "2"},
+        {"--where Text1=0x7", "2"},
+        {"--where 'Text1<0'", "1"},
+        {"--where 'Text1 >= 7'", "2 4"},
+        {"--where 'Text1!=7'", "1 4"}, // not those without
+        {"--where Text2=16", "1 4"},
+        {"--where 'Text2>16'", "2"}, // one is no number
+        {"--where 'Text1>18446744073709551614'", "4"},
+        {"--where Message_type=200", "3"}, // inside a group
+        {"--where MMCH_contents=", ""},    // the group
+        {"--where text1=7", ""},
+        {"--where 'Text1>-6' --where 'Text2<=0x10'", "1 4"},
+        {"--not-where Text1=7 --not-where Text=t", "1 4"},
+        {"--where 'sequenceID<=2' --where source=Startup", "1 2"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(passing(c.conditions), c.kept) << c.conditions;
 }
 
 // What is after the last wanted event is not looked at.
@@ -140,6 +178,11 @@ TEST_F(FilterCommandTest, Errors) {
                               "2^32) nor a sequence number (seq:N)"},
         {"--until seq:4294967296", "--until: \"seq:4294967296\" is neither a time stamp (a number "
                                    "below 2^32) nor a sequence number (seq:N)"},
+        {"--slot -1", "--slot: \"-1\" is not a number below 2^32"},
+        {"--not-where Drive",
+         "--not-where: \"Drive\" is not NAME=VALUE, nor with one of != < <= > >="},
+        {"--where =7", "--where: \"=7\" is not NAME=VALUE, nor with one of != < <= > >="},
+        {"--customer --engineering", "--customer excludes --engineering"},
         {"--limit 0", "--limit: Value 0 not in range 1 to 18446744073709551615"},
     };
     for (const auto& c : cases) {

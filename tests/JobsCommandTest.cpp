@@ -37,6 +37,7 @@ TEST_F(JobsCommandTest, SameBytes) {
     expectSame("--source SCC --not-event-id 'Locking Warning' samples");
     expectSame("--limit 1 input missing");
     expectSame("--limit 1700 --not-source 5 input missing");
+    expectSame("--where 'Drive>=0x10' --limit 100 input samples");
     expectSame("--limit 6000");
     expectSame("--limit 100000");
     if (kGrep)

@@ -2,9 +2,9 @@
 
 #include "event/HeaderNames.h"
 #include "formats/Severity.h"
+#include "tools/mpuevent/Integer.h"
 
 #include <algorithm>
-#include <charconv>
 #include <fmt/format.h>
 
 namespace Pegasus::tool {
@@ -17,19 +17,16 @@ struct FilterRow {
     const char* kept;
     HeaderTest (*header)(const std::string& value);
     EventTest (*event)(const std::string& value, bool ignoreCase);
+    bool all = false; // several values must all hold, instead of any
 };
 
 namespace {
 
 std::optional<std::uint32_t> toNumber(std::string_view text) {
-    const bool hex = text.starts_with("0x") || text.starts_with("0X");
-    text.remove_prefix(hex ? 2 : 0);
-    std::uint32_t number = 0;
-    const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), number, hex ? 16 : 10);
-    if (error != std::errc() || end != text.data() + text.size())
+    const std::optional<Integer> number = Integer::from(text);
+    if (!number || number->negative || number->magnitude > UINT32_MAX)
         return std::nullopt;
-    return number;
+    return static_cast<std::uint32_t>(number->magnitude);
 }
 
 // The codes of a header byte that `value` means: its number, or all of that name.
@@ -69,11 +66,32 @@ HeaderTest category(const std::string& value) {
 
 HeaderTest severity(const std::string& value) {
     const auto* found =
-        std::find(std::begin(kSeverities) + 1, std::end(kSeverities), CLI::detail::to_lower(value));
+        std::find_if(std::begin(kSeverities) + 1, std::end(kSeverities),
+                     [begin = CLI::detail::to_lower(value)](std::string_view name) {
+                         return !begin.empty() && name.starts_with(begin); // no two begin alike
+                     });
     if (found == std::end(kSeverities))
         throw Wrong{fmt::format("\"{}\" is none of informational, warning, error", value)};
     const auto least = static_cast<unsigned>(found - kSeverities);
     return [least](const EmpEvLogMsg_s& record) { return severityOf(record.eventType) >= least; };
+}
+
+// A serial number, as it is shown.
+template <std::size_t Offset>
+HeaderTest serial(const std::string& value) {
+    return [value](const EmpEvLogMsg_s& record) {
+        mpu::StackWriter<128> shown;
+        shown.raw(mpu::RecordView(&record, sizeof record).text(Offset, 64));
+        return shown.finish() == value;
+    };
+}
+
+template <auto Member>
+HeaderTest number(const std::string& value) {
+    const std::optional<std::uint32_t> wanted = toNumber(value);
+    if (!wanted)
+        throw Wrong{fmt::format("\"{}\" is not a number below 2^32", value)};
+    return [wanted = *wanted](const EmpEvLogMsg_s& record) { return record.*Member == wanted; };
 }
 
 // Compares the sequence number or the time stamp with what `value` says.
@@ -99,8 +117,18 @@ constexpr FilterRow kRows[] = {
     {"source", "NAME|NUMBER", "from this source", source, nullptr},
     {"category", "NAME|NUMBER", "of this category", category, nullptr},
     {"severity", "LEVEL",
-     "at least this severe: informational, warning or error; engineering events count alike",
+     "at least this severe: informational, warning or error; \"warn\" and \"e\" will do, and "
+     "engineering events count alike",
      severity, nullptr},
+    {"enclosure", "SERIAL", "from the enclosure with exactly this serial number",
+     serial<offsetof(EmpEvLogMsg_s, enclosureSerialNumber)>, nullptr},
+    {"controller", "SERIAL", "from the controller with exactly this serial number",
+     serial<offsetof(EmpEvLogMsg_s, controllerSerialNumber)>, nullptr},
+    {"slot", "N", "from the controller in this slot", number<&EmpEvLogMsg_s::slotId>, nullptr},
+    {"log", "N", "from this event log of the controller", number<&EmpEvLogMsg_s::logInstance>,
+     nullptr},
+    {"id", "N", "with this number for an event id in their header", number<&EmpEvLogMsg_s::eventId>,
+     nullptr},
     {"since", "TIME|seq:N", "at or after this time stamp or sequence number",
      compared<std::greater_equal<std::uint32_t>>, nullptr},
     {"until", "TIME|seq:N", "at or before this time stamp or sequence number",
@@ -109,6 +137,10 @@ constexpr FilterRow kRows[] = {
     {"grep", "REGEX",
      "with a match of this regular expression (RE2) in a line that the text format shows", nullptr,
      grepTest},
+    {"where", "NAME=VALUE",
+     "with a field, or an element of the body, of that value, or one that compares as != < <= > >= "
+     "say; all conditions must hold",
+     nullptr, whereTest, true},
 };
 
 } // namespace
@@ -131,6 +163,17 @@ void FilterOptions::addOptions(CLI::App& app) {
                 ->allow_extra_args(false)
                 ->group("Filters");
         }
+    const auto keepTypes = [&](const char* name, unsigned first, const char* description) {
+        const auto keep = [this, first] {
+            headerRules_.push_back({false, {[first](const EmpEvLogMsg_s& record) {
+                                        return record.eventType - first < 3;
+                                    }}});
+        };
+        return app.add_flag_callback(name, keep, description)->group("Filters");
+    };
+    keepTypes("--customer", 1, "Only events for customers (event types 1 to 3)")
+        ->excludes(
+            keepTypes("--engineering", 101, "Only events for engineers (event types 101 to 103)"));
     app.add_flag("--ignore-case,-i", ignoreCase_, "--grep takes small and capital letters alike")
         ->group("Filters");
     app.add_option("--limit", limit, "Stop after N events")
@@ -147,8 +190,9 @@ void FilterOptions::take(const FilterRow& row, bool negated,
             headerRules_.back().any.push_back(row.header(value));
         return;
     }
-    eventRules_.push_back({negated, {}});
     for (const std::string& value : values) {
+        if (row.all || &value == &values.front())
+            eventRules_.push_back({negated, {}});
         (void)row.event(value, false); // is it right?
         eventRules_.back().any.push_back(
             [&row, value](bool ignoreCase) { return row.event(value, ignoreCase); });

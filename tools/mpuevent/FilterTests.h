@@ -20,5 +20,8 @@ struct Wrong {
 
 // A match in what the text format shows.
 EventTest grepTest(const std::string& pattern, bool ignoreCase);
+// A field or an element that compares as "NAME=VALUE" or with another sign says: by number where
+// both sides are integers, else as text.
+EventTest whereTest(const std::string& condition, bool ignoreCase);
 
 } // namespace Pegasus::tool

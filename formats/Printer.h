@@ -13,6 +13,7 @@ public:
     virtual ~Printer() = default;
     virtual void begin(mpu::TextWriter&) {} // before all events
     virtual void print(const DecodedEvent& event, mpu::TextWriter& out) = 0;
+    virtual void gap(mpu::TextWriter&) {} // between events with others between them
     virtual void end(mpu::TextWriter&) {} // after all events
 };
 

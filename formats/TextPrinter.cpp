@@ -54,7 +54,12 @@ std::size_t nextGroup(std::string_view text) {
     return text.size();
 }
 
-class TextPrinter : public Printer {
+class LinesPrinter : public Printer {
+public:
+    void gap(mpu::TextWriter& out) override { out.literal("--\n"); } // as grep does
+};
+
+class TextPrinter : public LinesPrinter {
 public:
     explicit TextPrinter(const PrintOptions& options) : colour_(options.colour) {}
 
@@ -180,7 +185,7 @@ private:
 };
 
 // What happened and when, on one line: time, severity, source, title, summary.
-class BriefPrinter : public Printer {
+class BriefPrinter : public LinesPrinter {
 public:
     explicit BriefPrinter(const PrintOptions& options) : colour_(options.colour) {}
 
@@ -209,7 +214,7 @@ private:
 };
 
 // As Avrel_Event::str() renders it. Line breaks in it are escaped so that an event is one line.
-class LinePrinter : public Printer {
+class LinePrinter : public LinesPrinter {
 public:
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         putPrintable(out.literal("Enclosure Ser#: '"), event.enclosureSerialNumber);

@@ -183,6 +183,8 @@ TEST_F(FilterCommandTest, Errors) {
          "--not-where: \"Drive\" is not NAME=VALUE, nor with one of != < <= > >="},
         {"--where =7", "--where: \"=7\" is not NAME=VALUE, nor with one of != < <= > >="},
         {"--customer --engineering", "--customer excludes --engineering"},
+        {"--around 5x", "--around: \"5x\" is not a time such as 90, 90s, 5m, 2h, 1d"},
+        {"--last 1 --limit 1", "--limit excludes --last"},
         {"--limit 0", "--limit: Value 0 not in range 1 to 18446744073709551615"},
     };
     for (const auto& c : cases) {

@@ -80,8 +80,11 @@ TEST_F(JobsCommandTest, MemoryIsFlat) {
     while (much.size() < 48u << 20)
         much += read("samples");
     write("much", much);
-    EXPECT_EQ(shell("ulimit -v 220000; $mpuevent decode --format json --jobs 2 much >/dev/null"),
-              0);
+    for (const char* options : {"", " --last 10", " --severity error --context 3"})
+        EXPECT_EQ(
+            shell("ulimit -v 220000; $mpuevent decode --format json --jobs 2 much >/dev/null" +
+                  std::string(options)),
+            0);
 }
 
 } // namespace Pegasus::test

@@ -2,6 +2,7 @@
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Events.h"
 #include "tools/mpuevent/Jobs.h"
+#include "tools/mpuevent/Selector.h"
 
 #include <thread>
 
@@ -25,7 +26,7 @@ Status decode(const Options& options) {
     if (!output.open(options.output))
         return kFailed;
     const auto by = [&](auto&& writer) {
-        options.inputs.read(writer);
+        readSelected(options.inputs, options.events.filter, writer);
         return writer.finish();
     };
     const unsigned jobs = options.jobs ? options.jobs : std::thread::hardware_concurrency();

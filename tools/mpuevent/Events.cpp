@@ -17,14 +17,14 @@ std::string formatsWithFields() {
 
 } // namespace
 
-void EventOptions::addOptions(CLI::App& app) {
+void EventOptions::addOptions(CLI::App& app, bool endless) {
     app.add_option("--format", format, "Output format. " + descriptionsOf(kFormats))
         ->check(CLI::IsMember(namesOf(kFormats)))
         ->capture_default_str();
     app.add_flag("--fields", fields,
                  "Also list the body's elements individually (" + formatsWithFields() + ")");
     app.add_flag("--trace", trace, "Show the library's trace lines on standard error");
-    filter.addOptions(app);
+    filter.addOptions(app, endless);
 }
 
 bool EventOptions::prepare() const {

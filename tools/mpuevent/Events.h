@@ -13,7 +13,7 @@ struct EventOptions {
     bool fields = false;
     bool trace = false;
 
-    void addOptions(CLI::App& app);
+    void addOptions(CLI::App& app, bool endless = false);
     // Reports options that don't go together, and starts the tracing.
     bool prepare() const;
     std::unique_ptr<Printer> printer(const Output& output) const;
@@ -23,8 +23,9 @@ struct EventOptions {
 class EventWriter : public SerialSink {
 public:
     EventWriter(const EventOptions& options, Output& output)
-        : SerialSink(output), filter_(options.filter),
-          left_(options.filter.limit.value_or(UINT64_MAX)), printer_(options.printer(output)) {
+        : SerialSink(output), filter_(options.filter.ofSink()),
+          left_(options.filter.ofSink().limit.value_or(UINT64_MAX)),
+          printer_(options.printer(output)) {
         printer_->begin(output.text());
     }
     bool take(const Message& message) override {
@@ -32,9 +33,9 @@ public:
             printer_->print(*event, output_.text());
             --left_;
         }
-        return output_.proceed() && wantsMore();
+        return output_.proceed() && left_ != 0;
     }
-    bool wantsMore() const { return left_ != 0; }
+    void onGap() override { printer_->gap(output_.text()); }
     Status finish() {
         printer_->end(output_.text());
         return SerialSink::finish();

@@ -29,6 +29,19 @@ std::optional<std::uint32_t> toNumber(std::string_view text) {
     return static_cast<std::uint32_t>(number->magnitude);
 }
 
+// What "5m" means.
+std::optional<std::uint64_t> seconds(std::string_view text) {
+    std::uint64_t unit = 1;
+    for (const auto& [letter, length] : {std::pair('s', 1), {'m', 60}, {'h', 3600}, {'d', 86400}})
+        if (text.ends_with(letter)) {
+            unit = static_cast<std::uint64_t>(length);
+            text.remove_suffix(1);
+            break;
+        }
+    const std::optional<std::uint32_t> count = toNumber(text);
+    return count ? std::optional(*count * unit) : std::nullopt;
+}
+
 // The codes of a header byte that `value` means: its number, or all of that name.
 std::vector<bool> codesOf(const char* what, const std::string& value,
                           std::string_view (*nameOf)(std::uint8_t)) {
@@ -145,7 +158,7 @@ constexpr FilterRow kRows[] = {
 
 } // namespace
 
-void FilterOptions::addOptions(CLI::App& app) {
+void FilterOptions::addOptions(CLI::App& app, bool endless) {
     for (const FilterRow& row : kRows)
         for (const bool negated : {false, true}) {
             const std::string name = std::string(negated ? "--not-" : "--") + row.name;
@@ -176,10 +189,38 @@ void FilterOptions::addOptions(CLI::App& app) {
             keepTypes("--engineering", 101, "Only events for engineers (event types 101 to 103)"));
     app.add_flag("--ignore-case,-i", ignoreCase_, "--grep takes small and capital letters alike")
         ->group("Filters");
-    app.add_option("--limit", limit, "Stop after N events")
-        ->type_name("N")
-        ->check(CLI::Range(std::uint64_t(1), UINT64_MAX).description(""))
+    const auto addCount = [&](const char* name, auto& count, const char* description) {
+        return app.add_option(name, count, description)
+            ->type_name("N")
+            ->check(CLI::Range(std::uint64_t{1}, UINT64_MAX).description(""))
+            ->group("Filters");
+    };
+    CLI::Option* limited = addCount("--limit", limit, "Stop after N events");
+    addCount("--context", context,
+             "Also N events before and after each, with \"--\" between groups (text, brief, line); "
+             "keeps N events in memory");
+    const auto takeAround = [this](const std::string& value) {
+        around = seconds(value);
+        if (!around)
+            throw CLI::ValidationError(
+                "--around", fmt::format("\"{}\" is not a time such as 90, 90s, 5m, 2h, 1d", value));
+    };
+    app.add_option_function<std::string>(
+           "--around", takeAround,
+           "Also the events within this time of each, by time stamps in seconds: 90, 90s, 5m, 2h, "
+           "1d; keeps the events of that time, at least 1 MB, in memory")
+        ->type_name("TIME")
         ->group("Filters");
+    if (endless)
+        return;
+    addCount("--last", last, "Only the last N events; keeps them in memory")->excludes(limited);
+    app.add_flag("--reverse", reverse, "The last event first; keeps in memory what it shows")
+        ->group("Filters");
+}
+
+const FilterOptions& FilterOptions::ofSink() const {
+    static const FilterOptions all;
+    return selects() ? all : *this;
 }
 
 void FilterOptions::take(const FilterRow& row, bool negated,

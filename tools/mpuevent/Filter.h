@@ -29,9 +29,18 @@ struct FilterRule {
 // must pass all options.
 class FilterOptions {
 public:
-    void addOptions(CLI::App& app);
-    // At most so many events are wanted.
-    std::optional<std::uint64_t> limit;
+    // Of events that may come without end none is the last.
+    void addOptions(CLI::App& app, bool endless = false);
+    // Whether it takes a Selector to find what is wanted.
+    bool selects() const { return last || reverse || context != 0 || around; }
+    // What is left to the sink of the messages.
+    const FilterOptions& ofSink() const;
+
+    std::optional<std::uint64_t> limit;  // to the number of events, from the last one on in reverse
+    std::optional<std::uint64_t> last;   // so many of them only
+    bool reverse = false;                // the last one first
+    std::uint64_t context = 0;           // so many events on both sides of each are wanted as well
+    std::optional<std::uint64_t> around; // and those within so many seconds
 
 private:
     friend class Filter;

@@ -19,7 +19,7 @@ struct Comparison {
 constexpr Comparison kComparisons[] = {
     // Of two that fit, the longer one first.
     {"!=", true, false, true, true}, {"<=", true, true, false}, {">=", false, true, true},
-    {"=", false, true, false}, {"<", true, false, false}, {">", false, false, true},
+    {"=", false, true, false},       {"<", true, false, false}, {">", false, false, true},
 };
 
 class Where {
@@ -36,9 +36,8 @@ public:
                    : order > 0 ? comparison_.greater
                                : comparison_.equal;
         };
-        return comparison_.all
-                   ? !values.empty() && std::all_of(values.begin(), values.end(), fits)
-                   : std::any_of(values.begin(), values.end(), fits);
+        return comparison_.all ? !values.empty() && std::all_of(values.begin(), values.end(), fits)
+                               : std::any_of(values.begin(), values.end(), fits);
     }
 
 private:

@@ -45,6 +45,9 @@ _mpuevent() {
     decode/--where) true; return ;;
     decode/--not-where) true; return ;;
     decode/--limit) true; return ;;
+    decode/--context) true; return ;;
+    decode/--around) true; return ;;
+    decode/--last) true; return ;;
     decode/-o) _mpuevent_files; return ;;
     decode/--output) _mpuevent_files; return ;;
     decode/-j) true; return ;;
@@ -78,6 +81,9 @@ _mpuevent() {
     summary/--where) true; return ;;
     summary/--not-where) true; return ;;
     summary/--limit) true; return ;;
+    summary/--context) true; return ;;
+    summary/--around) true; return ;;
+    summary/--last) true; return ;;
     summary/--format) _mpuevent_words 'text json'; return ;;
     summary/-o) _mpuevent_files; return ;;
     summary/--output) _mpuevent_files; return ;;
@@ -114,6 +120,9 @@ _mpuevent() {
     report/--where) true; return ;;
     report/--not-where) true; return ;;
     report/--limit) true; return ;;
+    report/--context) true; return ;;
+    report/--around) true; return ;;
+    report/--last) true; return ;;
     report/-o) _mpuevent_files; return ;;
     report/--output) _mpuevent_files; return ;;
     follow/--input) _mpuevent_words 'cmap record'; return ;;
@@ -148,6 +157,8 @@ _mpuevent() {
     follow/--where) true; return ;;
     follow/--not-where) true; return ;;
     follow/--limit) true; return ;;
+    follow/--context) true; return ;;
+    follow/--around) true; return ;;
     formats/--module) _mpuevent_words 'IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event'; return ;;
     formats/--code) true; return ;;
     formats/--format) _mpuevent_words 'text markdown json-schema'; return ;;
@@ -160,15 +171,15 @@ _mpuevent() {
     case $command/$cur in
     /-*) _mpuevent_words '-h --help --version' ;;
     /*) _mpuevent_words 'decode summary verify report follow formats sample' ;;
-    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit -o --output -j --jobs' ;;
+    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output -j --jobs' ;;
     decode/*) _mpuevent_files ;;
-    summary/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --format -o --output' ;;
+    summary/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output' ;;
     summary/*) _mpuevent_files ;;
     verify/-*) _mpuevent_words '-h --help --input --format -o --output' ;;
     verify/*) _mpuevent_files ;;
-    report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit -o --output' ;;
+    report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output' ;;
     report/*) _mpuevent_files ;;
-    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit' ;;
+    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around' ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
     formats/*) true ;;

@@ -34,4 +34,14 @@ const std::vector<std::string_view>& NamedValues::of(const DecodedEvent& event) 
     return values_;
 }
 
+std::string_view NamedValues::joined(const DecodedEvent& event) {
+    const std::vector<std::string_view>& values = of(event);
+    if (values.size() < 2)
+        return values.empty() ? std::string_view() : values.front();
+    joined_ = values.front();
+    for (std::size_t i = 1; i < values.size(); ++i)
+        joined_.append("; ").append(values[i]);
+    return joined_;
+}
+
 } // namespace Pegasus::formats

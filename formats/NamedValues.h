@@ -17,8 +17,9 @@ public:
     explicit NamedValues(const std::string& name);
     // In order; they live until the next call or as long as the event.
     const std::vector<std::string_view>& of(const DecodedEvent& event);
-    // The field, null if it is elements.
-    const Column* column() const { return column_; }
+    // The same as one text, with "; " between values.
+    std::string_view joined(const DecodedEvent& event);
+    const std::string& name() const { return name_; }
 
 private:
     const std::string name_;
@@ -27,6 +28,7 @@ private:
     BodyParser parser_;
     mpu::StackWriter<64> number_;
     std::vector<std::string_view> values_;
+    std::string joined_;
 };
 
 } // namespace Pegasus::formats

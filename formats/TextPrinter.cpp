@@ -54,11 +54,6 @@ std::size_t nextGroup(std::string_view text) {
     return text.size();
 }
 
-class LinesPrinter : public Printer {
-public:
-    void gap(mpu::TextWriter& out) override { out.literal("--\n"); } // as grep does
-};
-
 class TextPrinter : public LinesPrinter {
 public:
     explicit TextPrinter(const PrintOptions& options) : colour_(options.colour) {}
@@ -184,35 +179,6 @@ private:
     BodyParser parser_;
 };
 
-// What happened and when, on one line: time, severity, source, title, summary.
-class BriefPrinter : public LinesPrinter {
-public:
-    explicit BriefPrinter(const PrintOptions& options) : colour_(options.colour) {}
-
-    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
-        mpu::StackWriter<16> time;
-        time.decimal(event.timestamp);
-        column(out, time.view(), 10);
-        out.literal(colour_ ? kColours[severityOf(event.eventType)] : "");
-        column(out, event.eventTypeText, 17);
-        out.literal(colour_ ? kPlain : "");
-        column(out, event.source, 11);
-        putPrintable(out, event.eventID);
-        if (const std::string_view summary = event.summary; !summary.empty())
-            putPrintable(out.literal(": "), summary);
-        out.literal("\n");
-    }
-
-private:
-    static void column(mpu::TextWriter& out, std::string_view text, std::size_t width) {
-        putPrintable(out, text);
-        for (std::size_t i = text.size(); i < width + 2; ++i)
-            out.literal(" ");
-    }
-
-    const bool colour_;
-};
-
 // As Avrel_Event::str() renders it. Line breaks in it are escaped so that an event is one line.
 class LinePrinter : public LinesPrinter {
 public:
@@ -237,10 +203,6 @@ public:
 
 std::unique_ptr<Printer> makeTextPrinter(const PrintOptions& options) {
     return std::make_unique<TextPrinter>(options);
-}
-
-std::unique_ptr<Printer> makeBriefPrinter(const PrintOptions& options) {
-    return std::make_unique<BriefPrinter>(options);
 }
 
 std::unique_ptr<Printer> makeLinePrinter(const PrintOptions&) {

@@ -99,8 +99,9 @@ TEST_F(SummaryCommandTest, ColourOnTerminalsOnly) {
     EXPECT_THAT(onTerminal("$mpuevent decode input"),
                 HasSubstr("Event 1: \x1b[31mEng Error\x1b[0m, 77"));
     EXPECT_THAT(onTerminal("$mpuevent summary input"), HasSubstr("  \x1b[31merror\x1b[0m\r\n"));
-    EXPECT_THAT(onTerminal("$mpuevent decode --format brief input"),
-                HasSubstr("1001        \x1b[31mEng Error          \x1b[0m77"));
+    EXPECT_THAT(
+        onTerminal("$mpuevent decode --format brief input"),
+        HasSubstr("1001        1           CTL-1       \x1b[31mEng Error          \x1b[0m77"));
     for (const char* plain :
          {"NO_COLOR=1 $mpuevent decode input", "TERM=dumb $mpuevent summary input",
           "$mpuevent decode input | cat", "$mpuevent decode --format line input"}) {

@@ -7,10 +7,10 @@ namespace Pegasus::tool {
 namespace {
 
 // "json, xml, csv"
-std::string formatsWithFields() {
+std::string formatsWith(bool Format::*option) {
     std::string names;
     for (const Format& row : kFormats)
-        if (row.hasFields)
+        if (row.*option)
             names.append(names.empty() ? "" : ", ").append(row.name);
     return names;
 }
@@ -22,16 +22,28 @@ void EventOptions::addOptions(CLI::App& app, bool endless) {
         ->check(CLI::IsMember(namesOf(kFormats)))
         ->capture_default_str();
     app.add_flag("--fields", fields,
-                 "Also list the body's elements individually (" + formatsWithFields() + ")");
+                 "Also list the body's elements individually (" + formatsWith(&Format::hasFields) +
+                     ")");
+    app.add_option("--columns", columns,
+                   "Show these fields of the event and elements of its body, one column each (" +
+                       formatsWith(&Format::hasColumns) + ")")
+        ->type_name("COLUMN,...")
+        ->delimiter(',')
+        ->allow_extra_args(false);
     app.add_flag("--trace", trace, "Show the library's trace lines on standard error");
     filter.addOptions(app, endless);
 }
 
 bool EventOptions::prepare() const {
-    if (fields && !rowOf(kFormats, format).hasFields) {
-        complain("--fields: not with --format {}; use one of {}", format, formatsWithFields());
+    const auto suits = [this](bool given, const char* name, bool Format::*option) {
+        if (!given || rowOf(kFormats, format).*option)
+            return true;
+        complain("{}: not with --format {}; use one of {}", name, format, formatsWith(option));
         return false;
-    }
+    };
+    if (!suits(fields, "--fields", &Format::hasFields) ||
+        !suits(!columns.empty(), "--columns", &Format::hasColumns))
+        return false;
     if (trace) {
         ProviderTraceServices::ptsSetTraceStream(stderr);
         ProviderTraceServices::ptsSetTraceSuppressForPid(0);
@@ -40,7 +52,7 @@ bool EventOptions::prepare() const {
 }
 
 std::unique_ptr<Printer> EventOptions::printer(const Output& output) const {
-    return rowOf(kFormats, format).make({fields, output.coloured()});
+    return rowOf(kFormats, format).make({fields, output.coloured(), columns});
 }
 
 } // namespace Pegasus::tool

@@ -11,6 +11,7 @@ struct EventOptions {
     FilterOptions filter;
     std::string format = "text";
     bool fields = false;
+    std::vector<std::string> columns;
     bool trace = false;
 
     void addOptions(CLI::App& app, bool endless = false);

@@ -18,6 +18,7 @@ _mpuevent() {
     decode/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
     decode/--max-reports) true; return ;;
     decode/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
+    decode/--columns) true; return ;;
     decode/--source) true; return ;;
     decode/--not-source) true; return ;;
     decode/--category) true; return ;;
@@ -130,6 +131,7 @@ _mpuevent() {
     follow/--last) true; return ;;
     follow/--cursor) _mpuevent_files; return ;;
     follow/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
+    follow/--columns) true; return ;;
     follow/--source) true; return ;;
     follow/--not-source) true; return ;;
     follow/--category) true; return ;;
@@ -171,7 +173,7 @@ _mpuevent() {
     case $command/$cur in
     /-*) _mpuevent_words '-h --help --version' ;;
     /*) _mpuevent_words 'decode summary verify report follow formats sample' ;;
-    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output -j --jobs' ;;
+    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --columns --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output -j --jobs' ;;
     decode/*) _mpuevent_files ;;
     summary/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output' ;;
     summary/*) _mpuevent_files ;;
@@ -179,7 +181,7 @@ _mpuevent() {
     verify/*) _mpuevent_files ;;
     report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output' ;;
     report/*) _mpuevent_files ;;
-    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around' ;;
+    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --columns --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around' ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
     formats/*) true ;;

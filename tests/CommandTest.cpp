@@ -46,6 +46,15 @@ TEST_F(CommandTest, Usage) {
         {"decode --formt json",
          "mpuevent: The following argument was not expected: --formt; \"mpuevent --help\" tells "
          "more\n"},
+        {"decode --limit -3", "mpuevent: --limit: Value -3 not in range 1 to 18446744073709551615; "
+                              "\"mpuevent --help\" tells more\n"},
+        {"sample --count -1", "mpuevent: --count: Value -1 not in range 0 to 18446744073709551615; "
+                              "\"mpuevent --help\" tells more\n"},
+        {"sample --seed 4294967296",
+         "mpuevent: --seed: Value 4294967296 not in range 0 to 4294967295; \"mpuevent --help\" "
+         "tells more\n"},
+        {"follow -n 1x", "mpuevent: --last: Value 1x not in range 0 to 18446744073709551615; "
+                         "\"mpuevent --help\" tells more\n"},
         {"decode input --output ./input", "mpuevent: --output: ./input is an input too (input)\n"},
     };
     for (const auto& c : cases) {

@@ -113,12 +113,24 @@ TEST_F(SummaryCommandTest, ColourOnTerminalsOnly) {
 TEST_F(SummaryCommandTest, ProgressWhereItIsSlow) {
     if (shell("script --version >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "no script(1) to make a terminal with";
-    const std::string slow =
-        onTerminal("{ cat input; sleep 1.3; cat input; } | $mpuevent decode --format line >result");
-    EXPECT_EQ(slow, "\r\x1b[Kmpuevent: standard input: 0.0 MB\r\x1b[K");
+    // It stays while output goes to a file.
+    const std::string slow = onTerminal("{ cat input; sleep 1.3; cat input; sleep 0.3; cat input; "
+                                        "} | $mpuevent decode --format line >result");
+    EXPECT_EQ(slow, "\r\x1b[Kmpuevent: standard input: 0.0 MB"
+                    "\r\x1b[Kmpuevent: standard input: 0.0 MB\r\x1b[K");
     EXPECT_EQ(onTerminal("$mpuevent decode input >result"), "");
     EXPECT_EQ(shell("{ cat input; sleep 1.3; } | $mpuevent decode >out 2>err"), 0);
     EXPECT_EQ(read("err"), "");
+}
+
+TEST_F(SummaryCommandTest, NoBinaryDataOnTerminals) {
+    if (shell("script --version >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "no script(1) to make a terminal with";
+    EXPECT_EQ(onTerminal("$mpuevent sample; echo \\$?"),
+              "mpuevent: sample writes binary data, which is not for a terminal; see --output\r\n"
+              "2\r\n");
+    EXPECT_EQ(onTerminal("$mpuevent sample --output samples && test -s samples && echo \\$?"),
+              "0\r\n");
 }
 
 // However the times lie, no event is lost and none leaves its place.

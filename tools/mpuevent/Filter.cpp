@@ -2,7 +2,7 @@
 
 #include "event/HeaderNames.h"
 #include "formats/Severity.h"
-#include "tools/mpuevent/Integer.h"
+#include "tools/mpuevent/Numbers.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -189,16 +189,14 @@ void FilterOptions::addOptions(CLI::App& app, bool endless) {
             keepTypes("--engineering", 101, "Only events for engineers (event types 101 to 103)"));
     app.add_flag("--ignore-case,-i", ignoreCase_, "--grep takes small and capital letters alike")
         ->group("Filters");
-    const auto addCount = [&](const char* name, auto& count, const char* description) {
-        return app.add_option(name, count, description)
-            ->type_name("N")
-            ->check(CLI::Range(std::uint64_t{1}, UINT64_MAX).description(""))
-            ->group("Filters");
-    };
-    CLI::Option* limited = addCount("--limit", limit, "Stop after N events");
-    addCount("--context", context,
-             "Also N events before and after each, with \"--\" between groups (text, brief, line); "
-             "keeps N events in memory");
+    CLI::Option* limited =
+        addNumber(app, "--limit", limit, "Stop after N events", 1)->group("Filters");
+    addNumber(
+        app, "--context", context,
+        "Also N events before and after each, with \"--\" between groups (text, brief, line); "
+        "keeps N events in memory")
+        ->default_str("")
+        ->group("Filters");
     const auto takeAround = [this](const std::string& value) {
         around = seconds(value);
         if (!around)
@@ -213,7 +211,9 @@ void FilterOptions::addOptions(CLI::App& app, bool endless) {
         ->group("Filters");
     if (endless)
         return;
-    addCount("--last", last, "Only the last N events; keeps them in memory")->excludes(limited);
+    addNumber(app, "--last", last, "Only the last N events; keeps them in memory", 1)
+        ->excludes(limited)
+        ->group("Filters");
     app.add_flag("--reverse", reverse, "The last event first; keeps in memory what it shows")
         ->group("Filters");
 }

@@ -3,6 +3,7 @@
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Cursor.h"
 #include "tools/mpuevent/Events.h"
+#include "tools/mpuevent/Numbers.h"
 #include "tools/mpuevent/Selector.h"
 
 #include <cerrno>
@@ -41,7 +42,7 @@ constexpr FramingName kFramings[] = {{"cmap", Framing::Message}, {"record", Fram
 struct Options {
     std::vector<std::string> files{"-"};
     std::string input = "cmap";
-    std::optional<std::size_t> last;
+    std::optional<std::uint64_t> last;
     std::string cursor;
     EventOptions events;
 };
@@ -112,7 +113,7 @@ private:
         return path_ == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)
                             : ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     }
-    Place beforeLast(Tail& tail, std::size_t count);
+    Place beforeLast(Tail& tail, std::uint64_t count);
     bool wanted() const { return more_ && interrupted == 0; }
     bool visit(const Message& message) {
         more_ = sink_.take(message);
@@ -126,7 +127,7 @@ private:
     const std::string path_;
     Sink& sink_;
     bool& more_;
-    const std::optional<std::size_t> last_;
+    const std::optional<std::uint64_t> last_;
     const Framing framing_;
     Capture capture_;
     std::unique_ptr<Tail> tail_; // one of the two
@@ -168,7 +169,7 @@ bool Followed::open(const std::optional<Mark>& mark) {
 }
 
 // The place before the last so many messages of a file.
-Place Followed::beforeLast(Tail& tail, std::size_t count) {
+Place Followed::beforeLast(Tail& tail, std::uint64_t count) {
     std::deque<std::uint64_t> offsets;
     Capture silent(framing_, [](const Damage&) {});
     if (const int error = tail.poll(silent, [&](const Message& message) {
@@ -260,8 +261,7 @@ Runner addFollow(CLI::App& app) {
                    "What they hold: messages (cmap) or bare records (record)")
         ->check(CLI::IsMember(namesOf(kFramings)))
         ->capture_default_str();
-    app.add_option("--last,-n", options->last, "Begin with the last N events of a file")
-        ->type_name("N");
+    addNumber(app, "--last,-n", options->last, "Begin with the last N events of a file");
     app.add_option("--cursor", options->cursor,
                    "Go on where the last run with this file stopped, and keep it up to date")
         ->type_name("FILE");

@@ -123,6 +123,20 @@ TEST_F(SummaryCommandTest, ProgressWhereItIsSlow) {
     EXPECT_EQ(read("err"), "");
 }
 
+TEST_F(SummaryCommandTest, HelpFitsTheTerminal) {
+    if (shell("script --version >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "no script(1) to make a terminal with";
+    for (const std::size_t width : {60, 100}) {
+        std::stringstream help(
+            onTerminal("stty cols " + std::to_string(width) + "; $mpuevent decode --help"));
+        std::size_t longest = 0;
+        for (std::string line; std::getline(help, line) && line != "Examples:\r";)
+            longest = std::max(longest, line.size() - 1);
+        EXPECT_LE(longest, width);
+        EXPECT_GE(longest, width - 10);
+    }
+}
+
 TEST_F(SummaryCommandTest, NoBinaryDataOnTerminals) {
     if (shell("script --version >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "no script(1) to make a terminal with";

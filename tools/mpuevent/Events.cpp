@@ -25,9 +25,10 @@ void EventOptions::addOptions(CLI::App& app, bool endless) {
                  "Also list the body's elements individually (" + formatsWith(&Format::hasFields) +
                      ")");
     app.add_option("--columns", columns,
-                   "Show these fields of the event and elements of its body, one column each (" +
+                   "Show these fields of the event and elements of its body, with commas between, "
+                   "one column each (" +
                        formatsWith(&Format::hasColumns) + ")")
-        ->type_name("COLUMN,...")
+        ->type_name("COLUMNS")
         ->delimiter(',')
         ->allow_extra_args(false);
     app.add_flag("--trace", trace, "Show the library's trace lines on standard error");

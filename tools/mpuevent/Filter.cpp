@@ -127,8 +127,8 @@ EventTest eventId(const std::string& value, bool) {
 }
 
 constexpr FilterRow kRows[] = {
-    {"source", "NAME|NUMBER", "from this source", source, nullptr},
-    {"category", "NAME|NUMBER", "of this category", category, nullptr},
+    {"source", "SOURCE", "from this source, a name or a number", source, nullptr},
+    {"category", "CATEGORY", "of this category, a name or a number", category, nullptr},
     {"severity", "LEVEL",
      "at least this severe: informational, warning or error; \"warn\" and \"e\" will do, and "
      "engineering events count alike",

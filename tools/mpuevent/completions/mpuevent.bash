@@ -1,5 +1,19 @@
 # bash completion for mpuevent
-_mpuevent_words() { mapfile -t COMPREPLY < <(compgen -W "$1" -- "$cur"); }
+_mpuevent_words() { # those that begin as what is typed, quoted or not
+    local word typed=${cur//\\/}
+    typed=${typed#[\'\"]}
+    for word; do
+        [[ ${word,,} == "${typed,,}"* ]] || continue
+        [[ $cur == [\'\"]* ]] || printf -v word %q "$word"
+        COMPREPLY+=("$word")
+    done
+}
+_mpuevent_list() { # the same after the last comma
+    local before=${cur%"${cur##*,}"} cur=${cur##*,}
+    _mpuevent_words "$@"
+    COMPREPLY=("${COMPREPLY[@]/#/$before}")
+    compopt -o nospace 2>/dev/null
+}
 _mpuevent_files() {
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$cur")
@@ -15,16 +29,16 @@ _mpuevent() {
         esac
     done
     case $command/$prev in
-    decode/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
+    decode/--input) _mpuevent_words auto cmap record hex hex-record; return ;;
     decode/--max-reports) true; return ;;
-    decode/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
-    decode/--columns) true; return ;;
-    decode/--source) true; return ;;
-    decode/--not-source) true; return ;;
-    decode/--category) true; return ;;
-    decode/--not-category) true; return ;;
-    decode/--severity) true; return ;;
-    decode/--not-severity) true; return ;;
+    decode/--format) _mpuevent_words text brief line json xml csv; return ;;
+    decode/--columns) _mpuevent_list enclosureSerialNumber controllerSerialNumber controllerSlotID eventLogInstanceNumber sequenceID timestamp source category eventType eventTypeText eventID summary body; return ;;
+    decode/--source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    decode/--not-source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    decode/--category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    decode/--not-category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    decode/--severity) _mpuevent_words informational warning error; return ;;
+    decode/--not-severity) _mpuevent_words informational warning error; return ;;
     decode/--enclosure) true; return ;;
     decode/--not-enclosure) true; return ;;
     decode/--controller) true; return ;;
@@ -53,14 +67,14 @@ _mpuevent() {
     decode/--output) _mpuevent_files; return ;;
     decode/-j) true; return ;;
     decode/--jobs) true; return ;;
-    summary/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
+    summary/--input) _mpuevent_words auto cmap record hex hex-record; return ;;
     summary/--max-reports) true; return ;;
-    summary/--source) true; return ;;
-    summary/--not-source) true; return ;;
-    summary/--category) true; return ;;
-    summary/--not-category) true; return ;;
-    summary/--severity) true; return ;;
-    summary/--not-severity) true; return ;;
+    summary/--source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    summary/--not-source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    summary/--category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    summary/--not-category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    summary/--severity) _mpuevent_words informational warning error; return ;;
+    summary/--not-severity) _mpuevent_words informational warning error; return ;;
     summary/--enclosure) true; return ;;
     summary/--not-enclosure) true; return ;;
     summary/--controller) true; return ;;
@@ -85,21 +99,21 @@ _mpuevent() {
     summary/--context) true; return ;;
     summary/--around) true; return ;;
     summary/--last) true; return ;;
-    summary/--format) _mpuevent_words 'text json'; return ;;
+    summary/--format) _mpuevent_words text json; return ;;
     summary/-o) _mpuevent_files; return ;;
     summary/--output) _mpuevent_files; return ;;
-    verify/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
-    verify/--format) _mpuevent_words 'text json'; return ;;
+    verify/--input) _mpuevent_words auto cmap record hex hex-record; return ;;
+    verify/--format) _mpuevent_words text json; return ;;
     verify/-o) _mpuevent_files; return ;;
     verify/--output) _mpuevent_files; return ;;
-    report/--input) _mpuevent_words 'auto cmap record hex hex-record'; return ;;
+    report/--input) _mpuevent_words auto cmap record hex hex-record; return ;;
     report/--max-reports) true; return ;;
-    report/--source) true; return ;;
-    report/--not-source) true; return ;;
-    report/--category) true; return ;;
-    report/--not-category) true; return ;;
-    report/--severity) true; return ;;
-    report/--not-severity) true; return ;;
+    report/--source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    report/--not-source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    report/--category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    report/--not-category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    report/--severity) _mpuevent_words informational warning error; return ;;
+    report/--not-severity) _mpuevent_words informational warning error; return ;;
     report/--enclosure) true; return ;;
     report/--not-enclosure) true; return ;;
     report/--controller) true; return ;;
@@ -126,18 +140,18 @@ _mpuevent() {
     report/--last) true; return ;;
     report/-o) _mpuevent_files; return ;;
     report/--output) _mpuevent_files; return ;;
-    follow/--input) _mpuevent_words 'cmap record'; return ;;
+    follow/--input) _mpuevent_words cmap record; return ;;
     follow/-n) true; return ;;
     follow/--last) true; return ;;
     follow/--cursor) _mpuevent_files; return ;;
-    follow/--format) _mpuevent_words 'text brief line json xml csv'; return ;;
-    follow/--columns) true; return ;;
-    follow/--source) true; return ;;
-    follow/--not-source) true; return ;;
-    follow/--category) true; return ;;
-    follow/--not-category) true; return ;;
-    follow/--severity) true; return ;;
-    follow/--not-severity) true; return ;;
+    follow/--format) _mpuevent_words text brief line json xml csv; return ;;
+    follow/--columns) _mpuevent_list enclosureSerialNumber controllerSerialNumber controllerSlotID eventLogInstanceNumber sequenceID timestamp source category eventType eventTypeText eventID summary body; return ;;
+    follow/--source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    follow/--not-source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    follow/--category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    follow/--not-category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    follow/--severity) _mpuevent_words informational warning error; return ;;
+    follow/--not-severity) _mpuevent_words informational warning error; return ;;
     follow/--enclosure) true; return ;;
     follow/--not-enclosure) true; return ;;
     follow/--controller) true; return ;;
@@ -161,31 +175,31 @@ _mpuevent() {
     follow/--limit) true; return ;;
     follow/--context) true; return ;;
     follow/--around) true; return ;;
-    formats/--module) _mpuevent_words 'IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event'; return ;;
+    formats/--module) _mpuevent_words IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event; return ;;
     formats/--code) true; return ;;
-    formats/--format) _mpuevent_words 'text markdown json-schema'; return ;;
-    sample/--module) _mpuevent_words 'IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event'; return ;;
+    formats/--format) _mpuevent_words text markdown json-schema; return ;;
+    sample/--module) _mpuevent_words IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event; return ;;
     sample/--count) true; return ;;
     sample/--seed) true; return ;;
     sample/-o) _mpuevent_files; return ;;
     sample/--output) _mpuevent_files; return ;;
     esac
     case $command/$cur in
-    /-*) _mpuevent_words '-h --help --version' ;;
-    /*) _mpuevent_words 'decode summary verify report follow formats sample' ;;
-    decode/-*) _mpuevent_words '-h --help --input --max-reports --format --fields --columns --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output -j --jobs' ;;
+    /-*) _mpuevent_words -h --help --version ;;
+    /*) _mpuevent_words decode summary verify report follow formats sample ;;
+    decode/-*) _mpuevent_words -h --help --input --max-reports --format --fields --columns --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output -j --jobs ;;
     decode/*) _mpuevent_files ;;
-    summary/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output' ;;
+    summary/-*) _mpuevent_words -h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output ;;
     summary/*) _mpuevent_files ;;
-    verify/-*) _mpuevent_words '-h --help --input --format -o --output' ;;
+    verify/-*) _mpuevent_words -h --help --input --format -o --output ;;
     verify/*) _mpuevent_files ;;
-    report/-*) _mpuevent_words '-h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output' ;;
+    report/-*) _mpuevent_words -h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output ;;
     report/*) _mpuevent_files ;;
-    follow/-*) _mpuevent_words '-h --help --input -n --last --cursor --format --fields --columns --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around' ;;
+    follow/-*) _mpuevent_words -h --help --input -n --last --cursor --format --fields --columns --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around ;;
     follow/*) _mpuevent_files ;;
-    formats/-*) _mpuevent_words '-h --help --module --code --format' ;;
+    formats/-*) _mpuevent_words -h --help --module --code --format ;;
     formats/*) true ;;
-    sample/-*) _mpuevent_words '-h --help --module --count --seed -o --output' ;;
+    sample/-*) _mpuevent_words -h --help --module --count --seed -o --output ;;
     sample/*) true ;;
     esac
 }

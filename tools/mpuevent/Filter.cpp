@@ -214,7 +214,8 @@ void FilterOptions::addOptions(CLI::App& app, bool endless) {
     addNumber(app, "--last", last, "Only the last N events; keeps them in memory", 1)
         ->excludes(limited)
         ->group("Filters");
-    app.add_flag("--reverse", reverse, "The last event first; keeps in memory what it shows")
+    app.add_flag("--reverse", reverse,
+                 "The last event first, with --limit N the last N; keeps them in memory")
         ->group("Filters");
 }
 

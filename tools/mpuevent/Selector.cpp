@@ -1,6 +1,5 @@
 #include "tools/mpuevent/Selector.h"
 
-#include <iterator>
 #include <utility>
 
 namespace Pegasus::tool {
@@ -106,11 +105,13 @@ void Selector::finish() {
 }
 
 void Selector::hand(const Message& message, std::uint64_t number) {
-    const bool besides = options_.context != 0 || options_.around;
-    if (besides && handed_ && number != *handed_ + 1 && number + 1 != *handed_)
+    if (!more_)
+        return;
+    if ((options_.context != 0 || options_.around) && handed_ && number != *handed_ + 1 &&
+        number + 1 != *handed_)
         to_.onGap();
     handed_ = number;
-    more_ = more_ && to_.take(message);
+    more_ = to_.take(message);
 }
 
 std::uint64_t readSelected(const Inputs& inputs, const FilterOptions& options, Sink& sink) {

@@ -20,6 +20,14 @@ bool isName(std::string_view name) {
 
 } // namespace
 
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && mpu::isSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && mpu::isSpace(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
 void BodyParser::findTags(std::string_view body) {
     tags_.clear();
     for (std::size_t at = body.find('<'); at != std::string_view::npos;
@@ -61,10 +69,7 @@ void BodyParser::matchTags() {
 }
 
 void BodyParser::addText(std::string_view text) {
-    while (!text.empty() && mpu::isSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && mpu::isSpace(text.back()))
-        text.remove_suffix(1);
+    text = trimmed(text);
     if (!text.empty())
         items_.push_back({BodyItem::Text, {}, text});
 }

@@ -20,6 +20,9 @@ struct BodyItem {
     std::string_view text;
 };
 
+// Without the blanks and line breaks around it.
+std::string_view trimmed(std::string_view text);
+
 // Splits a body; the items point into it. Total: a tag without partner is text, and so is one with
 // more than 32 open ones inside it. Groups and ends match. Linear in the length of the body.
 class BodyParser {

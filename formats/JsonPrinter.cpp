@@ -1,8 +1,12 @@
 // One event a line, as a JSON object; and the same as CSV.
+#include "formats/Basis.h"
 #include "formats/Body.h"
 #include "formats/Columns.h"
+#include "formats/NamedValues.h"
 #include "formats/Printer.h"
 #include "formats/Utf8.h"
+
+#include <deque>
 
 // Its empty stack adds to a null pointer before it looks for room: harmless, but sanitizers tell.
 #ifdef __clang__
@@ -159,23 +163,25 @@ private:
 // RFC 4180, with the JSON keys for a header line; fields are the JSON list in one cell.
 class CsvPrinter : public Printer {
 public:
-    explicit CsvPrinter(const PrintOptions& options) : fields_(options.fields), raw_(options.raw) {}
+    explicit CsvPrinter(const PrintOptions& options) : fields_(options.fields), raw_(options.raw) {
+        for (const std::string& name : options.columns)
+            chosen_.emplace_back(name);
+    }
 
     void begin(mpu::TextWriter& out) override {
-        for (const Column& column : kColumns)
-            out.literal(&column == kColumns ? "" : ",").literal(column.name);
+        for (const NamedValues& column : chosen_)
+            cell(out.literal(&column == &chosen_.front() ? "" : ","), column.name());
+        if (chosen_.empty())
+            for (const Column& column : kColumns)
+                out.literal(&column == kColumns ? "" : ",").literal(column.name);
         out.literal(raw_ ? ",raw" : "").literal(fields_ ? ",fields\r\n" : "\r\n");
     }
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
-        for (const Column& column : kColumns) {
-            out.literal(&column == kColumns ? "" : ",");
-            if (column.number) {
-                out.decimal(event.*column.number);
-                continue;
-            }
-            cell(out, event.*column.text);
-        }
+        for (NamedValues& column : chosen_)
+            cell(out.literal(&column == &chosen_.front() ? "" : ","), column.joined(event));
+        if (chosen_.empty())
+            all(event, out);
         if (raw_)
             putPayload(out.literal(","), event);
         if (fields_) {
@@ -188,6 +194,16 @@ public:
     }
 
 private:
+    static void all(const DecodedEvent& event, mpu::TextWriter& out) {
+        for (const Column& column : kColumns) {
+            out.literal(&column == kColumns ? "" : ",");
+            if (column.number) {
+                out.decimal(event.*column.number);
+                continue;
+            }
+            cell(out, event.*column.text);
+        }
+    }
     static void cell(mpu::TextWriter& out, std::string_view text) {
         if (text.find_first_of(std::string_view("\",\r\n\0", 5)) == text.npos) {
             out.literal(text);
@@ -211,6 +227,7 @@ private:
     Json json_;
     mpu::BodyWriter list_;
     BodyParser parser_;
+    std::deque<NamedValues> chosen_; // columns, if any
 };
 
 } // namespace

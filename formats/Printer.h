@@ -4,6 +4,7 @@
 #include "formats/DecodedEvent.h"
 
 #include <memory>
+#include <string>
 
 namespace Pegasus::formats {
 
@@ -13,24 +14,32 @@ public:
     virtual ~Printer() = default;
     virtual void begin(mpu::TextWriter&) {} // before all events
     virtual void print(const DecodedEvent& event, mpu::TextWriter& out) = 0;
+    virtual void gap(mpu::TextWriter&) {} // between events with others between them
     virtual void end(mpu::TextWriter&) {} // after all events
+};
+
+// Of lines for people.
+class LinesPrinter : public Printer {
+public:
+    void gap(mpu::TextWriter& out) override { out.literal("--\n"); } // as grep does
 };
 
 struct PrintOptions {
     bool fields = false; // also list the body's elements individually
     bool raw = false;    // also the payload in hexadecimal
     bool colour = false; // for a terminal
+    // Fields of the event and elements of its body to show, where not those that a format has by
+    // itself.
+    std::vector<std::string> columns{};
 };
 
 struct Format {
     const char* name;
     const char* description;
     std::unique_ptr<Printer> (*make)(const PrintOptions& options);
-    bool hasFields; // heeds PrintOptions::fields
+    bool hasFields;  // heeds PrintOptions::fields
+    bool hasColumns; // heeds PrintOptions::columns
 };
-
-// The payload in hexadecimal. Returns all that `out` holds.
-std::string_view putPayload(mpu::TextWriter& out, const DecodedEvent& event);
 
 std::unique_ptr<Printer> makeTextPrinter(const PrintOptions& options);
 std::unique_ptr<Printer> makeBriefPrinter(const PrintOptions& options);
@@ -40,12 +49,13 @@ std::unique_ptr<Printer> makeXmlPrinter(const PrintOptions& options);
 std::unique_ptr<Printer> makeCsvPrinter(const PrintOptions& options);
 
 inline constexpr Format kFormats[] = {
-    {"text", "an indented block per event", makeTextPrinter, false},
-    {"brief", "time, severity, source, title and summary on one line", makeBriefPrinter, false},
-    {"line", "all of an event on one line", makeLinePrinter, false},
-    {"json", "a JSON object per line", makeJsonPrinter, true},
-    {"xml", "an XML document", makeXmlPrinter, true},
-    {"csv", "CSV with a header line", makeCsvPrinter, true},
+    {"text", "an indented block per event", makeTextPrinter, false, false},
+    {"brief", "time, sequence number, controller, severity, source, title and summary on one line",
+     makeBriefPrinter, false, true},
+    {"line", "all of an event on one line", makeLinePrinter, false, false},
+    {"json", "a JSON object per line", makeJsonPrinter, true, false},
+    {"xml", "an XML document", makeXmlPrinter, true, false},
+    {"csv", "CSV with a header line", makeCsvPrinter, true, true},
 };
 
 } // namespace Pegasus::formats

@@ -1,5 +1,6 @@
 // Events for people: an indented block, or one line.
 #include "event/Ascii.h"
+#include "formats/Basis.h"
 #include "formats/Body.h"
 #include "formats/Printer.h"
 #include "formats/Severity.h"
@@ -54,21 +55,6 @@ std::size_t nextGroup(std::string_view text) {
     return text.size();
 }
 
-void putBytes(mpu::TextWriter& out, const char* sign, std::uint32_t count, const char* what) {
-    out.literal(sign).decimal(count).literal(count == 1 ? " byte " : " bytes ").literal(what);
-}
-
-// "~ layout assumed", "! 172 bytes short": what keeps people from taking the event at its word.
-void putDoubts(mpu::TextWriter& out, const DecodedEvent& event, std::string_view before,
-               std::string_view after) {
-    if (event.layout == nameOf(Provenance::Assumed))
-        out.literal(before).literal("~ layout assumed").literal(after);
-    if (event.missingBytes != 0) {
-        putBytes(out.literal(before), "! ", event.missingBytes, "short");
-        out.literal(after);
-    }
-}
-
 // Whether title or summary say that the decoder doesn't know the event.
 bool saysUnknown(const DecodedEvent& event) {
     const auto says = [](std::string_view text) {
@@ -79,7 +65,7 @@ bool saysUnknown(const DecodedEvent& event) {
     return says(event.eventID) || says(event.summary);
 }
 
-class TextPrinter : public Printer {
+class TextPrinter : public LinesPrinter {
 public:
     explicit TextPrinter(const PrintOptions& options)
         : colour_(options.colour), raw_(options.raw) {}
@@ -223,42 +209,8 @@ private:
     BodyParser parser_;
 };
 
-// What happened and when, on one line: time, severity, source, title, summary.
-class BriefPrinter : public Printer {
-public:
-    explicit BriefPrinter(const PrintOptions& options)
-        : colour_(options.colour), raw_(options.raw) {}
-
-    void print(const DecodedEvent& event, mpu::TextWriter& out) override {
-        mpu::StackWriter<16> time;
-        time.decimal(event.timestamp);
-        column(out, time.view(), 10);
-        out.literal(colour_ ? kColours[severityOf(event.eventType)] : "");
-        column(out, event.eventTypeText, 17);
-        out.literal(colour_ ? kPlain : "");
-        column(out, event.source, 11);
-        putPrintable(out, event.eventID);
-        if (const std::string_view summary = event.summary; !summary.empty())
-            putPrintable(out.literal(": "), summary);
-        putDoubts(out, event, "  ", "");
-        if (raw_)
-            putPayload(out.literal("  "), event);
-        out.literal("\n");
-    }
-
-private:
-    static void column(mpu::TextWriter& out, std::string_view text, std::size_t width) {
-        putPrintable(out, text);
-        for (std::size_t i = text.size(); i < width + 2; ++i)
-            out.literal(" ");
-    }
-
-    const bool colour_;
-    const bool raw_;
-};
-
 // As Avrel_Event::str() renders it. Line breaks in it are escaped so that an event is one line.
-class LinePrinter : public Printer {
+class LinePrinter : public LinesPrinter {
 public:
     explicit LinePrinter(const PrintOptions& options) : raw_(options.raw) {}
 
@@ -286,17 +238,8 @@ private:
 
 } // namespace
 
-std::string_view putPayload(mpu::TextWriter& out, const DecodedEvent& event) {
-    out.hexBytes({reinterpret_cast<const char*>(event.payload.data()), event.payload.size()});
-    return out.view();
-}
-
 std::unique_ptr<Printer> makeTextPrinter(const PrintOptions& options) {
     return std::make_unique<TextPrinter>(options);
-}
-
-std::unique_ptr<Printer> makeBriefPrinter(const PrintOptions& options) {
-    return std::make_unique<BriefPrinter>(options);
 }
 
 std::unique_ptr<Printer> makeLinePrinter(const PrintOptions& options) {

@@ -1,4 +1,5 @@
 // All events as one XML document; docs/events.xsd is its schema.
+#include "formats/Basis.h"
 #include "formats/Body.h"
 #include "formats/Columns.h"
 #include "formats/Printer.h"

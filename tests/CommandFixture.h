@@ -11,6 +11,13 @@
 
 namespace Pegasus::test {
 
+// Whether the command has regular expressions.
+#ifdef MPUEVENT_RE2
+inline constexpr bool kGrep = true;
+#else
+inline constexpr bool kGrep = false;
+#endif
+
 struct Result {
     int status;
     std::string out;

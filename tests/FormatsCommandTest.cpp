@@ -180,11 +180,39 @@ TEST_F(FormatsCommandTest, Csv) {
 }
 
 TEST_F(FormatsCommandTest, Brief) {
-    write("input", messageOf(RecordBuilder(23, 101).timestamp(1257177600).severity(103)) +
-                       messageOf(RecordBuilder(77, 5).timestamp(9)));
+    write(
+        "input",
+        messageOf(RecordBuilder(23, 101).sequence(4294967295).timestamp(1257177600).severity(103)) +
+            messageOf(RecordBuilder(77, 5).controller("").timestamp(9)));
     EXPECT_EQ(run("decode --format brief").out,
-              "1257177600  Eng Error          SCC          101: ***UNKNOWN EventID***\n"
-              "9           Informational      77           5\n");
+              "1257177600  4294967295  CTL-1       Eng Error          SCC          101: ***UNKNOWN "
+              "EventID***\n"
+              "9           0           -           Informational      77           5\n");
+}
+
+TEST_F(FormatsCommandTest, Columns) {
+    const auto lines = [](std::uint32_t n, std::string_view text) { // elements Text1, Text2
+        return messageOf(RecordBuilder(18, 1).sequence(n).text(0, text));
+    };
+    write("input", lines(1, "abc\ndef") + lines(2, "longer than ten, \"quoted\"") +
+                       messageOf(RecordBuilder(18, 2).sequence(3).text(0, "t").u8(12, 200)));
+    EXPECT_EQ(run("decode --format csv --columns sequenceID,Text1,Message_type").out,
+              "sequenceID,Text1,Message_type\r\n"
+              "1,abc,\r\n"
+              "2,\"longer than ten, \"\"quoted\"\"\",\r\n"
+              "3,,200\r\n");
+    EXPECT_EQ(run("decode --format brief --columns Text1 --columns eventTypeText,sequenceID").out,
+              "abc         Informational      1\n"
+              "longer than ten, \"quoted\"  Informational      2\n"
+              "-           Informational      3\n");
+    // Two elements of one name.
+    EXPECT_EQ(run("decode --format csv --columns Drive,Sense_Key --where "
+                  "sequenceID=46 " MPUEVENT_SAMPLES_DIR "device-manager.hex")
+                  .out,
+              "Drive,Sense_Key\r\n12,Medium Error; 0x03\r\n");
+    const Result wrong = run("decode --columns Drive --format json");
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.err, "mpuevent: --columns: not with --format json; use one of brief, csv\n");
 }
 
 TEST_F(FormatsCommandTest, JsonSchema) {

@@ -34,11 +34,14 @@ TEST_F(JobsCommandTest, SameBytes) {
         expectSame(std::string("--format ") + format);
     expectSame("input missing samples");
     expectSame("/dev/null");
-    expectSame("--source SCC --not-grep 4 samples");
+    expectSame("--source SCC --not-event-id 'Locking Warning' samples");
     expectSame("--limit 1 input missing");
-    expectSame("--limit 1700 --grep 1 input missing");
+    expectSame("--limit 1700 --not-source 5 input missing");
+    expectSame("--where 'Drive>=0x10' --limit 100 input samples");
     expectSame("--limit 6000");
     expectSame("--limit 100000");
+    if (kGrep)
+        expectSame("-i --grep 'error: ' --not-grep '4$' samples");
 }
 
 // Errors stand where they belong among the events.
@@ -77,8 +80,11 @@ TEST_F(JobsCommandTest, MemoryIsFlat) {
     while (much.size() < 48u << 20)
         much += read("samples");
     write("much", much);
-    EXPECT_EQ(shell("ulimit -v 220000; $mpuevent decode --format json --jobs 2 much >/dev/null"),
-              0);
+    for (const char* options : {"", " --last 10", " --severity error --context 3"})
+        EXPECT_EQ(
+            shell("ulimit -v 220000; $mpuevent decode --format json --jobs 2 much >/dev/null" +
+                  std::string(options)),
+            0);
 }
 
 } // namespace Pegasus::test

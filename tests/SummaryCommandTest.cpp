@@ -102,8 +102,9 @@ TEST_F(SummaryCommandTest, ColourOnTerminalsOnly) {
     EXPECT_THAT(onTerminal("$mpuevent decode input"),
                 HasSubstr("Event 1: \x1b[31mEng Error\x1b[0m, 77"));
     EXPECT_THAT(onTerminal("$mpuevent summary input"), HasSubstr("  \x1b[31merror\x1b[0m\r\n"));
-    EXPECT_THAT(onTerminal("$mpuevent decode --format brief input"),
-                HasSubstr("1001        \x1b[31mEng Error          \x1b[0m77"));
+    EXPECT_THAT(
+        onTerminal("$mpuevent decode --format brief input"),
+        HasSubstr("1001        1           CTL-1       \x1b[31mEng Error          \x1b[0m77"));
     for (const char* plain :
          {"NO_COLOR=1 $mpuevent decode input", "TERM=dumb $mpuevent summary input",
           "$mpuevent decode input | cat", "$mpuevent decode --format line input"}) {
@@ -115,12 +116,38 @@ TEST_F(SummaryCommandTest, ColourOnTerminalsOnly) {
 TEST_F(SummaryCommandTest, ProgressWhereItIsSlow) {
     if (shell("script --version >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "no script(1) to make a terminal with";
-    const std::string slow =
-        onTerminal("{ cat input; sleep 1.3; cat input; } | $mpuevent decode --format line >result");
-    EXPECT_EQ(slow, "\r\x1b[Kmpuevent: standard input: 0.0 MB\r\x1b[K");
+    // It stays while output goes to a file.
+    const std::string slow = onTerminal("{ cat input; sleep 1.3; cat input; sleep 0.3; cat input; "
+                                        "} | $mpuevent decode --format line >result");
+    EXPECT_EQ(slow, "\r\x1b[Kmpuevent: standard input: 0.0 MB"
+                    "\r\x1b[Kmpuevent: standard input: 0.0 MB\r\x1b[K");
     EXPECT_EQ(onTerminal("$mpuevent decode input >result"), "");
     EXPECT_EQ(shell("{ cat input; sleep 1.3; } | $mpuevent decode >out 2>err"), 0);
     EXPECT_EQ(read("err"), "");
+}
+
+TEST_F(SummaryCommandTest, HelpFitsTheTerminal) {
+    if (shell("script --version >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "no script(1) to make a terminal with";
+    for (const std::size_t width : {60, 100}) {
+        std::stringstream help(
+            onTerminal("stty cols " + std::to_string(width) + "; $mpuevent decode --help"));
+        std::size_t longest = 0;
+        for (std::string line; std::getline(help, line) && line != "Examples:\r";)
+            longest = std::max(longest, line.size() - 1);
+        EXPECT_LE(longest, width);
+        EXPECT_GE(longest, width - 10);
+    }
+}
+
+TEST_F(SummaryCommandTest, NoBinaryDataOnTerminals) {
+    if (shell("script --version >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "no script(1) to make a terminal with";
+    EXPECT_EQ(onTerminal("$mpuevent sample; echo \\$?"),
+              "mpuevent: sample writes binary data, which is not for a terminal; see --output\r\n"
+              "2\r\n");
+    EXPECT_EQ(onTerminal("$mpuevent sample --output samples && test -s samples && echo \\$?"),
+              "0\r\n");
 }
 
 // However the times lie, no event is lost and none leaves its place.

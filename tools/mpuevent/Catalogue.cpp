@@ -7,6 +7,7 @@
 #include "tools/catalogue/Sample.h"
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Inputs.h"
+#include "tools/mpuevent/Numbers.h"
 
 #include <algorithm>
 #include <charconv>
@@ -126,6 +127,10 @@ Status sample(const SampleOptions& options) {
     Output output;
     if (!output.open(options.output))
         return kFailed;
+    if (output.isTerminal()) {
+        complain("sample writes binary data, which is not for a terminal; see --output");
+        return kUsage;
+    }
     mpu::SampleWriter samples(options.seed);
     const std::vector<mpu::Module> chosen = select(options.module);
     for (std::uint64_t made = 0, before = 0;; before = made) {
@@ -161,11 +166,9 @@ Runner addFormats(CLI::App& app) {
 Runner addSample(CLI::App& app) {
     const auto options = std::make_shared<SampleOptions>();
     addModule(app, "--module", options->module);
-    app.add_option("--count", options->count,
-                   "Number of messages, all kinds in turn; 0 = one of each kind")
-        ->capture_default_str();
-    app.add_option("--seed", options->seed, "Random seed for the field values")
-        ->capture_default_str();
+    addNumber(app, "--count", options->count,
+              "Number of messages, all kinds in turn; 0 = one of each kind");
+    addNumber(app, "--seed", options->seed, "Random seed for the field values");
     addOutput(app, options->output);
     return [options] { return sample(*options); };
 }

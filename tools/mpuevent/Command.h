@@ -17,6 +17,7 @@ using Runner = std::function<Status()>;
 struct Command {
     const char* name;
     const char* description;
+    const char* examples;
     Runner (*add)(CLI::App& app); // declares the options
 };
 

@@ -15,11 +15,21 @@ Argument::Argument(const CLI::Option& option)
         names.push_back("--" + name);
     // The parser keeps a list of choices as "TYPE:{one,two}".
     type = option.get_type_name();
-    const std::size_t open = type.find('{');
-    const std::size_t close = type.find('}');
-    if (open != std::string::npos && close != std::string::npos)
-        choices = CLI::detail::split(type.substr(open + 1, close - open - 1), ',');
-    type = type.substr(0, type.find(':'));
+    const std::size_t list = type.find(":{");
+    if (list != std::string::npos) {
+        choices = CLI::detail::split(type.substr(list + 2, type.find('}') - list - 2), ',');
+        type.resize(list);
+    }
+}
+
+std::string Argument::value() const {
+    return choices.empty() ? type : joined(choices, "|");
+}
+
+std::string Argument::explanation() const {
+    return !takesValue || defaultValue.empty()
+               ? description
+               : fmt::format("{} (default: {})", description, defaultValue);
 }
 
 std::vector<Argument> argumentsOf(const CLI::App& app) {

@@ -24,6 +24,10 @@ struct Argument {
 
     explicit Argument(const CLI::Option& option);
     bool positional() const { return names.empty(); }
+    // What stands for its value: "FILE", "one|two".
+    std::string value() const;
+    // The description and the default value.
+    std::string explanation() const;
 };
 
 // All but the hidden ones, the positional ones last.

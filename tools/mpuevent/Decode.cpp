@@ -2,6 +2,8 @@
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Events.h"
 #include "tools/mpuevent/Jobs.h"
+#include "tools/mpuevent/Numbers.h"
+#include "tools/mpuevent/Selector.h"
 
 #include <thread>
 
@@ -25,7 +27,7 @@ Status decode(const Options& options) {
     if (!output.open(options.output))
         return kFailed;
     const auto by = [&](auto&& writer) {
-        options.inputs.read(writer);
+        readSelected(options.inputs, options.events.filter, writer);
         return writer.finish();
     };
     const unsigned jobs = options.jobs ? options.jobs : std::thread::hardware_concurrency();
@@ -41,10 +43,8 @@ Runner addDecode(CLI::App& app) {
     options->inputs.addOptions(app);
     options->events.addOptions(app);
     addOutput(app, options->output);
-    app.add_option("--jobs,-j", options->jobs, "Number of decoding threads; 0 = one per CPU")
-        ->type_name("N")
-        ->check(CLI::Range(0u, kMaxJobs))
-        ->capture_default_str();
+    addNumber(app, "--jobs,-j", options->jobs, "Number of decoding threads; 0 = one per CPU", 0,
+              kMaxJobs);
     return [options] { return decode(*options); };
 }
 

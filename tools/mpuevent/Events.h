@@ -13,9 +13,10 @@ struct EventOptions {
     bool fields = false;
     bool raw = false;
     bool knownOnly = false;
+    std::vector<std::string> columns;
     bool trace = false;
 
-    void addOptions(CLI::App& app);
+    void addOptions(CLI::App& app, bool endless = false);
     // Reports options that don't go together, and starts the tracing.
     bool prepare() const;
     std::unique_ptr<Printer> printer(const Output& output) const;
@@ -26,8 +27,9 @@ struct EventOptions {
 class EventWriter : public SerialSink {
 public:
     EventWriter(const EventOptions& options, Output& output)
-        : SerialSink(output), filter_(options.filter, options.decoding()),
-          left_(options.filter.limit.value_or(UINT64_MAX)), printer_(options.printer(output)) {
+        : SerialSink(output), filter_(options.filter.ofSink(), options.decoding()),
+          left_(options.filter.ofSink().limit.value_or(UINT64_MAX)),
+          printer_(options.printer(output)) {
         printer_->begin(output.text());
     }
     bool take(const Message& message) override {
@@ -35,9 +37,9 @@ public:
             printer_->print(*event, output_.text());
             --left_;
         }
-        return output_.proceed() && wantsMore();
+        return output_.proceed() && left_ != 0;
     }
-    bool wantsMore() const { return left_ != 0; }
+    void onGap() override { printer_->gap(output_.text()); }
     Status finish() {
         printer_->end(output_.text());
         return SerialSink::finish();

@@ -1,8 +1,7 @@
 // mpuevent explain: which bytes of a record became what.
 #include "formats/Explanation.h"
 #include "tools/mpuevent/Command.h"
-#include "tools/mpuevent/Filter.h"
-#include "tools/mpuevent/Inputs.h"
+#include "tools/mpuevent/Selector.h"
 
 namespace Pegasus::tool {
 
@@ -18,8 +17,8 @@ struct Options {
 class Explainer : public SerialSink {
 public:
     Explainer(const Options& options, Output& output)
-        : SerialSink(output), filter_(options.filter, {.readings = true}),
-          left_(options.filter.limit.value_or(UINT64_MAX)),
+        : SerialSink(output), filter_(options.filter.ofSink(), {.readings = true}),
+          left_(options.filter.ofSink().limit.value_or(UINT64_MAX)),
           printer_(rowOf(kExplanationFormats, options.format).make(output.coloured())) {
         printer_->begin(output.text());
     }
@@ -50,7 +49,7 @@ Status explainEvents(const Options& options) {
     if (!output.open(options.output))
         return kFailed;
     Explainer explainer(options, output);
-    options.inputs.read(explainer);
+    readSelected(options.inputs, options.filter, explainer);
     return explainer.finish();
 }
 

@@ -1,11 +1,11 @@
 #include "tools/mpuevent/Filter.h"
 
 #include "event/HeaderNames.h"
+#include "formats/Severity.h"
+#include "tools/mpuevent/Numbers.h"
 
 #include <algorithm>
-#include <charconv>
 #include <fmt/format.h>
-#include <regex.h>
 
 namespace Pegasus::tool {
 
@@ -16,24 +16,30 @@ struct FilterRow {
     const char* type;
     const char* kept;
     HeaderTest (*header)(const std::string& value);
-    EventTest (*event)(const std::string& value);
+    EventTest (*event)(const std::string& value, bool ignoreCase);
+    bool all = false; // several values must all hold, instead of any
 };
 
 namespace {
 
-struct Wrong {
-    std::string what;
-};
-
 std::optional<std::uint32_t> toNumber(std::string_view text) {
-    const bool hex = text.starts_with("0x") || text.starts_with("0X");
-    text.remove_prefix(hex ? 2 : 0);
-    std::uint32_t number = 0;
-    const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), number, hex ? 16 : 10);
-    if (error != std::errc() || end != text.data() + text.size())
+    const std::optional<Integer> number = Integer::from(text);
+    if (!number || number->negative || number->magnitude > UINT32_MAX)
         return std::nullopt;
-    return number;
+    return static_cast<std::uint32_t>(number->magnitude);
+}
+
+// What "5m" means.
+std::optional<std::uint64_t> seconds(std::string_view text) {
+    std::uint64_t unit = 1;
+    for (const auto& [letter, length] : {std::pair('s', 1), {'m', 60}, {'h', 3600}, {'d', 86400}})
+        if (text.ends_with(letter)) {
+            unit = static_cast<std::uint64_t>(length);
+            text.remove_suffix(1);
+            break;
+        }
+    const std::optional<std::uint32_t> count = toNumber(text);
+    return count ? std::optional(*count * unit) : std::nullopt;
 }
 
 // The codes of a header byte that `value` means: its number, or all of that name.
@@ -73,11 +79,32 @@ HeaderTest category(const std::string& value) {
 
 HeaderTest severity(const std::string& value) {
     const auto* found =
-        std::find(std::begin(kSeverities) + 1, std::end(kSeverities), CLI::detail::to_lower(value));
+        std::find_if(std::begin(kSeverities) + 1, std::end(kSeverities),
+                     [begin = CLI::detail::to_lower(value)](std::string_view name) {
+                         return !begin.empty() && name.starts_with(begin); // no two begin alike
+                     });
     if (found == std::end(kSeverities))
         throw Wrong{fmt::format("\"{}\" is none of informational, warning, error", value)};
     const auto least = static_cast<unsigned>(found - kSeverities);
     return [least](const EmpEvLogMsg_s& record) { return severityOf(record.eventType) >= least; };
+}
+
+// A serial number, as it is shown.
+template <std::size_t Offset>
+HeaderTest serial(const std::string& value) {
+    return [value](const EmpEvLogMsg_s& record) {
+        mpu::StackWriter<128> shown;
+        shown.raw(mpu::RecordView(&record, sizeof record).text(Offset, 64));
+        return shown.finish() == value;
+    };
+}
+
+template <auto Member>
+HeaderTest number(const std::string& value) {
+    const std::optional<std::uint32_t> wanted = toNumber(value);
+    if (!wanted)
+        throw Wrong{fmt::format("\"{}\" is not a number below 2^32", value)};
+    return [wanted = *wanted](const EmpEvLogMsg_s& record) { return record.*Member == wanted; };
 }
 
 // Compares the sequence number or the time stamp with what `value` says.
@@ -95,63 +122,43 @@ HeaderTest compared(const std::string& value) {
     };
 }
 
-EventTest eventId(const std::string& value) {
+EventTest eventId(const std::string& value, bool) {
     return [value](const DecodedEvent& event) { return event.eventID == value; };
 }
 
-class Regex {
-public:
-    explicit Regex(const std::string& pattern) {
-        // REG_NEWLINE: "^" and "$" are those of each line.
-        const int error =
-            regcomp(&compiled_, pattern.c_str(), REG_EXTENDED | REG_NOSUB | REG_NEWLINE);
-        if (error != 0) {
-            char what[128];
-            regerror(error, &compiled_, what, sizeof what);
-            throw Wrong{fmt::format("\"{}\": {}", pattern, what)};
-        }
-    }
-    ~Regex() { regfree(&compiled_); }
-    Regex(const Regex&) = delete;
-    Regex& operator=(const Regex&) = delete;
-
-    bool matches(std::string_view text) const {
-        regmatch_t range{};
-        range.rm_eo = static_cast<regoff_t>(text.size());
-        return regexec(&compiled_, text.data(), 1, &range, REG_STARTEND) == 0;
-    }
-
-private:
-    regex_t compiled_;
-};
-
-EventTest grep(const std::string& value) {
-    return [regex = std::make_shared<Regex>(value)](const DecodedEvent& event) {
-        return regex->matches(event.eventID) || regex->matches(event.summary) ||
-               regex->matches(event.body);
-    };
-}
-
 constexpr FilterRow kRows[] = {
-    {"source", "NAME|NUMBER", "from this source", source, nullptr},
-    {"category", "NAME|NUMBER", "of this category", category, nullptr},
+    {"source", "SOURCE", "from this source, a name or a number", source, nullptr},
+    {"category", "CATEGORY", "of this category, a name or a number", category, nullptr},
     {"severity", "LEVEL",
-     "at least this severe: informational, warning or error; engineering events count alike",
+     "at least this severe: informational, warning or error; \"warn\" and \"e\" will do, and "
+     "engineering events count alike",
      severity, nullptr},
+    {"enclosure", "SERIAL", "from the enclosure with exactly this serial number",
+     serial<offsetof(EmpEvLogMsg_s, enclosureSerialNumber)>, nullptr},
+    {"controller", "SERIAL", "from the controller with exactly this serial number",
+     serial<offsetof(EmpEvLogMsg_s, controllerSerialNumber)>, nullptr},
+    {"slot", "N", "from the controller in this slot", number<&EmpEvLogMsg_s::slotId>, nullptr},
+    {"log", "N", "from this event log of the controller", number<&EmpEvLogMsg_s::logInstance>,
+     nullptr},
+    {"id", "N", "with this number for an event id in their header", number<&EmpEvLogMsg_s::eventId>,
+     nullptr},
     {"since", "TIME|seq:N", "at or after this time stamp or sequence number",
      compared<std::greater_equal<std::uint32_t>>, nullptr},
     {"until", "TIME|seq:N", "at or before this time stamp or sequence number",
      compared<std::less_equal<std::uint32_t>>, nullptr},
     {"event-id", "TITLE", "with exactly this title", nullptr, eventId},
     {"grep", "REGEX",
-     "with a match of this POSIX extended regular expression in title, summary "
-     "or body",
-     nullptr, grep},
+     "with a match of this regular expression (RE2) in a line that the text format shows", nullptr,
+     grepTest},
+    {"where", "NAME=VALUE",
+     "with a field, or an element of the body, of that value, or one that compares as != < <= > >= "
+     "say; all conditions must hold",
+     nullptr, whereTest, true},
 };
 
 } // namespace
 
-void FilterOptions::addOptions(CLI::App& app) {
+void FilterOptions::addOptions(CLI::App& app, bool endless) {
     for (const FilterRow& row : kRows)
         for (const bool negated : {false, true}) {
             const std::string name = std::string(negated ? "--not-" : "--") + row.name;
@@ -169,10 +176,52 @@ void FilterOptions::addOptions(CLI::App& app) {
                 ->allow_extra_args(false)
                 ->group("Filters");
         }
-    app.add_option("--limit", limit, "Stop after N events")
-        ->type_name("N")
-        ->check(CLI::Range(std::uint64_t(1), UINT64_MAX).description(""))
+    const auto keepTypes = [&](const char* name, unsigned first, const char* description) {
+        const auto keep = [this, first] {
+            headerRules_.push_back({false, {[first](const EmpEvLogMsg_s& record) {
+                                        return record.eventType - first < 3;
+                                    }}});
+        };
+        return app.add_flag_callback(name, keep, description)->group("Filters");
+    };
+    keepTypes("--customer", 1, "Only events for customers (event types 1 to 3)")
+        ->excludes(
+            keepTypes("--engineering", 101, "Only events for engineers (event types 101 to 103)"));
+    app.add_flag("--ignore-case,-i", ignoreCase_, "--grep takes small and capital letters alike")
         ->group("Filters");
+    CLI::Option* limited =
+        addNumber(app, "--limit", limit, "Stop after N events", 1)->group("Filters");
+    addNumber(
+        app, "--context", context,
+        "Also N events before and after each, with \"--\" between groups (text, brief, line); "
+        "keeps N events in memory")
+        ->default_str("")
+        ->group("Filters");
+    const auto takeAround = [this](const std::string& value) {
+        around = seconds(value);
+        if (!around)
+            throw CLI::ValidationError(
+                "--around", fmt::format("\"{}\" is not a time such as 90, 90s, 5m, 2h, 1d", value));
+    };
+    app.add_option_function<std::string>(
+           "--around", takeAround,
+           "Also the events within this time of each, by time stamps in seconds: 90, 90s, 5m, 2h, "
+           "1d; keeps the events of that time, at least 1 MB, in memory")
+        ->type_name("TIME")
+        ->group("Filters");
+    if (endless)
+        return;
+    addNumber(app, "--last", last, "Only the last N events; keeps them in memory", 1)
+        ->excludes(limited)
+        ->group("Filters");
+    app.add_flag("--reverse", reverse,
+                 "The last event first, with --limit N the last N; keeps them in memory")
+        ->group("Filters");
+}
+
+const FilterOptions& FilterOptions::ofSink() const {
+    static const FilterOptions all;
+    return selects() ? all : *this;
 }
 
 void FilterOptions::take(const FilterRow& row, bool negated,
@@ -183,10 +232,12 @@ void FilterOptions::take(const FilterRow& row, bool negated,
             headerRules_.back().any.push_back(row.header(value));
         return;
     }
-    eventRules_.push_back({negated, {}});
     for (const std::string& value : values) {
-        (void)row.event(value); // is it right?
-        eventRules_.back().any.push_back([&row, value] { return row.event(value); });
+        if (row.all || &value == &values.front())
+            eventRules_.push_back({negated, {}});
+        (void)row.event(value, false); // is it right?
+        eventRules_.back().any.push_back(
+            [&row, value](bool ignoreCase) { return row.event(value, ignoreCase); });
     }
 }
 
@@ -195,7 +246,7 @@ Filter::Filter(const FilterOptions& options, const DecodeOptions& decoding)
     for (const auto& [negated, any] : options.eventRules_) {
         eventRules_.push_back({negated, {}});
         for (const auto& make : any)
-            eventRules_.back().any.push_back(make());
+            eventRules_.back().any.push_back(make(options.ignoreCase_));
     }
 }
 

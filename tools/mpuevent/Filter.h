@@ -2,8 +2,7 @@
 #pragma once
 
 #include "capture/Capture.h"
-#include "formats/DecodedEvent.h"
-#include "formats/Severity.h"
+#include "tools/mpuevent/FilterTests.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -13,12 +12,10 @@
 namespace Pegasus::tool {
 
 using namespace capture;
-using namespace formats;
 
 struct FilterRow;
 
 using HeaderTest = std::function<bool(const EmpEvLogMsg_s&)>;
-using EventTest = std::function<bool(const DecodedEvent&)>;
 
 // What is wanted by one option: what passes any of the tests, or none when negated.
 template <class Test>
@@ -32,9 +29,18 @@ struct FilterRule {
 // must pass all options.
 class FilterOptions {
 public:
-    void addOptions(CLI::App& app);
-    // At most so many events are wanted.
-    std::optional<std::uint64_t> limit;
+    // Of events that may come without end none is the last.
+    void addOptions(CLI::App& app, bool endless = false);
+    // Whether it takes a Selector to find what is wanted.
+    bool selects() const { return last || reverse || context != 0 || around; }
+    // What is left to the sink of the messages.
+    const FilterOptions& ofSink() const;
+
+    std::optional<std::uint64_t> limit;  // to the number of events, from the last one on in reverse
+    std::optional<std::uint64_t> last;   // so many of them only
+    bool reverse = false;                // the last one first
+    std::uint64_t context = 0;           // so many events on both sides of each are wanted as well
+    std::optional<std::uint64_t> around; // and those within so many seconds
 
 private:
     friend class Filter;
@@ -42,8 +48,9 @@ private:
 
     std::vector<FilterRule<HeaderTest>> headerRules_;
     // What makes the tests of an event: these hold scratch memory.
-    using MakeTest = std::function<EventTest()>;
+    using MakeTest = std::function<EventTest(bool ignoreCase)>;
     std::vector<FilterRule<MakeTest>> eventRules_;
+    bool ignoreCase_ = false;
 };
 
 // Applies the options. Holds scratch memory: one for each thread.

@@ -3,6 +3,8 @@
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Cursor.h"
 #include "tools/mpuevent/Events.h"
+#include "tools/mpuevent/Numbers.h"
+#include "tools/mpuevent/Selector.h"
 
 #include <cerrno>
 #include <csignal>
@@ -40,7 +42,7 @@ constexpr FramingName kFramings[] = {{"cmap", Framing::Message}, {"record", Fram
 struct Options {
     std::vector<std::string> files{"-"};
     std::string input = "cmap";
-    std::optional<std::size_t> last;
+    std::optional<std::uint64_t> last;
     std::string cursor;
     EventOptions events;
 };
@@ -81,8 +83,9 @@ private:
 // One of the files.
 class Followed {
 public:
-    Followed(const std::string& path, const Options& options, EventWriter& writer)
-        : path_(path), writer_(writer), last_(options.last),
+    // `more` becomes false when the sink wants no more of any file.
+    Followed(const std::string& path, const Options& options, Sink& sink, bool& more)
+        : path_(path), sink_(sink), more_(more), last_(options.last),
           framing_(rowOf(kFramings, options.input).framing),
           capture_(framing_, [this](const Damage& damage) { fault(kDamaged, damage.str()); }) {}
 
@@ -103,24 +106,28 @@ private:
         return false;
     }
     void fault(Status status, const std::string& what) {
-        writer_.complaint(status, fmt::format("{}: {}", name(), what));
+        sink_.complaint(status, fmt::format("{}: {}", name(), what));
     }
     std::string name() const { return path_ == "-" ? "standard input" : path_; }
     int openFile() const {
         return path_ == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)
                             : ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     }
-    Place beforeLast(Tail& tail, std::size_t count);
-    bool wanted() const { return writer_.wantsMore() && interrupted == 0; }
-    bool visit(const Message& message) { return writer_.take(message) && interrupted == 0; }
+    Place beforeLast(Tail& tail, std::uint64_t count);
+    bool wanted() const { return more_ && interrupted == 0; }
+    bool visit(const Message& message) {
+        more_ = sink_.take(message);
+        return wanted();
+    }
     int read(bool last) {
         return tail_->poll(
             capture_, [this](const Message& message) { return visit(message); }, last);
     }
 
     const std::string path_;
-    EventWriter& writer_;
-    const std::optional<std::size_t> last_;
+    Sink& sink_;
+    bool& more_;
+    const std::optional<std::uint64_t> last_;
     const Framing framing_;
     Capture capture_;
     std::unique_ptr<Tail> tail_; // one of the two
@@ -162,7 +169,7 @@ bool Followed::open(const std::optional<Mark>& mark) {
 }
 
 // The place before the last so many messages of a file.
-Place Followed::beforeLast(Tail& tail, std::size_t count) {
+Place Followed::beforeLast(Tail& tail, std::uint64_t count) {
     std::deque<std::uint64_t> offsets;
     Capture silent(framing_, [](const Damage&) {});
     if (const int error = tail.poll(silent, [&](const Message& message) {
@@ -219,10 +226,13 @@ Status follow(const Options& options) {
     catchSignals();
     Output output;
     EventWriter writer(options.events, output);
+    Selector selector(options.events.filter, writer);
+    Sink& sink = options.events.filter.selects() ? static_cast<Sink&>(selector) : writer;
+    bool wanted = true;
     Cursor cursor(options.cursor);
     std::vector<std::unique_ptr<Followed>> files;
     for (const std::string& path : options.files)
-        if (auto file = std::make_unique<Followed>(path, options, writer);
+        if (auto file = std::make_unique<Followed>(path, options, sink, wanted);
             file->open(cursor.find(path)))
             files.push_back(std::move(file));
     for (bool more = true; more;) {
@@ -235,7 +245,7 @@ Status follow(const Options& options) {
             writer.complaint(kFailed, fmt::format("{}: {}", options.cursor, std::strerror(error)));
             more = false;
         }
-        more = more && !files.empty() && writer.wantsMore() && wait(output, files);
+        more = more && !files.empty() && wanted && wait(output, files);
     }
     return writer.finish();
 }
@@ -251,12 +261,11 @@ Runner addFollow(CLI::App& app) {
                    "What they hold: messages (cmap) or bare records (record)")
         ->check(CLI::IsMember(namesOf(kFramings)))
         ->capture_default_str();
-    app.add_option("--last,-n", options->last, "Begin with the last N events of a file")
-        ->type_name("N");
+    addNumber(app, "--last,-n", options->last, "Begin with the last N events of a file");
     app.add_option("--cursor", options->cursor,
                    "Go on where the last run with this file stopped, and keep it up to date")
         ->type_name("FILE");
-    options->events.addOptions(app);
+    options->events.addOptions(app, true);
     return [options] { return follow(*options); };
 }
 

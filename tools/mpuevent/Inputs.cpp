@@ -1,6 +1,7 @@
 #include "tools/mpuevent/Inputs.h"
 
 #include "capture/Recognise.h"
+#include "tools/mpuevent/Numbers.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -116,10 +117,8 @@ void InputKind::addOptions(CLI::App& app, bool limited) {
         maxReports_ = 0;
         return;
     }
-    app.add_option("--max-reports", maxReports_,
-                   "Report N faults of a file, count the rest; 0 = report all")
-        ->type_name("N")
-        ->capture_default_str();
+    addNumber(app, "--max-reports", maxReports_,
+              "Report N faults of a file, count the rest; 0 = report all");
 }
 
 InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Sink& sink) const {

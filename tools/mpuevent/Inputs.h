@@ -22,6 +22,8 @@ public:
     virtual void onEnd(std::uint64_t) {}
     // Returns false when it wants no more.
     virtual bool take(const Message& message) = 0;
+    // Others were between the last message and the next.
+    virtual void onGap() {}
     // What is to be said of an input at this place, and what it makes of the exit status.
     virtual void complaint(Status status, const std::string& text) = 0;
     virtual void onDamage(const std::string& input, const Damage& damage) {

@@ -1,6 +1,7 @@
 #include "tools/mpuevent/Jobs.h"
 
 #include <cstring>
+#include <utility>
 
 namespace Pegasus::tool {
 
@@ -12,8 +13,8 @@ constexpr std::size_t kBatch =
 } // namespace
 
 ParallelWriter::ParallelWriter(const EventOptions& options, unsigned jobs, Output& output)
-    : options_(options), output_(output), filter_(options.filter),
-      printer_(options.printer(output)), left_(options.filter.limit.value_or(UINT64_MAX)),
+    : options_(options), output_(output), filter_(options.filter.ofSink()),
+      printer_(options.printer(output)), left_(options.filter.ofSink().limit.value_or(UINT64_MAX)),
       ring_(2 * jobs + 1) {
     printer_->begin(output.text());
     try {
@@ -51,6 +52,8 @@ bool ParallelWriter::take(const Message& message) {
     const std::uint8_t* const header = batch.bytes.data() + batch.bytes.size();
     batch.bytes.insert(batch.bytes.end(), message.header.begin(), message.header.end());
     batch.bytes.insert(batch.bytes.end(), message.record.begin(), message.record.end());
+    if (std::exchange(gap_, false))
+        batch.gaps.push_back(batch.messages.size());
     batch.messages.push_back({message.offset,
                               {header, message.header.size()},
                               {header + message.header.size(), message.record.size()}});
@@ -112,6 +115,7 @@ void ParallelWriter::retire(Batch& batch) {
     batch.state = Batch::Free;
     batch.bytes.clear();
     batch.messages.clear();
+    batch.gaps.clear();
     batch.status = kFine;
     batch.complaint.clear();
     batch.text.clear();
@@ -134,7 +138,7 @@ void ParallelWriter::work() {
         try {
             if (!printer) {
                 printer = options_.printer(output_);
-                filter.emplace(options_.filter, options_.decoding());
+                filter.emplace(options_.filter.ofSink(), options_.decoding());
             }
             decode(*batch, *filter, *printer);
         } catch (...) { // no memory: the reader's to tell
@@ -149,7 +153,11 @@ void ParallelWriter::work() {
 }
 
 void ParallelWriter::decode(Batch& batch, Filter& filter, Printer& printer) const {
-    for (const Message& message : batch.messages) {
+    std::size_t gap = 0;
+    for (std::size_t i = 0; i < batch.messages.size(); ++i) {
+        for (; gap < batch.gaps.size() && batch.gaps[gap] == i; ++gap)
+            printer.gap(batch.text);
+        const Message& message = batch.messages[i];
         const DecodedEvent* event = filter.decode(message);
         if (!event)
             continue;

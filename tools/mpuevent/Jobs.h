@@ -20,6 +20,7 @@ public:
     ~ParallelWriter() override;
     bool take(const Message& message) override;
     void complaint(Status status, const std::string& text) override;
+    void onGap() override { gap_ = true; }
     void onIdle() override { submitAll(); }
     // Of the inputs and of the output, which ends here.
     Status finish();
@@ -29,6 +30,7 @@ private:
         enum { Free, Waiting, Done } state = Free;
         std::vector<std::uint8_t> bytes; // of the messages
         std::vector<Message> messages;   // their spans point into it
+        std::vector<std::size_t> gaps;   // indices of those after a gap
         std::string complaint;           // after the messages
         Status status = kFine;           // that it makes
         mpu::StackWriter<64> text;       // of the events
@@ -53,6 +55,7 @@ private:
 
     std::deque<Batch> ring_; // of the reader's; workers have those that wait
     std::size_t filling_ = 0;
+    bool gap_ = false; // before the next message
 
     std::mutex mutex_; // guards the states and what follows
     std::condition_variable waiting_;

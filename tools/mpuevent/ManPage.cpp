@@ -32,13 +32,10 @@ void manArguments(std::string& page, const CLI::App& app) {
         page += joined(names, ", ");
         if (argument.takesValue) {
             page += argument.positional() ? "" : " ";
-            page += argument.choices.empty() ? "\\fI" + roff(argument.type) + "\\fR"
-                                             : roff(joined(argument.choices, "|"));
+            page += argument.choices.empty() ? "\\fI" + roff(argument.value()) + "\\fR"
+                                             : roff(argument.value());
         }
-        page += "\n" + roff(argument.description);
-        if (argument.takesValue && !argument.defaultValue.empty())
-            page += " (default: " + roff(argument.defaultValue) + ")";
-        page += "\n";
+        page += "\n" + roff(argument.explanation()) + "\n";
     }
 }
 
@@ -95,12 +92,10 @@ std::string manPage(const CLI::App& app) {
         page +=
             ".SS mpuevent " + command->get_name() + "\n" + roff(command->get_description()) + ".\n";
         manArguments(page, *command);
-        if (command->get_footer() != app.get_footer()) { // which it has by default
-            page += ".PP\n.nf\n";
-            for (const std::string& line : CLI::detail::split(command->get_footer(), '\n'))
-                page += roff(line) + "\n";
-            page += ".fi\n";
-        }
+        page += ".PP\n.nf\n";
+        for (const std::string& line : CLI::detail::split(command->get_footer(), '\n'))
+            page += roff(line) + "\n";
+        page += ".fi\n";
     }
     page += ".SH OPTIONS\n";
     manArguments(page, app);

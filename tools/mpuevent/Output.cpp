@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -75,14 +76,19 @@ bool Output::write(std::string_view bytes) {
 bool Output::coloured() const {
     const char* const never = std::getenv("NO_COLOR");
     const char* const terminal = std::getenv("TERM");
-    return (!never || !*never) && terminal && std::string_view(terminal) != "dumb" &&
-           ::isatty(descriptor_);
+    return (!never || !*never) && terminal && std::string_view(terminal) != "dumb" && isTerminal();
+}
+
+bool Output::isTerminal() const {
+    return ::isatty(descriptor_) != 0;
 }
 
 bool Output::put(std::string_view bytes) {
     if (ended_ || bytes.empty())
         return !ended_;
-    hideProgress();
+    struct stat written;
+    if (::fstat(descriptor_, &written) != 0 || !S_ISREG(written.st_mode))
+        hideProgress(); // these bytes may get to the terminal
     const int error = writeAll(descriptor_, bytes);
     return error == 0 || fail(error);
 }

@@ -48,6 +48,7 @@ public:
     bool flush();
     // Writes the buffer, then these.
     bool write(std::string_view bytes);
+    bool isTerminal() const;
     // Whether it is a terminal on which colours are welcome.
     bool coloured() const;
     // The file, for those who wait for its reader to go.

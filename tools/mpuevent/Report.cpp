@@ -1,8 +1,7 @@
 // mpuevent report: a self-contained HTML page.
 #include "formats/ReportPage.h"
 #include "tools/mpuevent/Command.h"
-#include "tools/mpuevent/Filter.h"
-#include "tools/mpuevent/Inputs.h"
+#include "tools/mpuevent/Selector.h"
 
 namespace Pegasus::tool {
 
@@ -17,7 +16,8 @@ struct Options {
 class PageWriter : public SerialSink {
 public:
     PageWriter(const FilterOptions& options, Output& output)
-        : SerialSink(output), filter_(options), limit_(options.limit.value_or(UINT64_MAX)) {
+        : SerialSink(output), filter_(options.ofSink()),
+          limit_(options.ofSink().limit.value_or(UINT64_MAX)) {
         page_.begin(output.text());
     }
 
@@ -45,7 +45,7 @@ Status report(const Options& options) {
     if (!output.open(options.output))
         return kFailed;
     PageWriter writer(options.filter, output);
-    const std::uint64_t faults = options.inputs.read(writer);
+    const std::uint64_t faults = readSelected(options.inputs, options.filter, writer);
     return writer.finish(faults);
 }
 

@@ -1,8 +1,7 @@
 // mpuevent summary: what captures hold, counted.
 #include "formats/Summary.h"
 #include "tools/mpuevent/Command.h"
-#include "tools/mpuevent/Filter.h"
-#include "tools/mpuevent/Inputs.h"
+#include "tools/mpuevent/Selector.h"
 
 namespace Pegasus::tool {
 
@@ -18,7 +17,8 @@ struct Options {
 class Counter : public SerialSink {
 public:
     Counter(const FilterOptions& options, Output& output)
-        : SerialSink(output), filter_(options), limit_(options.limit.value_or(UINT64_MAX)) {}
+        : SerialSink(output), filter_(options.ofSink()),
+          limit_(options.ofSink().limit.value_or(UINT64_MAX)) {}
     bool take(const Message& message) override {
         if (const DecodedEvent* event = filter_.decode(message))
             statistics.add(*event);
@@ -39,7 +39,7 @@ Status summary(const Options& options) {
     if (!output.open(options.output))
         return kFailed;
     Counter counter(options.filter, output);
-    const std::uint64_t faults = options.inputs.read(counter);
+    const std::uint64_t faults = readSelected(options.inputs, options.filter, counter);
     rowOf(kSummaryFormats, options.format)
         .write(counter.statistics, faults, output.coloured(), output.text());
     return counter.finish();

@@ -3,6 +3,8 @@
 #include "tools/mpuevent/Choices.h"
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Completions.h"
+#include "tools/mpuevent/Examples.h"
+#include "tools/mpuevent/Help.h"
 #include "tools/mpuevent/ManPage.h"
 
 #include <CLI/App.hpp>
@@ -16,14 +18,15 @@ namespace Pegasus::tool {
 namespace {
 
 constexpr Command kCommands[] = {
-    {"decode", "Decode captures", addDecode},
-    {"explain", "Show which bytes each element of an event comes from", addExplain},
-    {"summary", "Count what captures hold", addSummary},
-    {"verify", "Tell damage, gaps and repetitions", addVerify},
-    {"report", "Write a self-contained HTML report", addReport},
-    {"follow", "Decode captures as they grow", addFollow},
-    {"formats", "Print the record reference or the JSON Schema", addFormats},
-    {"sample", "Write a demonstration capture", addSample},
+    {"decode", "Decode captures", kDecodeExamples, addDecode},
+    {"explain", "Show which bytes each element of an event comes from", kExplainExamples,
+     addExplain},
+    {"summary", "Count what captures hold", kSummaryExamples, addSummary},
+    {"verify", "Tell damage, gaps and repetitions", kVerifyExamples, addVerify},
+    {"report", "Write a self-contained HTML report", kReportExamples, addReport},
+    {"follow", "Decode captures as they grow", kFollowExamples, addFollow},
+    {"formats", "Print the record reference or the JSON Schema", kFormatsExamples, addFormats},
+    {"sample", "Write a demonstration capture", kSampleExamples, addSample},
 };
 
 // What is written in the source tree and installed: see scripts/renew.
@@ -33,30 +36,6 @@ struct Description {
 };
 constexpr Description kDescriptions[] = {
     {"man", manPage}, {"bash", bashCompletion}, {"zsh", zshCompletion}};
-
-constexpr char kExamples[] = R"(Examples:
-  Which drive failed, and when?
-    mpuevent decode --format brief --severity error --grep 'Drive.*(Fa|Err|Exc)' eventlog.cap
-  What is in there?
-    mpuevent summary eventlog.cap
-  All about some events:
-    mpuevent decode --source 'I/O Mgr' --since seq:4000 --not-event-id Statistics eventlog.cap
-  Where does it come from?
-    mpuevent explain --since seq:4711 --limit 1 eventlog.cap
-  For other programs:
-    mpuevent decode --format json --jobs 0 eventlog.cap | jq .summary
-    mpuevent decode --format csv --fields --output events.csv eventlog.cap
-  Is it whole?
-    mpuevent verify eventlog.cap
-  A page for a ticket:
-    mpuevent report eventlog.cap --output report.html
-  As it happens:
-    mpuevent follow --severity warning --format brief eventlog.cap
-  A hex dump that came by mail:
-    mpuevent decode mail.txt
-
-Exit status: 0 all well, 1 some of the input was damaged, 2 wrong usage,
-3 could not read or write.)";
 
 Status show(std::string_view text) {
     Output out;
@@ -68,6 +47,7 @@ Status run(int argc, char** argv) {
     CLI::App app("Decodes the event log of the storage controller.", "mpuevent");
     app.set_version_flag("--version", "mpuevent " MPUEVENT_VERSION);
     app.footer(kExamples);
+    setHelp(app);
     app.require_subcommand(0, 1);
     std::string described;
     app.add_option("--describe", described)
@@ -76,6 +56,7 @@ Status run(int argc, char** argv) {
     Runner runner;
     for (const Command& command : kCommands) {
         CLI::App* sub = app.add_subcommand(command.name, command.description);
+        sub->footer(command.examples);
         sub->final_callback([&runner, chosen = command.add(*sub)] { runner = chosen; });
     }
     try {
@@ -85,7 +66,7 @@ Status run(int argc, char** argv) {
     } catch (const CLI::CallForVersion& version) {
         return show(std::string(version.what()) + "\n");
     } catch (const CLI::ParseError& error) {
-        complain("{}; \"mpuevent --help\" tells more", error.what());
+        complain("{}{}; \"mpuevent --help\" tells more", error.what(), suggestionFor(app));
         return kUsage;
     }
     if (!described.empty())

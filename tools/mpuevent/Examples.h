@@ -1,0 +1,77 @@
+// What people look for in the help: tasks, and the command lines that do them.
+#pragma once
+
+namespace Pegasus::tool {
+
+inline constexpr char kDecodeExamples[] = R"(Examples:
+  Which drive failed, and when?
+    mpuevent decode --format brief --severity warn --grep 'Drive \d' events.cap
+  What happened beside it?
+    mpuevent decode --format brief --where Drive=7 --around 5m events.cap
+  All about some events:
+    mpuevent decode --source 'I/O Mgr' --since seq:4000 events.cap
+  The newest errors:
+    mpuevent decode --severity err --reverse --limit 20 events.cap
+  For other programs:
+    mpuevent decode --format json --jobs 0 events.cap | jq .summary
+    mpuevent decode --format csv --columns sequenceID,Drive events.cap
+  A hex dump that came by mail:
+    mpuevent decode mail.txt)";
+
+inline constexpr char kExplainExamples[] = R"(Examples:
+  Where does it come from?
+    mpuevent explain --since seq:4711 --limit 1 events.cap
+  The same to look at with a pointer:
+    mpuevent explain --where Drive=7 --format html -o bytes.html events.cap)";
+
+inline constexpr char kSummaryExamples[] = R"(Examples:
+  What is in there?
+    mpuevent summary events.cap
+  What did one module log?
+    mpuevent summary --source 'Dev Mgr' --format json events.cap)";
+
+inline constexpr char kVerifyExamples[] = R"(Examples:
+  Is it whole?
+    mpuevent verify events.cap)";
+
+inline constexpr char kReportExamples[] = R"(Examples:
+  A page for a ticket:
+    mpuevent report events.cap --output report.html
+  What happened beside the errors:
+    mpuevent report --severity err --around 10m events.cap --output errors.html)";
+
+inline constexpr char kFollowExamples[] = R"(Examples:
+  As it happens:
+    mpuevent follow --severity warning --format brief events.cap
+  From where the last run stopped:
+    mpuevent follow --cursor events.cursor --format json events.cap)";
+
+inline constexpr char kFormatsExamples[] = R"(Examples:
+  What does an event hold?
+    mpuevent formats --module 24 --code 1040
+  The schema of the JSON output:
+    mpuevent formats --format json-schema)";
+
+inline constexpr char kSampleExamples[] = R"(Examples:
+  A capture to try the other commands with:
+    mpuevent sample --output sample.cap
+  Many events of one module:
+    mpuevent sample --module SATA8P_Event --count 1000 --output drives.cap)";
+
+inline constexpr char kExamples[] = R"(Examples:
+  Which drive failed, and when?
+    mpuevent decode --format brief --severity warn --grep 'Drive \d' events.cap
+  What is in there?
+    mpuevent summary events.cap
+  Is it whole?
+    mpuevent verify events.cap
+  A page for a ticket:
+    mpuevent report events.cap --output report.html
+  As it happens:
+    mpuevent follow --severity warning --format brief events.cap
+
+"mpuevent COMMAND --help" has the options of a command, and more examples.
+
+Exit status: 0 all well, 1 some of the input was damaged, 2 wrong usage, 3 could not read or write.)";
+
+} // namespace Pegasus::tool

@@ -4,6 +4,7 @@ set(CMAKE_SYSTEM_PROCESSOR ppc)
 set(CMAKE_C_COMPILER powerpc-linux-gnu-gcc) # GoogleTest's project() asks for C as well
 set(CMAKE_CXX_COMPILER powerpc-linux-gnu-g++)
 # Memory is short, and this core gains nothing from functions and loops that begin on cache lines.
+set(MPUEVENT_SMALL ON)
 set(CMAKE_CXX_FLAGS_INIT
     "-falign-functions=4 -falign-jumps=4 -falign-loops=4 -falign-labels=4")
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-ppc -L /usr/powerpc-linux-gnu)

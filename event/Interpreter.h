@@ -38,8 +38,9 @@ inline char* putLiteral(char* out, const char* text, std::size_t count) {
 // Writes the elements of the structure at the start of `view`. `watch` is told of each value: its
 // instruction, and where in the output it is; of a row that is left out, that it is nowhere.
 template <class Watch>
-[[gnu::always_inline]] inline void interpret(TextWriter& out, const Layout& layout, RecordView view,
-                                             std::string_view titleOf, Watch&& watch) {
+[[gnu::always_inline]] inline void interpret(TextWriter& out, const Layout& layout,
+                                             const RecordView& view, std::string_view titleOf,
+                                             Watch&& watch) {
     // Checked once: from here on every number is inside.
     std::uint8_t padded[kMaxExtent];
     const std::uint8_t* bytes = view.data();

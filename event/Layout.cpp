@@ -23,7 +23,8 @@ namespace {
 
 } // namespace
 
-void write(TextWriter& out, const Layout& layout, RecordView view, std::string_view titleOf) {
+void write(TextWriter& out, const Layout& layout, const RecordView& view,
+           std::string_view titleOf) {
     if (Footprint* footprint = view.footprint()) {
         footprint->weaken(layout.provenance);
         if (footprint->trace()) [[unlikely]]
@@ -34,7 +35,9 @@ void write(TextWriter& out, const Layout& layout, RecordView view, std::string_v
 }
 
 void noteNumbers(const Layout& layout, const RecordView& view) {
-    if (!view.noteMask(layout.mask, layout.extent)) [[unlikely]]
+    if (!layout.mask)
+        view.note(0, layout.extent);
+    else if (!view.noteMask(layout.mask, layout.extent)) [[unlikely]]
         noteBytes(layout, view);
 }
 
@@ -58,7 +61,8 @@ const Events::Entry* Events::find(std::uint32_t major, std::uint32_t minor) cons
                : nullptr;
 }
 
-void Events::call(Draft& draft, const Piece& piece, const Record& record, RecordView view) const {
+void Events::call(Draft& draft, const Piece& piece, const Record& record,
+                  const RecordView& view) const {
     Footprint* const footprint = view.footprint();
     if (footprint)
         footprint->beginCode(piece.provenance);
@@ -68,7 +72,7 @@ void Events::call(Draft& draft, const Piece& piece, const Record& record, Record
 }
 
 void Events::pieces(Draft& draft, Range range, std::string_view name, const Record& record,
-                    RecordView data) const {
+                    const RecordView& data) const {
     const Piece* piece = pieceCodes + range.first;
     for (const Piece* const end = piece + range.count; piece != end; ++piece) {
         const RecordView view = data.subview(piece->at);
@@ -80,14 +84,14 @@ void Events::pieces(Draft& draft, Range range, std::string_view name, const Reco
 }
 
 void Events::writeRows(TextWriter& body, const Entry& entry, unsigned first, unsigned n,
-                       RecordView data) const {
+                       const RecordView& data) const {
     const Piece* piece = pieceCodes + entry.piece + 1 + first;
     for (const std::uint16_t start = piece->at; n > 0; --n, ++piece)
         mpu::write(body, layout(piece->index), data.subview(piece->at - start));
 }
 
 void Events::writeBody(Draft& draft, const Entry& entry, const Record& record,
-                       RecordView data) const {
+                       const RecordView& data) const {
     const std::string_view name = title(entry, 0);
     const Piece& summary = pieceCodes[entry.piece];
     if (Footprint* footprint = data.footprint())
@@ -102,7 +106,8 @@ void Events::writeBody(Draft& draft, const Entry& entry, const Record& record,
         name, record, data);
 }
 
-void Events::write(Draft& draft, const Entry& entry, const Record& record, RecordView data) const {
+void Events::write(Draft& draft, const Entry& entry, const Record& record,
+                   const RecordView& data) const {
     draft.title.literal(title(entry, record.severity()));
     writeBody(draft, entry, record, data);
 }

@@ -51,7 +51,7 @@ struct Layout {
     const Instruction* code;
     const char* text; // all constant texts in their order, kSlack more bytes readable
     const Operand* operands;
-    const std::uint32_t* mask; // a bit for each byte that a number is read from
+    const std::uint32_t* mask; // a bit for each byte that a number is read from; null: of all
     std::uint16_t extent;      // bytes of the structure that numbers are read from
     std::uint16_t room;        // longest output, texts from the record and event names not counted
     Provenance provenance;     // the weakest of the rows
@@ -61,7 +61,8 @@ struct Layout {
 inline constexpr std::size_t kMaxExtent = 640;
 
 // Writes the elements of the structure at the start of `view`.
-void write(TextWriter& out, const Layout& layout, RecordView view, std::string_view titleOf = {});
+void write(TextWriter& out, const Layout& layout, const RecordView& view,
+           std::string_view titleOf = {});
 
 // Notes what the layout's numbers are read from.
 void noteNumbers(const Layout& layout, const RecordView& view);
@@ -94,13 +95,14 @@ public:
         std::uint16_t mask;
         std::uint16_t extent;
         std::uint16_t room;
+        bool isDense; // has no mask
         Provenance provenance;
     };
     struct Name {
         std::uint16_t at;
         std::uint16_t length;
     };
-    using Function = void (*)(Draft& draft, const Record& record, RecordView data);
+    using Function = void (*)(Draft& draft, const Record& record, const RecordView& data);
 
     // Null when no row has the codes.
     const Entry* find(std::uint32_t major, std::uint32_t minor) const;
@@ -114,18 +116,20 @@ public:
         return {text + name.at, name.length};
     }
     // Writes title, summary and body of an event whose data begin at `data`.
-    void write(Draft& draft, const Entry& entry, const Record& record, RecordView data) const;
+    void write(Draft& draft, const Entry& entry, const Record& record,
+               const RecordView& data) const;
     // Summary and body alone.
-    void writeBody(Draft& draft, const Entry& entry, const Record& record, RecordView data) const;
+    void writeBody(Draft& draft, const Entry& entry, const Record& record,
+                   const RecordView& data) const;
     // Some pieces of the entry's body, all of them rows: `n` from number `first` on, which has its
     // structure at `data`.
     void writeRows(TextWriter& body, const Entry& entry, unsigned first, unsigned n,
-                   RecordView data) const;
+                   const RecordView& data) const;
     // What every event of the table has before and after the pieces of its row.
-    void writeHead(Draft& draft, const Record& record, RecordView data) const {
+    void writeHead(Draft& draft, const Record& record, const RecordView& data) const {
         pieces(draft, head, {}, record, data);
     }
-    void writeTail(Draft& draft, const Record& record, RecordView data) const {
+    void writeTail(Draft& draft, const Record& record, const RecordView& data) const {
         pieces(draft, tail, {}, record, data);
     }
     void writeTitle(Draft& draft, const Record& record) const {
@@ -153,12 +157,14 @@ public:
 private:
     Layout layout(std::size_t i) const {
         const Place& place = places[i];
-        return {code + place.code, text + place.text, operands,        masks + place.mask,
-                place.extent,      place.room,        place.provenance};
+        return {code + place.code, text + place.text,
+                operands,          place.isDense ? nullptr : masks + place.mask,
+                place.extent,      place.room,
+                place.provenance};
     }
-    void call(Draft& draft, const Piece& piece, const Record& record, RecordView view) const;
+    void call(Draft& draft, const Piece& piece, const Record& record, const RecordView& view) const;
     void pieces(Draft& draft, Range range, std::string_view name, const Record& record,
-                RecordView data) const;
+                const RecordView& data) const;
 };
 
 // `text` without the blanks at both ends.

@@ -18,7 +18,7 @@ public:
             footprint->begin(announced == 0 || announced > 0xFFFF ? view_.size() : announced);
     }
     // A payload alone: the header is all zeros, its bytes are not there.
-    explicit Record(RecordView payload) : header_(kNoHeader), payload_(payload) {}
+    explicit Record(const RecordView& payload) : header_(kNoHeader), payload_(payload) {}
 
     std::uint8_t source() const { return header_.source; }
     std::uint8_t severity() const { return header_.eventType; }
@@ -27,8 +27,8 @@ public:
     // As the record claims.
     std::uint16_t payloadLength() const { return header_.evStructLength; }
 
-    RecordView view() const { return view_; }
-    RecordView payload() const { return payload_; }
+    const RecordView& view() const { return view_; }
+    const RecordView& payload() const { return payload_; }
 
 private:
     static constexpr EmpEvLogMsg_s kNoHeader{};

@@ -188,7 +188,7 @@ using namespace std::string_view_literals; // "with its NUL\0"sv
 
 // What rows can't say, as a function. `data` begins where the piece does.
 struct CustomPiece {
-    void (*write)(Draft& draft, const Record& record, RecordView data);
+    void (*write)(Draft& draft, const Record& record, const RecordView& data);
     std::string_view description;   // one sentence for people, in Markdown
     std::span<const Row> rows = {}; // what it shows of the record, as far as rows can tell
     std::string_view sample = {};   // bytes that a sample record has there

@@ -13,6 +13,7 @@
 #include "event/Layout.h"
 
 #include <algorithm>
+#include <bit>
 #include <iterator>
 #include <vector>
 
@@ -83,7 +84,7 @@ public:
                 return static_cast<std::uint8_t>(i);
         keys_.push_back({rows.data(), rows.size()});
         places.push_back({size16(code.size()), size16(text.size()), size16(masks.size()), 0, 0,
-                          Provenance::Documented});
+                          true, Provenance::Documented});
         extent_ = room_ = pending_ = 0;
         const std::size_t start = text.size();
         group_ = {};
@@ -451,6 +452,12 @@ private:
             for (std::size_t byte = at; byte < at + size; ++byte)
                 mask[byte / 32] |= std::uint32_t{1} << byte % 32;
         read_.clear();
+        std::size_t read = 0;
+        for (const std::uint32_t word : mask)
+            read += static_cast<std::size_t>(std::popcount(word));
+        if (read == extent_) // without a gap
+            mask.clear();
+        places.back().isDense = mask.empty();
         const auto known = std::search(masks.begin(), masks.end(), mask.begin(), mask.end());
         places.back().mask = size16(known - masks.begin());
         if (known == masks.end())
@@ -648,7 +655,7 @@ inline constexpr Layout kLayout = [] {
     return Layout{packed.code.data(),
                   packed.text.data(),
                   table_compiler::kPointers<Rows, S>.operands.data(),
-                  packed.masks.data(),
+                  packed.places[0].isDense ? nullptr : packed.masks.data(),
                   packed.places[0].extent,
                   packed.places[0].room,
                   packed.places[0].provenance};

@@ -36,6 +36,7 @@ public:
             dup2(input, STDIN_FILENO);
             for (int i = 3; i < 64; ++i)
                 ::close(i);
+            std::signal(SIGINT, SIG_DFL); // a shell's background job ignores it
             execl("/bin/sh", "sh", "-c", script.c_str(), nullptr);
             _exit(127);
         }

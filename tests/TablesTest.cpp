@@ -93,7 +93,7 @@ constexpr EventRow kBadPiece[] = {{1, "A", line("x"), {kGoodRows}},
 constexpr EventTable kBadPieceTable{.rows = kBadPiece, .minor = u16(150)};
 constexpr EventRow kBadSummary[] = {{7, "B", line("%d"), {kGoodRows}}};
 constexpr EventTable kBadSummaryTable{.rows = kBadSummary, .minor = u16(150)};
-void nothing(Draft&, const Record&, RecordView) {}
+void nothing(Draft&, const Record&, const RecordView&) {}
 constexpr CustomPiece kBadForPeople{nothing, "Fans.", kNoValue};
 constexpr EventRow kBadRowsOfPiece[] = {{7, "B", line("x"), {kBadForPeople}}};
 constexpr EventTable kBadRowsOfPieceTable{.rows = kBadRowsOfPiece, .minor = u16(150)};

@@ -66,7 +66,7 @@ char* putLine(char* out, std::string_view bytes) {
 // and the record.
 class Items {
 public:
-    explicit Items(RecordView tree)
+    explicit Items(const RecordView& tree)
         : tree_(tree), end_(std::min(tree.size(), kHeader + contentOf(tree.u32(4)))) {}
 
     // False after the last one.
@@ -142,7 +142,7 @@ RecordView viewOf(const awrEvtHdr_s* item) {
 
 } // namespace
 
-void awr::putTree(Draft& draft, const Record&, RecordView data) {
+void awr::putTree(Draft& draft, const Record&, const RecordView& data) {
     bool summarySet = false;
     draft.body.setSanitize(Sanitize::No);
     for (Items items(data); items.next();) {

@@ -5,7 +5,7 @@
 
 namespace Pegasus::mpu::awr {
 
-void putTree(Draft& draft, const Record& record, RecordView data);
+void putTree(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kTree{
     putTree,
     "One item: a type (u32), the length of its content (u32) and the content. Type 0 is a text, "

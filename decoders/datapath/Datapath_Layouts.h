@@ -63,7 +63,7 @@ inline constexpr char kBigEndian[] = {
 template <std::uint32_t Length>
 inline constexpr Piece kLength = sample(kLengthAt, {kBigEndian<Length>, 4});
 
-void putFileSummary(Draft& draft, const Record& record, RecordView data);
+void putFileSummary(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kFileSummary{putFileSummary, "the file"};
 inline constexpr Row kFileRows[] = {{"File", "%s", text(0, 127)}};
 

@@ -3,7 +3,7 @@
 
 namespace Pegasus::mpu::datapath {
 
-std::size_t leftOf(const Record& record, RecordView data) {
+std::size_t leftOf(const Record& record, const RecordView& data) {
     const RecordView payload = record.payload();
     const RecordView area = payload.subview(kDataAt);
     const std::size_t end = std::min<std::size_t>(payload.u32(kLengthAt), area.size());
@@ -17,11 +17,11 @@ Untrusted assertFile(const Record& record) {
     return payload.text(kDataAt, std::min<std::size_t>(payload.u32(kLengthAt), kLongest));
 }
 
-void putFileSummary(Draft& draft, const Record& record, RecordView) {
+void putFileSummary(Draft& draft, const Record& record, const RecordView&) {
     draft.summary.untrusted(assertFile(record));
 }
 
-void traceLength(const char* source, int line, const char* what, RecordView payload) {
+void traceLength(const char* source, int line, const char* what, const RecordView& payload) {
     if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
         return;
     LineWriter length;

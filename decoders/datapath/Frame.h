@@ -17,12 +17,12 @@ static_assert(sizeof(Frame) == kDataAt);
 inline constexpr std::size_t kMaxData = 0xFFFF;
 
 // How many bytes of the data area follow where `data` begins, which is a part of it.
-std::size_t leftOf(const Record& record, RecordView data);
+std::size_t leftOf(const Record& record, const RecordView& data);
 
 // The file name in the data area of an assert: a text of at most 127 characters.
 Untrusted assertFile(const Record& record);
 
 // Traces `what` and the length of the data area in hexadecimal.
-void traceLength(const char* source, int line, const char* what, RecordView payload);
+void traceLength(const char* source, int line, const char* what, const RecordView& payload);
 
 } // namespace Pegasus::mpu::datapath

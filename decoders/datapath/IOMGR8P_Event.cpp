@@ -26,26 +26,26 @@ const Events::Entry* findEvent(const Record& record) {
     return events.find(payload.u32(kClassAt), payload.u32(kCodeAt));
 }
 
-void putGroup(TextWriter& body, RecordView group) {
+void putGroup(TextWriter& body, const RecordView& group) {
     for (std::size_t i = 0; i < kSgtEntries && group.u32(i * kSgtEntrySize) != 0; ++i)
         write(body, kLayout<kSgtRows, Style::Joined>, group.subview(i * kSgtEntrySize));
 }
 
 } // namespace
 
-void iomgr::putExtents(Draft& draft, const Record& record, RecordView data) {
+void iomgr::putExtents(Draft& draft, const Record& record, const RecordView& data) {
     const std::size_t left = leftOf(record, data);
     for (std::size_t at = 0; at < left; at += kExtSize)
         write(draft.body, kLayout<kExtRows, Style::Joined>, data.subview(at));
 }
 
-void iomgr::putGroups(Draft& draft, const Record& record, RecordView data) {
+void iomgr::putGroups(Draft& draft, const Record& record, const RecordView& data) {
     const std::size_t left = leftOf(record, data);
     for (std::size_t at = 0; at < left; at += kSgtSize)
         putGroup(draft.body, data.subview(at));
 }
 
-void iomgr::putFile(Draft& draft, const Record& record, RecordView) {
+void iomgr::putFile(Draft& draft, const Record& record, const RecordView&) {
     putEntry(draft.body, "File", assertFile(record));
 }
 
@@ -99,7 +99,7 @@ char* addClass(IOMGR8P_Event& to, unsigned eventClass, const IOMGR_EVL* event, c
     return position;
 }
 
-char* addData(IOMGR8P_Event& to, Events::Function put, const Record& record, RecordView data,
+char* addData(IOMGR8P_Event& to, Events::Function put, const Record& record, const RecordView& data,
               char* position) {
     Draft draft(Sanitize::No);
     put(draft, record, data);
@@ -108,11 +108,11 @@ char* addData(IOMGR8P_Event& to, Events::Function put, const Record& record, Rec
 }
 
 // The first structures of an event, which begin at `data`.
-void putStructures(TextWriter& body, Codes event, unsigned count, RecordView data) {
+void putStructures(TextWriter& body, Codes event, unsigned count, const RecordView& data) {
     events.writeRows(body, *events.find(event.major, event.first), 1, count, data);
 }
 
-char* addStructures(IOMGR8P_Event& to, Codes event, unsigned count, RecordView data,
+char* addStructures(IOMGR8P_Event& to, Codes event, unsigned count, const RecordView& data,
                     char* position) {
     BodyWriter body;
     putStructures(body, event, count, data);
@@ -197,14 +197,14 @@ MPUEVENT_STRUCTURE(rbt, RBT, kRbtSize, 28, 31, 1)
 
 static_assert(sizeof(IOMGR_EVL_EXT) == kExtSize && sizeof(IOMGR_EVL_SGT) == kSgtSize);
 char* IOMGR8P_Event::get_IOMGR8P_ext_event_body(const IOMGR_EVL_EXT* ext, char* position) {
-    const auto put = [](Draft& draft, const Record&, RecordView data) {
+    const auto put = [](Draft& draft, const Record&, const RecordView& data) {
         write(draft.body, kLayout<kExtRows, Style::Joined>, data);
     };
     const RecordView data(ext, sizeof *ext);
     return addData(*this, put, Record(data), data, position);
 }
 char* IOMGR8P_Event::get_IOMGR8P_sgt_event_body(const IOMGR_EVL_SGT* sgt, char* position) {
-    const auto put = [](Draft& draft, const Record&, RecordView data) {
+    const auto put = [](Draft& draft, const Record&, const RecordView& data) {
         putGroup(draft.body, data);
     };
     const RecordView data(sgt, sizeof *sgt);
@@ -212,7 +212,7 @@ char* IOMGR8P_Event::get_IOMGR8P_sgt_event_body(const IOMGR_EVL_SGT* sgt, char* 
 }
 
 char* IOMGR8P_Event::dump_volume(const IOMGR_EVL* event, char* position, const char* volume) {
-    const auto put = [](Draft& draft, const Record& record, RecordView data) {
+    const auto put = [](Draft& draft, const Record& record, const RecordView& data) {
         putStructures(draft.body, {25, 28}, 1, data);
         putExtents(draft, record, data.subview(kVtSize));
     };

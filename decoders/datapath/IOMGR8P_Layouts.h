@@ -230,16 +230,16 @@ inline constexpr std::string_view kClassTitleTexts[] = {
 };
 inline constexpr NameTable kClassTitles = names<kClassTitleTexts>(Fallback::Last);
 
-void putExtents(Draft& draft, const Record& record, RecordView data);
+void putExtents(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kExtents{
     putExtents, "Extents of 80 bytes, all that begin in the data area.", kExtRows};
-void putGroups(Draft& draft, const Record& record, RecordView data);
+void putGroups(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kGroups{
     putGroups,
     "Scatter-gather groups of eight entries, all that begin in the data area; an entry with "
     "address 0 ends its group.",
     kSgtRows, "\x10\x20\x30\x40\0\0\x02\0\x10\x20\x34\0\0\0\x01\0"sv};
-void putFile(Draft& draft, const Record& record, RecordView data);
+void putFile(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kFile{putFile, "The source file, to the end of the data area.",
                                    kFileRows, "iomgr_main.c\0"sv};
 

@@ -42,13 +42,13 @@ char* mip::putIrq(char* out, const std::uint8_t* at) {
     return irq == 0 ? putText(out, "Disabled") : putDecimal(out, irq);
 }
 
-void mip::putBadData(Draft& draft, const Record& record, RecordView data) {
+void mip::putBadData(Draft& draft, const Record& record, const RecordView& data) {
     const std::string_view area = data.bytes(0, leftOf(record, data)).raw();
     constexpr std::size_t kAt = kBadDataAt - kBadLengthAt;
     putHexElement(draft.body, area.substr(std::min(kAt, area.size()), data.u32(0)));
 }
 
-void mip::putFile(Draft& draft, const Record& record, RecordView) {
+void mip::putFile(Draft& draft, const Record& record, const RecordView&) {
     draft.body.element("File", assertFile(record), " ");
 }
 
@@ -104,7 +104,7 @@ char* copyEvent(MIP8P_Event& to, const Events& table, unsigned eventClass, const
 }
 
 // The first `count` structures of an event.
-char* copyStructures(Codes event, unsigned count, RecordView structure, char* out) {
+char* copyStructures(Codes event, unsigned count, const RecordView& structure, char* out) {
     BodyWriter body;
     events.writeRows(body, *events.find(event.major, event.first), 1, count, structure);
     return copyOut(body, out);

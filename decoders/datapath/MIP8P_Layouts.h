@@ -163,7 +163,7 @@ inline constexpr unsigned kBadLengthAt = 24;
 inline constexpr unsigned kBadDataAt = 28;
 
 // What the data area says of the bad data, and they themselves.
-void putBadData(Draft& draft, const Record& record, RecordView data);
+void putBadData(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kBadData{
     putBadData,
     "The bad data as `Hex`: as many bytes as announced, to the end of the data area.",
@@ -193,7 +193,7 @@ inline constexpr std::string_view kClassTitleTexts[] = {
 };
 inline constexpr NameTable kClassTitles = names<kClassTitleTexts>(Fallback::Last);
 
-void putFile(Draft& draft, const Record& record, RecordView data);
+void putFile(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kFile{putFile, "The source file, to the end of the data area.",
                                    kFileRows, "mip_main.c\0"sv};
 

@@ -80,12 +80,12 @@ void putBody(TextWriter& body, std::string_view text) {
 
 } // namespace
 
-void vpi::putFirstLine(Draft& draft, const Record& record, RecordView) {
+void vpi::putFirstLine(Draft& draft, const Record& record, const RecordView&) {
     const std::string_view text = textOf(record);
     draft.summary.untrusted(Untrusted(text.substr(0, text.find('\n'))));
 }
 
-void vpi::putLines(Draft& draft, const Record& record, RecordView) {
+void vpi::putLines(Draft& draft, const Record& record, const RecordView&) {
     putBody(draft.body, textOf(record));
 }
 

@@ -5,9 +5,9 @@
 
 namespace Pegasus::mpu::vpi {
 
-void putFirstLine(Draft& draft, const Record& record, RecordView data);
+void putFirstLine(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kFirstLine{putFirstLine, "the first line"};
-void putLines(Draft& draft, const Record& record, RecordView data);
+void putLines(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kLines{
     putLines,
     "Lines of text. One with `key=value` pairs becomes a `Values` group, another one `Text1`, "

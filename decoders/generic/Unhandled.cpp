@@ -13,7 +13,7 @@ namespace Pegasus {
 
 using namespace mpu;
 
-void unhandled::putPayload(Draft& draft, const Record& record, RecordView) {
+void unhandled::putPayload(Draft& draft, const Record& record, const RecordView&) {
     writePayload(draft.body, record);
 }
 

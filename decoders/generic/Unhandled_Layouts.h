@@ -5,7 +5,7 @@
 
 namespace Pegasus::mpu::unhandled {
 
-void putPayload(Draft& draft, const Record& record, RecordView data);
+void putPayload(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kPayload{putPayload, "The payload as `Hex`.", {}, "\x01\x02\xFF"sv};
 // For people, as the title is: both have the module's own words.
 inline constexpr CustomPiece kSummary{putPayload, "`Unhandled Event by` and the module"};

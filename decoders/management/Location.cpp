@@ -16,7 +16,7 @@ void copyText(char* out, std::string_view text) {
     out[text.size()] = '\0';
 }
 
-Location locationOf(RecordView block) {
+Location locationOf(const RecordView& block) {
     Location found;
     found.line = block.u16(0);
     found.file = block.text(kFileAt, sizeof(LocationBlock) - kFileAt);
@@ -33,7 +33,7 @@ void unpackLocation(const LocationBlock& block, int& line, char* function, char*
     copyText(file, found.file.raw());
 }
 
-LocatedRecord::LocatedRecord(RecordView record, Block block)
+LocatedRecord::LocatedRecord(const RecordView& record, Block block)
     : record_(record), data_(record.subview(sizeof(EmpEvLogMsg_s))) {
     if (block == Block::Always || record.u16(144) > sizeof(LocationBlock)) {
         location_ = locationOf(data_.subview(0, sizeof(LocationBlock)));

@@ -16,7 +16,7 @@ struct Location {
     Untrusted file;
     Untrusted function;
 };
-Location locationOf(RecordView block);
+Location locationOf(const RecordView& block);
 
 // Unpacks `block` for callers with buffers of 32 characters each.
 void unpackLocation(const LocationBlock& block, int& line, char* function, char* file);
@@ -26,7 +26,7 @@ void unpackLocation(const LocationBlock& block, int& line, char* function, char*
 class LocatedRecord {
 public:
     enum class Block : std::uint8_t { Always, WhenLonger };
-    LocatedRecord(RecordView record, Block block);
+    LocatedRecord(const RecordView& record, Block block);
 
     std::uint8_t severity() const { return record_.u8(147); }
     RecordView data() const { return data_; }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr const Events& events = kEventsOf<kEvents>;
 
-void putRest(TextWriter& body, RecordView data, int length) {
+void putRest(TextWriter& body, const RecordView& data, int length) {
     const int textSize = static_cast<int>(data.text(0).size()) + 1;
     const std::size_t left = length > textSize ? static_cast<std::size_t>(length - textSize) : 0;
     body.literal("<Hex>").hexBytes(data.bytes(static_cast<std::size_t>(textSize), left));
@@ -34,7 +34,7 @@ char* ncs::putLinkState(char* out, const std::uint8_t* at) {
     return putText(out, loadBig<std::uint32_t>(at) == 1040 ? "UP" : "DOWN");
 }
 
-void ncs::putDump(Draft& draft, const Record& record, RecordView data) {
+void ncs::putDump(Draft& draft, const Record& record, const RecordView& data) {
     putRest(draft.body, data, record.payloadLength());
 }
 

@@ -42,7 +42,7 @@ inline constexpr Row kMessageRows[] = {
 };
 inline constexpr unsigned kMessageSize = 56; // the last 16 bytes are not shown
 
-void putDump(Draft& draft, const Record& record, RecordView data);
+void putDump(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kDump{
     putDump, "What follows the text's NUL, as `Hex`.", {}, "Bad frame\0\x00\x1B\x21\xA0\xFF"sv};
 

@@ -112,7 +112,7 @@ LocatedRecord located(const Record& record, unsigned int code = 0) {
     return {record.view(), code == kMessage ? Block::WhenLonger : Block::Always};
 }
 
-Untrusted textAfterObject(RecordView data) {
+Untrusted textAfterObject(const RecordView& data) {
     return data.text(kObjectAt + std::size_t{data.u16(kObjectSizeAt)});
 }
 
@@ -128,39 +128,39 @@ String bodyOf(unsigned int code, const EmpEvLogMsg_s* bytes, char* summary) {
 
 } // namespace
 
-void smis::putObject(Draft& draft, const Record& record, RecordView) {
+void smis::putObject(Draft& draft, const Record& record, const RecordView&) {
     const RecordView data = located(record).data();
     writeObject(draft.body, data.u8(kClassIdAt), data.subview(kObjectAt, data.u16(kObjectSizeAt)));
 }
 
-void smis::putObjectText(Draft& draft, const Record&, RecordView data) {
+void smis::putObjectText(Draft& draft, const Record&, const RecordView& data) {
     LocatedRecord::putText(draft.body, textAfterObject(data));
 }
 
-void smis::putObjectSentence(Draft& draft, const Record&, RecordView data) {
+void smis::putObjectSentence(Draft& draft, const Record&, const RecordView& data) {
     draft.summary.untrusted(Untrusted(summarize(textAfterObject(data).raw(), 0)));
 }
 
-void smis::putSentence(Draft& draft, const Record&, RecordView data) {
+void smis::putSentence(Draft& draft, const Record&, const RecordView& data) {
     draft.summary.untrusted(Untrusted(summarize(data.text(0).raw(), 0)));
 }
 
-void smis::putDump(Draft& draft, const Record& record, RecordView data) {
+void smis::putDump(Draft& draft, const Record& record, const RecordView& data) {
     located(record).putDump(draft.body, data.text(0));
 }
 
-void smis::putPairs(Draft& draft, const Record& record, RecordView data) {
+void smis::putPairs(Draft& draft, const Record& record, const RecordView& data) {
     const LocatedRecord::Rest area = located(record).after(data.text(0));
     if (area.holdsText)
         writePairs(draft.body, area.data.bytes(0, static_cast<std::size_t>(area.left)).raw());
 }
 
-void smis::putTrailer(Draft& draft, const Record& record, RecordView) {
+void smis::putTrailer(Draft& draft, const Record& record, const RecordView&) {
     if (record.severity() != 1)
         located(record).putTrailer(draft.body);
 }
 
-void smis::putMessageTrailer(Draft& draft, const Record& record, RecordView) {
+void smis::putMessageTrailer(Draft& draft, const Record& record, const RecordView&) {
     if (record.severity() != 1)
         located(record, kMessage).putTrailer(draft.body);
 }

@@ -17,7 +17,7 @@ inline constexpr Row kObjectHeaderRows[] = {
 
 // The object by its class; `Rows` are its attributes. What is known of the statistics was logged by
 // another service; that the objects are encoded alike is assumed.
-void putObject(Draft& draft, const Record& record, RecordView data);
+void putObject(Draft& draft, const Record& record, const RecordView& data);
 template <const auto& Rows>
 inline constexpr CustomPiece kObject{
     putObject,
@@ -25,20 +25,20 @@ inline constexpr CustomPiece kObject{
     Rows,
     {},
     Provenance::Assumed};
-void putObjectText(Draft& draft, const Record& record, RecordView data);
+void putObjectText(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kObjectText{putObjectText, "`Text`: the text after the object."};
-void putObjectSentence(Draft& draft, const Record& record, RecordView data);
+void putObjectSentence(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kObjectSentence{putObjectSentence,
                                              "The first sentence of the text after the object."};
 
-void putSentence(Draft& draft, const Record& record, RecordView data);
+void putSentence(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kSentence{putSentence, "The first sentence of the text."};
 
-void putDump(Draft& draft, const Record& record, RecordView data);
+void putDump(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kDump{
     putDump, "What follows the text's NUL, as `Hex`.", {}, "Malformed\0\xDE\xAD\xBE\xEF\x01\x02"sv};
 
-void putPairs(Draft& draft, const Record& record, RecordView data);
+void putPairs(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kPairs{
     putPairs,
     "After the text's NUL `key=value` pairs with blanks between them: each is an element named by "
@@ -46,10 +46,10 @@ inline constexpr CustomPiece kPairs{
     {},
     "Indication lost\0Class=AlertIndication, Count=2 Filter=a=b"sv};
 
-void putTrailer(Draft& draft, const Record& record, RecordView data);
+void putTrailer(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kTrailer{putTrailer,
                                       "Unless the severity is 1: `File`, `Func`, `Line`."};
-void putMessageTrailer(Draft& draft, const Record& record, RecordView data);
+void putMessageTrailer(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kMessageTrailer{putMessageTrailer, kTrailer.description};
 
 inline constexpr unsigned kMessage = 2013; // its payload may be without a location block

@@ -36,7 +36,7 @@ void putLine(TextWriter& body, std::string_view line, unsigned int& counter) {
 }
 
 // `length` decides which elements are written.
-void writeChannel(TextWriter& body, RecordView payload, int length) {
+void writeChannel(TextWriter& body, const RecordView& payload, int length) {
     const std::string_view text = payload.text(0).raw();
     const RecordView header = payload.subview((text.size() + 4) / 4 * 4);
     body.element("Text", Untrusted(firstLine(text)), " ").open("MMCH_contents");
@@ -47,7 +47,7 @@ void writeChannel(TextWriter& body, RecordView payload, int length) {
     body.close("MMCH_contents");
 }
 
-const Events::Entry& reportOf(RecordView payload) {
+const Events::Entry& reportOf(const RecordView& payload) {
     const std::uint32_t signalClass = std::min<std::uint32_t>(payload.u16(kClassAt), kOtherClass);
     return *reports.find(signalClass, payload.u32(kSignalAt));
 }
@@ -61,11 +61,11 @@ String bodyOf(unsigned int code, const EmpEvLogMsg_s* bytes) {
 
 } // namespace
 
-void startup::putFirstLine(Draft& draft, const Record& record, RecordView data) {
+void startup::putFirstLine(Draft& draft, const Record& record, const RecordView& data) {
     draft.summary.untrusted(Untrusted(firstLine(data.text(0, record.payloadLength()).raw())));
 }
 
-void startup::putLines(Draft& draft, const Record&, RecordView data) {
+void startup::putLines(Draft& draft, const Record&, const RecordView& data) {
     std::string_view text = data.text(0).raw();
     unsigned int counter = 1;
     while (!text.empty()) {
@@ -75,15 +75,15 @@ void startup::putLines(Draft& draft, const Record&, RecordView data) {
     }
 }
 
-void startup::putChannel(Draft& draft, const Record& record, RecordView) {
+void startup::putChannel(Draft& draft, const Record& record, const RecordView&) {
     writeChannel(draft.body, record.payload(), kAlways);
 }
 
-void startup::putPartialChannel(Draft& draft, const Record& record, RecordView) {
+void startup::putPartialChannel(Draft& draft, const Record& record, const RecordView&) {
     writeChannel(draft.body, record.payload(), record.payloadLength());
 }
 
-void startup::putStack(Draft& draft, const Record& record, RecordView data) {
+void startup::putStack(Draft& draft, const Record& record, const RecordView& data) {
     TextWriter& body = draft.body;
     constexpr std::size_t kElementRoom = sizeof "<Sffff>ffffffff</Sffff> ";
     const int words = static_cast<int>(record.payloadLength()) / 4 - 2;
@@ -108,7 +108,7 @@ void startup::putStack(Draft& draft, const Record& record, RecordView data) {
     }
 }
 
-void startup::putState(Draft& draft, const Record& record, RecordView payload) {
+void startup::putState(Draft& draft, const Record& record, const RecordView& payload) {
     TextWriter& body = draft.body;
     const unsigned int length = record.payloadLength();
     if (length < kRegistersAt + 4)

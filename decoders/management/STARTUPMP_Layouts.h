@@ -170,35 +170,35 @@ inline constexpr unsigned kRegistersAt = 4;
 
 // ---- events ------------------------------------------------------------------------------------
 
-void putFirstLine(Draft& draft, const Record& record, RecordView data);
+void putFirstLine(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kFirstLine{putFirstLine, "The first line of the text."};
-void putLines(Draft& draft, const Record& record, RecordView data);
+void putLines(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kLines{
     putLines,
     "Each line of the text as `Text1`, `Text2` ..., without the white space around it; empty lines "
     "are left out.",
     {},
     "MPU application started\nversion 2.4.1\n\0"sv};
-void putChannel(Draft& draft, const Record& record, RecordView data);
+void putChannel(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kChannel{
     putChannel,
     "The text's first line as `Text`, then from the next multiple of four on a message header in a "
     "group `MMCH_contents`.",
     kChannelRows};
-void putPartialChannel(Draft& draft, const Record& record, RecordView data);
+void putPartialChannel(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kPartialChannel{
     putPartialChannel,
     "The same, but a header element is only shown when the payload is longer than: `protocol`, "
     "`type` 16; `requestor` 17; `mmsg_cont` 18; `return_code` 40; `general_use1` 48; "
     "`general_use2` 52; `general_use3` 56.",
     kChannelRows};
-void putState(Draft& draft, const Record& record, RecordView data);
+void putState(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kState{
     putState,
     "Registers to the end of the payload: `REG` and a running number, value and address. The bytes "
     "of an incomplete word at the end are `rsvd`.",
     kStateRows, "\xF0\x00\x10\x00\x80\x00\x00\x01\0\0\0\0\x00\x00\xBE\xEF"sv, Provenance::Assumed};
-void putStack(Draft& draft, const Record& record, RecordView data);
+void putStack(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kStack{
     putStack,
     "The words of the stack to the end of the payload: `S` and a running number in hexadecimal. "

@@ -54,15 +54,15 @@ String bodyOf(unsigned int code, const EmpEvLogMsg_s* bytes, char* summary) {
 
 } // namespace
 
-void scc::putSentence(Draft& draft, const Record&, RecordView data) {
+void scc::putSentence(Draft& draft, const Record&, const RecordView& data) {
     draft.summary.untrusted(Untrusted(summarize(data.text(0).raw(), 0)));
 }
 
-void scc::putDump(Draft& draft, const Record& record, RecordView data) {
+void scc::putDump(Draft& draft, const Record& record, const RecordView& data) {
     located(record).putDump(draft.body, data.text(0));
 }
 
-void scc::putStatus(Draft& draft, const Record& record, RecordView) {
+void scc::putStatus(Draft& draft, const Record& record, const RecordView&) {
     const LocatedRecord all = located(record);
     const LocatedRecord::Rest status = all.after(all.data().text(0));
     if (status.left >= kStatusSize)
@@ -73,12 +73,12 @@ void scc::putStatus(Draft& draft, const Record& record, RecordView) {
         "<MPU_Global_Status_Event>No information available</MPU_Global_Status_Event> ");
 }
 
-void scc::putTrailer(Draft& draft, const Record& record, RecordView) {
+void scc::putTrailer(Draft& draft, const Record& record, const RecordView&) {
     if (record.severity() != 1)
         located(record).putTrailer(draft.body);
 }
 
-void scc::putStatusTrailer(Draft& draft, const Record& record, RecordView data) {
+void scc::putStatusTrailer(Draft& draft, const Record& record, const RecordView& data) {
     if (record.severity() != 101)
         putTrailer(draft, record, data);
 }

@@ -123,23 +123,23 @@ inline constexpr Row kSharedMemoryRows[] = {
     {"ShMem_Key", "%d", u32(0)},
 };
 
-void putSentence(Draft& draft, const Record& record, RecordView data);
+void putSentence(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kSentence{putSentence, "The first sentence of the text."};
 
-void putDump(Draft& draft, const Record& record, RecordView data);
+void putDump(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kDump{
     putDump, "What follows the text's NUL, as `Hex`.", {}, "Bad block\0\xDE\xAD\xBE\xEF\x01\x02"sv};
 
 // The text of the sample is "Ready", so what follows it begins six bytes on.
-void putStatus(Draft& draft, const Record& record, RecordView data);
+void putStatus(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kStatus{
     putStatus, "The 64 bytes after the text's NUL; fewer are reported as `Incorrect_data_len`.",
     kStatusRows};
 
-void putTrailer(Draft& draft, const Record& record, RecordView data);
+void putTrailer(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kTrailer{putTrailer,
                                       "Unless the severity is 1: `File`, `Func`, `Line`."};
-void putStatusTrailer(Draft& draft, const Record& record, RecordView data);
+void putStatusTrailer(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kStatusTrailer{
     putStatusTrailer, "Unless the severity is 1 or 101: `File`, `Func`, `Line`."};
 

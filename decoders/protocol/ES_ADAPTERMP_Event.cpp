@@ -38,28 +38,28 @@ void putBits(Draft& draft, std::uint64_t bits, const BitTexts& texts) {
 
 } // namespace
 
-void esa::putFunction(Draft& draft, const Record&, RecordView data) {
+void esa::putFunction(Draft& draft, const Record&, const RecordView& data) {
     draft.body.element("Function", locationOf(data).function, " ");
 }
 
-void esa::putBuffer(Draft& draft, const Record& record, RecordView data) {
+void esa::putBuffer(Draft& draft, const Record& record, const RecordView& data) {
     draft.body.literal("<Buffer_Data>").hexBytes(data.bytes(0, record.payloadLength()));
     draft.body.literal("</Buffer_Data> ");
 }
 
-void esa::putDriveLeds(Draft& draft, const Record&, RecordView data) {
+void esa::putDriveLeds(Draft& draft, const Record&, const RecordView& data) {
     putBits(draft, data.u32(0) | static_cast<std::uint64_t>(data.u32(4)) << 32,
             {"<Drive_Fault_LED>Drive [", "] Fault LED is ON</Drive_Fault_LED> ",
              "Drive Fault LEDs ON:", "No Drive Fault LED is ON"});
 }
 
-void esa::putFanFaults(Draft& draft, const Record&, RecordView data) {
+void esa::putFanFaults(Draft& draft, const Record&, const RecordView& data) {
     putBits(draft, data.u32(0),
             {"<Fan_Fault_Status>Fan [", "] has Fault</Fan_Fault_Status> ",
              "Fans with Fault:", "No Fan has Fault"});
 }
 
-void esa::putFanSpeeds(Draft& draft, const Record&, RecordView data) {
+void esa::putFanSpeeds(Draft& draft, const Record&, const RecordView& data) {
     const std::int32_t fans = static_cast<std::int32_t>(data.u32(kFanCountAt));
     for (unsigned fan = 0; fan < kMaxFans && static_cast<std::int32_t>(fan) < fans; ++fan) {
         numbered(draft.body, "<Fan_Speed>Fan [", fan, "] has ");

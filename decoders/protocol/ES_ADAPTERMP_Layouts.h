@@ -87,7 +87,7 @@ inline constexpr Row kErrorRows[] = {
     assumed("Critical_Error", "%d", u32(32)),
     Row("File", "%s", text(2, 30)).inferred(),
 };
-void putFunction(Draft& draft, const Record& record, RecordView data);
+void putFunction(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kFunction{
     putFunction,
     "`Function`, the text after the file name's NUL, in the same 32 bytes.",
@@ -100,7 +100,7 @@ inline constexpr Row kMessageRows[] = {
     Row("Line", "%d", u16(0)).inferred(),
     assumed("Error_Message", "%s", text(kMessageAt)),
 };
-void putBuffer(Draft& draft, const Record& record, RecordView data);
+void putBuffer(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kBuffer{putBuffer,
                                      "The payload as `Buffer_Data`.",
                                      {},
@@ -162,7 +162,7 @@ inline constexpr Row kStateRows[] = {
 inline constexpr Row kEnclosureRows[] = {
     assumed("Enclosure_Type", "%s", name(u32(0), kEnclosures)),
 };
-void putDriveLeds(Draft& draft, const Record& record, RecordView data);
+void putDriveLeds(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kDriveLeds{
     putDriveLeds,
     "One `Drive_Fault_LED` for each bit that is set: bit k of the word at 4 is drive k, of the "
@@ -174,7 +174,7 @@ inline constexpr CustomPiece kDriveLeds{
 inline constexpr Row kPowerRows[] = {
     assumed("Power_Supply_Status", "%s", name(u32(0), kPowerStates)),
 };
-void putFanFaults(Draft& draft, const Record& record, RecordView data);
+void putFanFaults(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kFanFaults{
     putFanFaults,
     "One `Fan_Fault_Status` for each bit that is set in the word at 0: bit k is fan k. The summary "
@@ -211,7 +211,7 @@ inline constexpr unsigned kFanCountAt = 48;
 inline constexpr Row kFanRows[] = {
     assumed("Fan_Speed", "Fan [%d] has %d RPM.", index, u32(kFanSpeedAt)).repeat(kMaxFans, 4),
 };
-void putFanSpeeds(Draft& draft, const Record& record, RecordView data);
+void putFanSpeeds(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kFanSpeeds{putFanSpeeds,
                                         "As many `Fan_Speed` as `Cooling_Number` says.",
                                         kFanRows,

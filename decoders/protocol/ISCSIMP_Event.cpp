@@ -18,7 +18,7 @@ constexpr const Events& events = kEventsOf<kEvents>;
 constexpr Row kAddressLine[] = {line("%u.%u.%u.%u", u8(0), u8(1), u8(2), u8(3))};
 
 template <const auto& Rows>
-void put(TextWriter& out, RecordView view) {
+void put(TextWriter& out, const RecordView& view) {
     write(out, kLayout<Rows, Style::Joined>, view);
 }
 
@@ -29,7 +29,7 @@ void putElement(Draft& draft, std::string_view tag, Untrusted text) {
 // The texts after the fixed part of the data, in their order; offsets are from the lengths.
 class TextRun {
 public:
-    TextRun(RecordView data, unsigned at) : data_(data), at_(at - kLengthsAt) {}
+    TextRun(const RecordView& data, unsigned at) : data_(data), at_(at - kLengthsAt) {}
 
     // The next one, whose length is at `lengthAt`.
     Untrusted next(std::size_t lengthAt) {
@@ -44,7 +44,7 @@ private:
     std::size_t at_;
 };
 
-void putNames(Draft& draft, RecordView data, unsigned textsAt) {
+void putNames(Draft& draft, const RecordView& data, unsigned textsAt) {
     TextRun texts(data, textsAt);
     const Untrusted initiator = texts.next(kInitiatorLength);
     if (data.u32(kInitiatorLength) == 0) // both lengths
@@ -53,12 +53,12 @@ void putNames(Draft& draft, RecordView data, unsigned textsAt) {
     putElement(draft, "InitiatorName", initiator);
 }
 
-unsigned opcodeOf(RecordView header) {
+unsigned opcodeOf(const RecordView& header) {
     return header.u8(0) & kOpcodeMask;
 }
 
 // For callers with strings of their own. The pieces read the data alone, nothing of a record.
-void append(Kind kind, XmlString& body, std::string& summary, RecordView data) {
+void append(Kind kind, XmlString& body, std::string& summary, const RecordView& data) {
     const EmpEvLogMsg_s none{};
     Draft draft(Sanitize::No);
     events.writeBody(draft, *events.find(kind), Record(&none), data);
@@ -97,7 +97,7 @@ char* iscsi::putNextStage(char* out, const std::uint8_t* at) {
     return kStages.put(out, *at & 3u);
 }
 
-void iscsi::putClose(Draft& draft, const Record&, RecordView data) {
+void iscsi::putClose(Draft& draft, const Record&, const RecordView& data) {
     if (data.u16(2) == kSocketClosed) {
         put<kCloseRows>(draft.body, data);
         kCloseReasons.put(draft.summary.literal(", "), data.u32(kCloseReason));
@@ -105,17 +105,17 @@ void iscsi::putClose(Draft& draft, const Record&, RecordView data) {
     put<kPeersLine>(draft.summary, data);
 }
 
-void iscsi::putInitiatorName(Draft& draft, const Record&, RecordView data) {
+void iscsi::putInitiatorName(Draft& draft, const Record&, const RecordView& data) {
     putElement(draft, "InitiatorName", TextRun(data, kLoginTexts).next(kInitiatorLength));
 }
 
-void iscsi::putTargetName(Draft& draft, const Record&, RecordView data) {
+void iscsi::putTargetName(Draft& draft, const Record&, const RecordView& data) {
     TextRun texts(data, kLoginTexts);
     texts.next(kInitiatorLength);
     putElement(draft, "TargetName", texts.next(kTargetLength));
 }
 
-void iscsi::putLoginOptions(Draft& draft, const Record&, RecordView data) {
+void iscsi::putLoginOptions(Draft& draft, const Record&, const RecordView& data) {
     const unsigned method = data.u8(47);
     if (method == 2 || method == 3) // CHAP
         put<kMutualRows>(draft.body, data);
@@ -126,25 +126,25 @@ void iscsi::putLoginOptions(Draft& draft, const Record&, RecordView data) {
         put<kIfMarkerRows>(draft.body, data);
 }
 
-void iscsi::putLoginRequest(Draft& draft, const Record&, RecordView data) {
+void iscsi::putLoginRequest(Draft& draft, const Record&, const RecordView& data) {
     if (opcodeOf(data) == kLoginRequest)
         put<kLoginRequestRows>(draft.body, data);
 }
 
-void iscsi::putTextRequest(Draft& draft, const Record&, RecordView data) {
+void iscsi::putTextRequest(Draft& draft, const Record&, const RecordView& data) {
     if (opcodeOf(data) == kTextRequest)
         put<kTextRequestRows>(draft.body, data);
 }
 
-void iscsi::putRequestNames(Draft& draft, const Record&, RecordView data) {
+void iscsi::putRequestNames(Draft& draft, const Record&, const RecordView& data) {
     putNames(draft, data, kRequestTexts);
 }
 
-void iscsi::putParameterNames(Draft& draft, const Record&, RecordView data) {
+void iscsi::putParameterNames(Draft& draft, const Record&, const RecordView& data) {
     putNames(draft, data, kParameterTexts);
 }
 
-void iscsi::putParameterTexts(Draft& draft, const Record&, RecordView data) {
+void iscsi::putParameterTexts(Draft& draft, const Record&, const RecordView& data) {
     TextRun texts(data, kParameterTexts);
     texts.next(kInitiatorLength);
     texts.next(kTargetLength);

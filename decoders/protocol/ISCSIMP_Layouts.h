@@ -142,7 +142,7 @@ inline constexpr Row kPeersLine[] = {
     line(", Initiator %u.%u.%u.%u:%u", u8(16), u8(17), u8(18), u8(19), u16(10)),
     line(", Socket %u", u32(4)),
 };
-void putClose(Draft& draft, const Record& record, RecordView data);
+void putClose(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kClose{
     putClose,
     "`Close_Reason` when the reason is 5. The summary goes on with that and with the addresses, "
@@ -170,7 +170,7 @@ inline constexpr std::string_view kSampleNames("iqn.1994-05.com.example:host-7"
 
 // Login data: the socket, then each name with its identifier, then the rest.
 inline constexpr Row kLoginSocketRows[] = {{"Socket", "%u", u32(4)}};
-void putInitiatorName(Draft& draft, const Record& record, RecordView data);
+void putInitiatorName(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kInitiatorName{
     putInitiatorName,
     "`InitiatorName`, from 68 on, its length at 56.",
@@ -178,7 +178,7 @@ inline constexpr CustomPiece kInitiatorName{
     "\0\x1E\0\x1F\x08\0\x04\0"sv, // lengths of both names, marker intervals
     Provenance::Inferred};
 inline constexpr Row kLoginInitiatorRows[] = {{"Initiator_ID", "%u", u16(64)}};
-void putTargetName(Draft& draft, const Record& record, RecordView data);
+void putTargetName(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kTargetName{putTargetName,
                                          "`TargetName`, directly after it, its length at 58.",
                                          {},
@@ -221,7 +221,7 @@ inline constexpr Row kMutualRows[] = {
 inline constexpr Row kOfMarkerRows[] = {{"OfMarkInt", "%u", u16(60)}};
 inline constexpr Row kIfMarkerRows[] = {{"IfMarkInt", "%u", u16(62)}};
 inline constexpr Row kLoginOptionRows[] = {kMutualRows[0], kOfMarkerRows[0], kIfMarkerRows[0]};
-void putLoginOptions(Draft& draft, const Record& record, RecordView data);
+void putLoginOptions(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kLoginOptions{
     putLoginOptions,
     "`MutualAuthentication` for CHAP alone, `OfMarkInt` and `IfMarkInt` for a marker in use.",
@@ -290,8 +290,8 @@ inline constexpr Row kTextRequestRows[] = {
     {"ExpStatSN", "%u", u32(28)},
 };
 
-void putLoginRequest(Draft& draft, const Record& record, RecordView data);
-void putTextRequest(Draft& draft, const Record& record, RecordView data);
+void putLoginRequest(Draft& draft, const Record& record, const RecordView& data);
+void putTextRequest(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kLoginHeader{
     putLoginRequest,
     "The Basic Header Segment of a Login Request, when the low six bits of its byte 0 are 3.",
@@ -302,7 +302,7 @@ inline constexpr CustomPiece kTextHeader{
     kTextRequestRows};
 
 // Before the header of a request.
-void putRequestNames(Draft& draft, const Record& record, RecordView data);
+void putRequestNames(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kRequestNames{
     putRequestNames,
     "`TargetName` and `InitiatorName`, unless their lengths at 58 and 56 are both 0: from 108 on "
@@ -310,7 +310,7 @@ inline constexpr CustomPiece kRequestNames{
     {},
     "\0\x1E\0\x1F"sv,
     Provenance::Assumed};
-void putParameterNames(Draft& draft, const Record& record, RecordView data);
+void putParameterNames(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kParameterNames{
     putParameterNames,
     "`TargetName` and `InitiatorName`, unless their lengths at 58 and 56 are both 0: from 114 on "
@@ -318,7 +318,7 @@ inline constexpr CustomPiece kParameterNames{
     {},
     "\0\x1E\0\x1F\0\x0C\0\x04\0\x05"sv,
     Provenance::Assumed};
-void putParameterTexts(Draft& draft, const Record& record, RecordView data);
+void putParameterTexts(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kParameterElements{
     putParameterTexts,
     "Directly after the names key, offer and answer, their lengths at 60, 62 and 64: `Parameter` "

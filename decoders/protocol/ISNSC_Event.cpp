@@ -33,7 +33,7 @@ char* putWord(char* out, const NameTable& names, std::uint32_t code, std::string
 
 // A text message from its identifier on.
 struct Text {
-    explicit Text(RecordView data)
+    explicit Text(const RecordView& data)
         : identifier(data.u32(0)), count(data.u32(4)),
           held(data.size() > 8 ? (data.size() - 8) / 4 : std::size_t{0}) {}
 
@@ -52,16 +52,16 @@ char* isns::putReason(char* out, const std::uint8_t* at) {
     return putWord(out, kReasons, loadBig<std::uint32_t>(at), "Unknown reason: ");
 }
 
-void isns::tellTitle(Draft& draft, const Record&, RecordView) {
+void isns::tellTitle(Draft& draft, const Record&, const RecordView&) {
     draft.summary.literal(draft.title.view());
 }
 
-void isns::putAlias(Draft& draft, const Record&, RecordView data) {
+void isns::putAlias(Draft& draft, const Record&, const RecordView& data) {
     draft.body.element("src_node_alias", data.text(data.text(0).size() + 1), " ");
     draft.body.close("ICS_MESSAGE");
 }
 
-void isns::tellArguments(Draft& draft, const Record&, RecordView data) {
+void isns::tellArguments(Draft& draft, const Record&, const RecordView& data) {
     const Text text(data);
     if (text.identifier != kKnownText)
         traceUnknown(kTraceSource, 0, "Unknown text_id: ", text.identifier);
@@ -70,7 +70,7 @@ void isns::tellArguments(Draft& draft, const Record&, RecordView data) {
                                                     : "Invalid Arguments, detail in Message Body");
 }
 
-void isns::putArguments(Draft& draft, const Record&, RecordView data) {
+void isns::putArguments(Draft& draft, const Record&, const RecordView& data) {
     const Text text(data);
     const std::size_t shown = text.count >> 31 ? 0 : std::min<std::size_t>(text.count, text.held);
     TextWriter& body = draft.body;
@@ -81,7 +81,7 @@ void isns::putArguments(Draft& draft, const Record&, RecordView data) {
     body.close("Arguments");
 }
 
-void isns::putPayload(Draft& draft, const Record& record, RecordView) {
+void isns::putPayload(Draft& draft, const Record& record, const RecordView&) {
     writePayload(draft.body, record);
 }
 

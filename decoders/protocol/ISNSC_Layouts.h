@@ -24,7 +24,7 @@ inline constexpr CustomField kLabel{
 inline constexpr CustomField kReason{
     putReason, sizeof "Unknown reason: " + kDecimalRoom,
     "the reason, as 1 Information, 2 Rcvd, 3 Sent, else Unknown reason: n"};
-void tellTitle(Draft& draft, const Record& record, RecordView data);
+void tellTitle(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kTitle{tellTitle, "the title"};
 
 // The event data begin with their own structure, so only the event header has room for these.
@@ -74,7 +74,7 @@ inline constexpr Row kConfigurationRows[] = {
     Row("isns_heartbeat_subnet_mask", "%08X (hex)", u32(108)).assumed(),
     Row("src_node_id", "%s", text(kNodeAt)).assumed(),
 };
-void putAlias(Draft& draft, const Record& record, RecordView data);
+void putAlias(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kAlias{putAlias,
                                     "`src_node_alias`, the text after the NUL of `src_node_id`.",
                                     {},
@@ -91,7 +91,7 @@ inline constexpr Row kTextRows[] = {
     kLineRow,
     Row("Arg_Count", "%d", u32(kCountAt)).assumed(),
 };
-void tellArguments(Draft& draft, const Record& record, RecordView data);
+void tellArguments(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kToldArguments{
     tellArguments,
     "Unknown text_id for TEXT_MSG Event, unless the u32 at 24 is 1; Display Arguments, detail in "
@@ -100,7 +100,7 @@ inline constexpr CustomPiece kToldArguments{
     {},
     {},
     Provenance::Assumed};
-void putArguments(Draft& draft, const Record& record, RecordView data);
+void putArguments(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kArguments{
     putArguments,
     "As many arguments as `Arg_Count` says and the record holds: `Arg01` and so on, a u32 each "
@@ -109,7 +109,7 @@ inline constexpr CustomPiece kArguments{
     "\0\0\0\1\0\0\0\3\0\0\0\5\xC0\xA8\0\1\xFF\xFF\xFF\xFE"sv,
     Provenance::Assumed};
 
-void putPayload(Draft& draft, const Record& record, RecordView data);
+void putPayload(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kPayload{
     putPayload, "The payload as `Hex`.", {}, "\0\1\0\4\x80\0\0\1"sv};
 

@@ -16,7 +16,7 @@ namespace {
 constexpr const char* kTraceSource = "SATA8P_Event";
 
 template <const auto& Rows>
-void put(TextWriter& out, RecordView view) {
+void put(TextWriter& out, const RecordView& view) {
     write(out, kLayout<Rows, Style::Joined>, view);
 }
 
@@ -84,19 +84,20 @@ struct Frame {
 
 constexpr const Events& events3 = kEventsOf<v3::kEvents>;
 
-void writeSataCommand(TextWriter& body, RecordView fis) {
+void writeSataCommand(TextWriter& body, const RecordView& fis) {
     constexpr std::uint8_t kHostToDevice = 0x27;
     if (fis.u8(0) == kHostToDevice)
         putCommandFis(body, fis);
 }
 
-void writeScsiCommand(TextWriter& body, RecordView cdb) {
+void writeScsiCommand(TextWriter& body, const RecordView& cdb) {
     const std::uint32_t length = cdb.u32(v3::kCdbSize);
     if (length > 0 && length <= v3::kCdbSize)
         put<v3::kCdbRows>(body, cdb);
 }
 
-std::string_view writeSataOutcome(TextWriter& body, RecordView fis, RecordView command) {
+std::string_view writeSataOutcome(TextWriter& body, const RecordView& fis,
+                                  const RecordView& command) {
     constexpr std::uint8_t kDeviceToHost = 0x34;
     if (fis.u8(0) == kDeviceToHost)
         return putStatusFis(body, fis, command.u8(offsetof(SATA_HOST_DEVICE_FIS, command)));
@@ -104,7 +105,7 @@ std::string_view writeSataOutcome(TextWriter& body, RecordView fis, RecordView c
     return kErrorCauses.at(kNoCause);
 }
 
-std::string_view writeScsiOutcome(TextWriter& body, RecordView sense) {
+std::string_view writeScsiOutcome(TextWriter& body, const RecordView& sense) {
     const unsigned response = sense.u8(0) & 0x7Fu; // 0x70 current, 0x71 deferred error
     if (response == 0x70 || response == 0x71)
         return putSense(body, sense);
@@ -112,7 +113,7 @@ std::string_view writeScsiOutcome(TextWriter& body, RecordView sense) {
     return "Unknown";
 }
 
-void writeStrings(TextWriter& body, std::uint32_t protocol, RecordView strings) {
+void writeStrings(TextWriter& body, std::uint32_t protocol, const RecordView& strings) {
     if (protocol == 0)
         put<v3::kSataStringRows>(body, strings);
     else
@@ -138,7 +139,7 @@ void decode3(const Record& record, Draft& draft) {
 } // namespace
 
 // The first cause whose bit is set; without one the code is in the summary.
-void sata::putPciCause(Draft& draft, const Record&, RecordView data) {
+void sata::putPciCause(Draft& draft, const Record&, const RecordView& data) {
     const std::uint32_t code = data.u32(0);
     for (std::size_t i = 0; i < std::size(kPciCauseBits); ++i)
         if (code & kPciCauseBits[i]) {
@@ -150,25 +151,25 @@ void sata::putPciCause(Draft& draft, const Record&, RecordView data) {
     draft.summary.literal(" PCI Error Data 0x").hexLower(code, 8);
 }
 
-void v2::putElapsed(Draft& draft, const Record& record, RecordView) {
+void v2::putElapsed(Draft& draft, const Record& record, const RecordView&) {
     const RecordView frame = record.payload();
     draft.summary.literal(", ");
     draft.summary.commit(putSeconds(draft.summary.reserve(kElapsedRoom), frame.u32(kSeconds),
                                     frame.u32(kMilliseconds)));
 }
 
-void v2::putOutcome(Draft& draft, const Record& record, RecordView) {
+void v2::putOutcome(Draft& draft, const Record& record, const RecordView&) {
     const RecordView frame = record.payload();
     if ((frame.u8(kStatusRegister) & 0x01) && frame.u8(kErrorRegister) == 0)
         draft.summary.literal(", ").literal(kErrorCauses.at(kNoError));
 }
 
-void v2::putSegments(Draft& draft, const Record&, RecordView data) {
+void v2::putSegments(Draft& draft, const Record&, const RecordView& data) {
     for (std::size_t i = 0; i < kSegments && data.u32(i * kSegmentSize) != 0; ++i)
         put<kSegmentRows>(draft.body, data.subview(i * kSegmentSize));
 }
 
-void v2::putRing(Draft& draft, const Record& record, RecordView data) {
+void v2::putRing(Draft& draft, const Record& record, const RecordView& data) {
     constexpr std::size_t kWord = 4;
     const std::size_t end = std::min<std::size_t>(record.payloadLength(), record.payload().size());
     for (std::uint32_t i = 0; kListAt + (i + 1) * kWord <= end; ++i) {
@@ -177,14 +178,14 @@ void v2::putRing(Draft& draft, const Record& record, RecordView data) {
     }
 }
 
-void v3::putXportCommand(Draft& draft, const Record& record, RecordView data) {
+void v3::putXportCommand(Draft& draft, const Record& record, const RecordView& data) {
     if (classData(record).u32(kXportProtocol) == 0)
         writeSataCommand(draft.body, data);
     else
         writeScsiCommand(draft.body, data);
 }
 
-void v3::putXportOutcome(Draft& draft, const Record& record, RecordView data) {
+void v3::putXportOutcome(Draft& draft, const Record& record, const RecordView& data) {
     const RecordView event = classData(record);
     if (event.u32(kXportProtocol) == 0)
         writeSataOutcome(draft.body, data, event.subview(kXportCommand));
@@ -192,32 +193,32 @@ void v3::putXportOutcome(Draft& draft, const Record& record, RecordView data) {
         writeScsiOutcome(draft.body, data);
 }
 
-void v3::putSataStatus(Draft& draft, const Record& record, RecordView data) {
+void v3::putSataStatus(Draft& draft, const Record& record, const RecordView& data) {
     draft.summary.literal(", ").literal(
         writeSataOutcome(draft.body, data, classData(record).subview(kErrorCommand)));
 }
 
-void v3::putSataCommand(Draft& draft, const Record&, RecordView data) {
+void v3::putSataCommand(Draft& draft, const Record&, const RecordView& data) {
     writeSataCommand(draft.body, data);
 }
 
-void v3::putScsiSense(Draft& draft, const Record&, RecordView data) {
+void v3::putScsiSense(Draft& draft, const Record&, const RecordView& data) {
     draft.summary.literal(", ").literal(writeScsiOutcome(draft.body, data));
 }
 
-void v3::putScsiCommand(Draft& draft, const Record&, RecordView data) {
+void v3::putScsiCommand(Draft& draft, const Record&, const RecordView& data) {
     writeScsiCommand(draft.body, data);
 }
 
-void v3::putIdentifyStrings(Draft& draft, const Record& record, RecordView data) {
+void v3::putIdentifyStrings(Draft& draft, const Record& record, const RecordView& data) {
     writeStrings(draft.body, classData(record).u32(kIdentifyProtocol), data);
 }
 
-void v3::putUnitStrings(Draft& draft, const Record& record, RecordView data) {
+void v3::putUnitStrings(Draft& draft, const Record& record, const RecordView& data) {
     writeStrings(draft.body, classData(record).u32(kUnitProtocol), data);
 }
 
-void v3::putHeader(Draft& draft, const Record&, RecordView frame) {
+void v3::putHeader(Draft& draft, const Record&, const RecordView& frame) {
     constexpr std::uint32_t kBugcheckClass = 4;
     constexpr std::uint32_t kTraceTime = 5;
     constexpr std::uint32_t kSasPort = 15;

@@ -121,18 +121,18 @@ char* putPcixCommand(char* out, const std::uint8_t* at) {
     return kPcixCommands.put(out, at[3] & 0x0Fu);
 }
 
-void putCommandFis(TextWriter& body, RecordView fis) {
+void putCommandFis(TextWriter& body, const RecordView& fis) {
     write(body, kLayout<v3::kCommandFisRows, Style::Joined>, fis);
 }
 
-std::string_view putStatusFis(TextWriter& body, RecordView fis, std::uint8_t command) {
+std::string_view putStatusFis(TextWriter& body, const RecordView& fis, std::uint8_t command) {
     const std::string_view cause = errorCause(fis.u8(3), isReadCommand(command));
     body.literal("<Error_Cause>").literal(cause).literal("</Error_Cause>");
     write(body, kLayout<v3::kStatusFisRows, Style::Joined>, fis);
     return cause;
 }
 
-std::string_view putSense(TextWriter& body, RecordView sense) {
+std::string_view putSense(TextWriter& body, const RecordView& sense) {
     write(body, kLayout<v3::kSenseRows, Style::Joined>, sense);
     return kSenseKeys.at(sense.u8(v3::kSenseKeyAt) & 0x0F);
 }

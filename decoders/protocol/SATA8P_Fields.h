@@ -46,9 +46,9 @@ char* putSize(char* out, std::uint64_t sectors);
 // "1.500 Seconds"
 char* putSeconds(char* out, std::uint32_t seconds, std::uint32_t milliseconds);
 
-void putCommandFis(TextWriter& body, RecordView fis);
+void putCommandFis(TextWriter& body, const RecordView& fis);
 // Each returns what a summary says of it.
-std::string_view putStatusFis(TextWriter& body, RecordView fis, std::uint8_t command);
-std::string_view putSense(TextWriter& body, RecordView sense);
+std::string_view putStatusFis(TextWriter& body, const RecordView& fis, std::uint8_t command);
+std::string_view putSense(TextWriter& body, const RecordView& sense);
 
 } // namespace Pegasus::mpu::sata

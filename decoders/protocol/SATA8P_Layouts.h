@@ -44,7 +44,7 @@ consteval std::array<Row, Count> assumed(const Row (&rows)[Count]) {
 
 inline constexpr std::string_view kSectors = "\0\0\0\0\x74\x70\x6D\xB0"sv; // of a sample
 
-void putPciCause(Draft& draft, const Record& record, RecordView data);
+void putPciCause(Draft& draft, const Record& record, const RecordView& data);
 constexpr CustomPiece pciCause(Provenance provenance) {
     return {putPciCause,
             "`PCI_Error_Cause`: the name of the first bit that is set; without one the code is in "
@@ -518,7 +518,7 @@ inline constexpr Row kDriveLine = line("Drive %u, %s", u32(b(0)), name(u32(4), k
 inline constexpr Row kCommandLine =
     line("Drive %u, %s, %s", u32(b(0)), name(u32(4), kDriveEvents), name(u32(b(8)), kCompletions));
 
-void putOutcome(Draft& draft, const Record& record, RecordView data);
+void putOutcome(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kOutcome{
     putOutcome,
     "In the summary: `Error bit set with no error (0x00)` when the status register has the error "
@@ -526,15 +526,15 @@ inline constexpr CustomPiece kOutcome{
     {},
     {},
     Provenance::Assumed};
-void putElapsed(Draft& draft, const Record& record, RecordView data);
+void putElapsed(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kElapsedTime{
     putElapsed, "In the summary: the seconds.", {}, {}, Provenance::Assumed};
 
-void putSegments(Draft& draft, const Record& record, RecordView data);
+void putSegments(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kSegmentList{
     putSegments, "Up to eight segments; an address of 0 ends them.", kSegmentRows,
     "\x01\x20\0\0\0\0\x10\0\x01\x20\x40\0\0\0\x08\0\0\0\0\0"sv, Provenance::Assumed};
-void putRing(Draft& draft, const Record& record, RecordView data);
+void putRing(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kRing{
     putRing,
     "The words to the end of the payload as `Entry_0`, `Entry_1` ...",
@@ -870,38 +870,38 @@ inline constexpr std::string_view kReadCdb =
     "\x28\0\0\x10\x20\x30\0\0\x08\0\0\0\0\0\0\0\0\0\0\x0A"sv;
 inline constexpr std::string_view kMediumSense = "\xF0\0\x03\0\x10\x20\x30\x0A\0\0\0\0\x11"sv;
 
-void putXportCommand(Draft& draft, const Record& record, RecordView data);
+void putXportCommand(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kCommandSlot{
     putXportCommand, "The command by the protocol: a FIS of SATA (0), else a CDB.", kCommandFisRows,
     kReadFis, Provenance::Assumed};
-void putXportOutcome(Draft& draft, const Record& record, RecordView data);
+void putXportOutcome(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kOutcomeSlot{
     putXportOutcome,
     "The outcome by the protocol: `Error_Cause` and a status FIS, else sense data. The one or "
     "`Sense_Key` is \"Unknown\" without them.",
     kStatusFisRows, kBadFis, Provenance::Assumed};
-void putSataStatus(Draft& draft, const Record& record, RecordView data);
+void putSataStatus(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kSataStatus{putSataStatus,
                                          "`Error_Cause`, in the summary too, and the status FIS.",
                                          kStatusFisRows, kBadFis, Provenance::Assumed};
-void putSataCommand(Draft& draft, const Record& record, RecordView data);
+void putSataCommand(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kSataCommand{putSataCommand, "The command FIS.", kCommandFisRows,
                                           kReadFis, Provenance::Inferred};
-void putScsiSense(Draft& draft, const Record& record, RecordView data);
+void putScsiSense(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kScsiSense{putScsiSense,
                                         "Sense data; the sense key is in the summary too.",
                                         kSenseRows, kMediumSense, Provenance::Inferred};
-void putScsiCommand(Draft& draft, const Record& record, RecordView data);
+void putScsiCommand(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kScsiCommand{putScsiCommand, "The CDB.", kCdbRows, kReadCdb,
                                           Provenance::Inferred};
-void putIdentifyStrings(Draft& draft, const Record& record, RecordView data);
+void putIdentifyStrings(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kIdentifyStrings{
     putIdentifyStrings,
     "The strings by the protocol: SATA (0) as here, else those of a SCSI error.",
     kSataStringRows,
     {},
     Provenance::Assumed};
-void putUnitStrings(Draft& draft, const Record& record, RecordView data);
+void putUnitStrings(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr CustomPiece kUnitStrings{
     putUnitStrings,
     "The strings by the protocol: SATA (0) those of a SATA error, else as here.",
@@ -909,7 +909,7 @@ inline constexpr CustomPiece kUnitStrings{
     {},
     Provenance::Assumed};
 
-void putHeader(Draft& draft, const Record& record, RecordView data);
+void putHeader(Draft& draft, const Record& record, const RecordView& data);
 inline constexpr Row kHeaderRows[] = {kPathRows[0], kPathRows[1], kAdapterRows[0], kAdapterRows[1],
                                       kMissedRows[0]};
 inline constexpr CustomPiece kHeader{

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "event/EventBasis.h"
-#include "event/Export.h"
 
 #include <cstddef>
 #include <string_view>
@@ -38,11 +37,11 @@ public:
     // A new record, `carried` bytes of which came. Its header counts as read.
     void begin(std::size_t carried);
     // `wanted` bytes were read, the first `inside` of which are in the view.
-    MPUEVENT_EXPORT void read(std::size_t at, std::size_t inside, std::size_t wanted);
+    void read(std::size_t at, std::size_t inside, std::size_t wanted);
     // A number of at most 8 bytes was read, all of it in the view.
-    MPUEVENT_EXPORT void readNumber(std::size_t at, std::size_t size);
+    void readNumber(std::size_t at, std::size_t size);
     // A text was read, which ends where the record does.
-    MPUEVENT_EXPORT void readText(std::size_t at, std::size_t size);
+    void readText(std::size_t at, std::size_t size);
     // A statement was made that is known no better.
     void weaken(Provenance provenance) {
         if (provenance > weakest_)

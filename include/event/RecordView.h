@@ -2,6 +2,7 @@
 #pragma once
 
 #include "event/EmpEvLogMsg_s.h"
+#include "event/Export.h"
 #include "event/Footprint.h"
 
 #include <algorithm>
@@ -51,26 +52,21 @@ public:
     // Where in the record it begins.
     std::size_t offset() const { return at_; }
 
-    std::uint8_t u8(std::size_t at) const { return load<std::uint8_t>(at); }
-    std::uint16_t u16(std::size_t at) const { return load<std::uint16_t>(at); }
-    std::uint32_t u32(std::size_t at) const { return load<std::uint32_t>(at); }
-    std::uint64_t u64(std::size_t at) const { return load<std::uint64_t>(at); }
+    std::uint8_t u8(std::size_t at) const {
+        return static_cast<std::uint8_t>(number(at, sizeof(std::uint8_t)));
+    }
+    std::uint16_t u16(std::size_t at) const {
+        return static_cast<std::uint16_t>(number(at, sizeof(std::uint16_t)));
+    }
+    std::uint32_t u32(std::size_t at) const {
+        return static_cast<std::uint32_t>(number(at, sizeof(std::uint32_t)));
+    }
+    std::uint64_t u64(std::size_t at) const { return number(at, sizeof(std::uint64_t)); }
 
     // The bytes from `at` on, at most `count`.
-    Untrusted bytes(std::size_t at, std::size_t count = kToEnd) const {
-        const std::string_view found = run(at, count);
-        note(at, found.size());
-        return Untrusted(found);
-    }
-
+    MPUEVENT_EXPORT Untrusted bytes(std::size_t at, std::size_t count = kToEnd) const;
     // The text from `at` to its NUL, at most `width` bytes.
-    Untrusted text(std::size_t at, std::size_t width = kToEnd) const {
-        const std::string_view field = run(at, width);
-        const std::size_t length = std::min(field.find('\0'), field.size());
-        if (footprint_)
-            footprint_->readText(at_ + at, length + (length < field.size()));
-        return Untrusted(field.substr(0, length));
-    }
+    MPUEVENT_EXPORT Untrusted text(std::size_t at, std::size_t width = kToEnd) const;
 
     RecordView subview(std::size_t at, std::size_t count = kToEnd) const {
         const std::string_view part = run(at, count);
@@ -81,12 +77,7 @@ public:
     }
 
     // `count` bytes were read at `at` by way of data().
-    void note(std::size_t at, std::size_t count) const {
-        if (footprint_)
-            footprint_->read(at_ + at, std::min(count, size_ - std::min<std::size_t>(at, size_)),
-                             count);
-    }
-
+    void note(std::size_t at, std::size_t count) const;
     // The same for a structure at the start, those of whose bytes count that have their bits set.
     // False when not all are there, and with nothing noted.
     bool noteMask(const std::uint32_t* mask, std::size_t extent) const {
@@ -100,23 +91,8 @@ private:
         return {reinterpret_cast<const char*>(data_) + at, std::min(count, size_ - at)};
     }
 
-    template <class T>
-    T load(std::size_t at) const {
-        if (at < size_ && size_ - at >= sizeof(T)) [[likely]] {
-            if (footprint_)
-                footprint_->readNumber(at_ + at, sizeof(T));
-            return loadBig<T>(data_ + at);
-        }
-        return static_cast<T>(loadAtEnd(at, sizeof(T)));
-    }
-    // Out of line: inlining it would bloat every caller.
-    [[gnu::noinline, gnu::cold]] std::uint64_t loadAtEnd(std::size_t at, std::size_t size) const {
-        note(at, size);
-        std::uint64_t value = 0;
-        for (std::size_t i = 0; i < size; ++i)
-            value = value << 8 | (at + i < size_ ? data_[at + i] : 0);
-        return value;
-    }
+    // Out of line, like bytes() and text(): inlining them would bloat every caller.
+    MPUEVENT_EXPORT std::uint64_t number(std::size_t at, std::size_t size) const;
 
     const std::uint8_t* data_ = nullptr;
     std::uint32_t size_ = 0;

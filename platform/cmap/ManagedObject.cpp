@@ -12,7 +12,7 @@ namespace {
 constinit std::atomic<ManagedObjectFactory> registered[256]{};
 
 // As an object of the library's own classes renders.
-void writeKnown(TextWriter& out, std::uint8_t classId, RecordView data) {
+void writeKnown(TextWriter& out, std::uint8_t classId, const RecordView& data) {
     out.literal("<ClassName>");
     kObjectClasses.put(out, classId);
     out.literal("</ClassName> ");
@@ -23,7 +23,7 @@ void writeKnown(TextWriter& out, std::uint8_t classId, RecordView data) {
 
 } // namespace
 
-void mpu::writeObject(TextWriter& out, std::uint8_t classId, RecordView data) {
+void mpu::writeObject(TextWriter& out, std::uint8_t classId, const RecordView& data) {
     const ManagedObjectFactory factory = registered[classId].load(std::memory_order_acquire);
     if (!factory) {
         writeKnown(out, classId, data);

@@ -52,6 +52,6 @@ constexpr const Layout* objectLayout(std::uint8_t classId) {
 }
 
 // Writes the object as render() of its class gives it, one that is registered among them.
-void writeObject(TextWriter& out, std::uint8_t classId, RecordView data);
+void writeObject(TextWriter& out, std::uint8_t classId, const RecordView& data);
 
 } // namespace Pegasus::mpu

@@ -97,6 +97,19 @@ std::string manPage(const CLI::App& app) {
             page += roff(line) + "\n";
         page += ".fi\n";
     }
+    page +=
+        ".SH TEXTS\n"
+        "What a body quotes of a record is reduced to letters, digits, blanks and common\n"
+        "punctuation, and all else becomes \"?\", with these exceptions, which have it as the\n"
+        "record does: the bodies of NCS other than the statistics of the management port, those\n"
+        "of I/O Mgr and AWR and long ones of iSNS, and the summaries of all modules but SCC, AIM\n"
+        "and DDLM, SMIS and SMIS IND. What is not UTF\\-8 becomes \"?\" everywhere.\n"
+        "Texts, lines and tables for people show control characters as escapes such as \\ex1B.\n"
+        ".PP\n"
+        "\"~ layout assumed\" marks an event some of whose places in the record nobody documents;\n"
+        "\"! 4 bytes short\" one whose record ends before its layout, so that zeros stand for the\n"
+        "rest; \"+ 4 bytes unread\" one whose payload has bytes that nothing reads. JSON, XML and\n"
+        "CSV have the same as layout, missingBytes and unreadBytes.\n";
     page += ".SH OPTIONS\n";
     manArguments(page, app);
     manFooter(page, app.get_footer());

@@ -102,8 +102,8 @@ void EventDecoder::decode(const mpu::Record& record, mpu::DecodeFunction functio
         function(record, draft_);
     if (draft_.title.view().empty() && !draft_.isTitled)
         draft_.title.decimal(record.eventId());
-    // Where in the text each reading is holds for a body that is sanitized character by character.
-    isPlain_ = !draft_.body.hasMarkup();
+    // Where in the texts each reading is holds for texts that are sanitized character by character.
+    isPlain_ = !draft_.title.hasMarkup() && !draft_.summary.hasMarkup() && !draft_.body.hasMarkup();
     event_.eventID = draft_.title.finish();
     event_.summary = draft_.summary.finish();
     event_.body = draft_.body.finish();

@@ -64,7 +64,7 @@ public:
     // The texts of an event that is there already.
     const DecodedEvent& take(Avrel_Event& event);
 
-    // What the last event was read from; `isPlain` tells whether the places in its body hold. With
+    // What the last event was read from; isPlain() tells whether the places in its texts hold. With
     // the option alone; empty where the decoder is not one of ours.
     const Readings& readings() const { return *readings_; }
     bool isPlain() const { return isPlain_; }

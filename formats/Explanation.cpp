@@ -114,7 +114,7 @@ std::vector<ExplainedBytes> explain(const DecodedEvent& event, const Readings& r
                              "",
                              ""};
         const auto cut = [&](std::string_view text) {
-            if (reading.byCode)
+            if (reading.byCode || !isPlain) // the places don't hold
                 return std::string(text);
             const std::size_t begin = std::min(reading.begin, text.size());
             return std::string(text.substr(begin, reading.end - begin));
@@ -128,7 +128,7 @@ std::vector<ExplainedBytes> explain(const DecodedEvent& event, const Readings& r
         } else if (itemOf[i] != Readings::kNone) {
             const BodyItem& item = items[itemOf[i]];
             bytes.use = ExplainedBytes::Element;
-            if (isPlain) { // else the places don't hold
+            if (isPlain) {
                 bytes.name = item.name;
                 bytes.value = reading.byCode ? std::string(item.text) : cut(event.body);
             }

@@ -59,10 +59,9 @@ namespace {
 class Json {
 public:
     // On each new value.
-    JsonWriter& start(mpu::TextWriter& out) {
+    void start(mpu::TextWriter& out) {
         stream_.out = &out;
         writer_.Reset(stream_);
-        return writer_;
     }
     void text(std::string_view value) {
         writer_.String(value.empty() ? "" : value.data(),
@@ -123,40 +122,46 @@ private:
 
 class JsonPrinter : public Printer {
 public:
-    explicit JsonPrinter(const PrintOptions& options)
-        : fields_(options.fields), raw_(options.raw) {}
+    explicit JsonPrinter(const PrintOptions& options) : fields_(options.fields), raw_(options.raw) {
+        for (const Column& column : kColumns)
+            keys_.push_back((keys_.empty() ? "{\"" : ",\"") + std::string(column.name) + "\":");
+    }
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
-        JsonWriter& writer = json_.start(out);
-        writer.StartObject();
-        for (const Column& column : kColumns) {
-            json_.key(column.name);
-            if (column.number) {
-                writer.Uint(event.*column.number);
-                continue;
-            }
-            json_.text(event.*column.text);
+        for (std::size_t i = 0; i < std::size(kColumns); ++i) {
+            out.literal(keys_[i]);
+            if (kColumns[i].number)
+                out.decimal(event.*kColumns[i].number);
+            else
+                text(out, event.*kColumns[i].text);
         }
         if (raw_) {
-            payload_.clear();
-            json_.key("raw");
-            json_.text(putPayload(payload_, event));
+            putPayload(out.literal(",\"raw\":\""), event);
+            out.literal("\"");
         }
         if (fields_) {
-            json_.key("fields");
+            json_.start(out.literal(",\"fields\":"));
             json_.fields(parser_.parse(event.body), event.fields);
-            json_.key("formatVersion");
-            writer.Uint(kFormatVersion);
+            out.literal(",\"formatVersion\":").decimal(kFormatVersion);
         }
-        writer.EndObject();
-        out.literal("\n");
+        out.literal("}\n");
     }
 
 private:
+    // Most have nothing to escape.
+    void text(mpu::TextWriter& out, std::string_view value) {
+        if (plainRun(value) == value.size()) {
+            out.literal("\"").literal(value).literal("\"");
+        } else {
+            json_.start(out);
+            json_.text(value);
+        }
+    }
+
     const bool fields_;
     const bool raw_;
+    std::vector<std::string> keys_;
     Json json_;
-    mpu::BodyWriter payload_;
     BodyParser parser_;
 };
 

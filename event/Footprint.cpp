@@ -25,6 +25,7 @@ void Footprint::begin(std::size_t carried) {
     lacked_.clear();
     missing_ = static_cast<std::uint32_t>(carried_ - carried);
     weakest_ = Provenance::Documented;
+    isUnknown_ = false;
 }
 
 void Footprint::read(std::size_t at, std::size_t inside, std::size_t wanted) {
@@ -78,7 +79,7 @@ EventBasis Footprint::basis() const {
     std::size_t unread = carried_ - kHeaderWords * kBits;
     for (std::size_t i = kHeaderWords; i <= carried_ / kBits; ++i)
         unread -= ~read_[i] == 0 ? kBits : static_cast<std::size_t>(std::popcount(read_[i]));
-    return {weakest_, missing_, static_cast<std::uint32_t>(unread)};
+    return {weakest_, missing_, static_cast<std::uint32_t>(unread), isUnknown_};
 }
 
 } // namespace Pegasus::mpu

@@ -459,7 +459,7 @@ private:
             mask.clear();
         places.back().isDense = mask.empty();
         const auto known = std::search(masks.begin(), masks.end(), mask.begin(), mask.end());
-        places.back().mask = size16(known - masks.begin());
+        places.back().mask = size16(static_cast<std::size_t>(known - masks.begin()));
         if (known == masks.end())
             masks.insert(masks.end(), mask.begin(), mask.end());
     }
@@ -541,7 +541,7 @@ private:
     }
 
     static constexpr std::uint8_t size8(std::size_t n) { return static_cast<std::uint8_t>(n); }
-    static constexpr std::uint16_t size16(auto n) { return static_cast<std::uint16_t>(n); }
+    static constexpr std::uint16_t size16(std::size_t n) { return static_cast<std::uint16_t>(n); }
 
     Style style_;
     std::vector<LayoutKey> keys_;                           // of the layouts

@@ -5,8 +5,11 @@
 
 namespace Pegasus::formats {
 
-// "~ layout assumed", "! 172 bytes short", each after `before`: what keeps people from taking the
-// event at its word.
+// Whether title or summary say that the decoder doesn't know the event.
+bool saysUnknown(const DecodedEvent& event);
+
+// "? unknown code" where the texts don't say so, "~ layout assumed", "! 172 bytes short", each
+// after `before`: what keeps people from taking the event at its word.
 void putDoubts(mpu::TextWriter& out, const DecodedEvent& event, std::string_view before,
                std::string_view after);
 // "! 172 bytes short"

@@ -113,6 +113,7 @@ void EventDecoder::tell(const EventBasis& basis) {
     event_.layout = nameOf(basis.layout);
     event_.missingBytes = basis.missingBytes;
     event_.unreadBytes = basis.unreadBytes;
+    event_.isUnknown = basis.isUnknown;
 }
 
 void EventDecoder::tellFields(const EventBasis& basis) {

@@ -39,6 +39,7 @@ struct DecodedEvent {
     std::string_view layout = nameOf(Provenance::Documented); // that it rests on
     std::uint32_t missingBytes = 0;
     std::uint32_t unreadBytes = 0;
+    bool isUnknown = false; // the decoder has no row for it
 
     std::span<const std::uint8_t> payload; // as it came
     // Of the items that BodyParser finds in the body. Empty when all are documented and complete,

@@ -55,16 +55,6 @@ std::size_t nextGroup(std::string_view text) {
     return text.size();
 }
 
-// Whether title or summary say that the decoder doesn't know the event.
-bool saysUnknown(const DecodedEvent& event) {
-    const auto says = [](std::string_view text) {
-        constexpr std::string_view kUnknown = "unknown";
-        return std::search(text.begin(), text.end(), kUnknown.begin(), kUnknown.end(),
-                           [](char a, char b) { return (a | 0x20) == b; }) != text.end();
-    };
-    return says(event.eventID) || says(event.summary);
-}
-
 class TextPrinter : public LinesPrinter {
 public:
     explicit TextPrinter(const PrintOptions& options)
@@ -94,7 +84,8 @@ public:
         }
         body(out, event.body);
         if (raw_ || event.body.empty() ||
-            (saysUnknown(event) && event.body.find("<Hex>") == std::string_view::npos))
+            ((event.isUnknown || saysUnknown(event)) &&
+             event.body.find("<Hex>") == std::string_view::npos))
             raw(out, event);
         out.literal("\n");
     }

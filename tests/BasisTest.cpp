@@ -128,9 +128,17 @@ TEST_F(BasisCommandTest, Signs) {
     EXPECT_THAT(run("decode --raw").out, HasSubstr("\n  Payload:\n    0000  00000001 00000002 "));
     give(RecordBuilder(77, 1).u32(0, 0x41424344)); // nothing else would show it
     EXPECT_THAT(run("decode").out, HasSubstr("\n  Payload:\n    0000  41424344 "));
+    // Titles that codes without a row have as well.
+    for (const RecordBuilder& unknown : {RecordBuilder(5, 1).u32s(0, {1, 9999, 0, 0, 0}),
+                                         RecordBuilder(6, 1).version(1).u32s(0, {0, 9999})}) {
+        give(unknown);
+        EXPECT_THAT(run("decode --format brief").out, HasSubstr("  ? unknown code"));
+    }
+    give(network(9).u32(0, 0x41424344)); // says so in its summary
+    EXPECT_THAT(run("decode --format brief").out, Not(HasSubstr("unknown code")));
     const auto event = nlohmann::json::parse(run("decode --format json --raw").out);
     EXPECT_EQ(event.at("raw"), "41424344");
-    EXPECT_EQ(event.at("unreadBytes"), 4);
+    EXPECT_EQ(event.at("unreadBytes"), 0);
 }
 
 TEST_F(BasisCommandTest, Fields) {

@@ -11,13 +11,19 @@ void writePayload(TextWriter& body, const Record& record) {
 }
 
 void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event) {
-    traceUnknown(event.traceSource, event.traceLine, event.trace, record.eventId());
+    traceUnknown(record, event.traceSource, event.traceLine, event.trace, record.eventId());
     draft.summary.literal(event.summary);
     writePayload(draft.body, record);
 }
 
-void traceUnknown(const char* source, int line, const char* what, std::uint32_t code,
-                  unsigned digits) {
+void noteUnknown(const Record& record) {
+    if (Footprint* const footprint = record.view().footprint())
+        footprint->noteUnknown();
+}
+
+void traceUnknown(const Record& record, const char* source, int line, const char* what,
+                  std::uint32_t code, unsigned digits) {
+    noteUnknown(record);
     if (ProviderTraceServices::ptsGetTraceSuppressForPid() != 0)
         return;
     LineWriter number;

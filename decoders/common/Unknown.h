@@ -18,8 +18,10 @@ struct UnknownEvent {
 // Traces, and leaves a draft with the summary and the payload; the title stays the event's number.
 void decodeUnknown(const Record& record, Draft& draft, const UnknownEvent& event);
 
-// Traces `what` and a code that no table has: in decimal, or in so many hexadecimal digits.
-[[gnu::cold]] void traceUnknown(const char* source, int line, const char* what, std::uint32_t code,
-                                unsigned digits = 0);
+// Notes that no table has the event's codes.
+[[gnu::cold]] void noteUnknown(const Record& record);
+// The same; traces `what` and the code, in decimal or in so many hexadecimal digits.
+[[gnu::cold]] void traceUnknown(const Record& record, const char* source, int line,
+                                const char* what, std::uint32_t code, unsigned digits = 0);
 
 } // namespace Pegasus::mpu

@@ -61,9 +61,9 @@ void iomgr::decode(const Record& record, Draft& draft) {
     if (const Events::Entry* event = findEvent(record))
         events.writeBody(draft, *event, record, payload);
     else if (eventClass == 0 || eventClass > kDeviceClass)
-        traceUnknown(kTraceSource, 0, "Unknown Event_Type: ", eventClass);
+        traceUnknown(record, kTraceSource, 0, "Unknown Event_Type: ", eventClass);
     else
-        traceUnknown(kTraceSource, 0, "Unknown Event_Number: ", payload.u32(kCodeAt));
+        traceUnknown(record, kTraceSource, 0, "Unknown Event_Number: ", payload.u32(kCodeAt));
 }
 
 IOMGR8P_Event::IOMGR8P_Event(const EmpEvLogMsg_s* record, int length)

@@ -28,9 +28,9 @@ void putEvent(Draft& draft, const Record& record) {
         event = events.find(kOtherClass, 0);
     if (const int line = kUnlistedLines[event->major]; line && event->last == Codes::kAnyCode) {
         if (event->major == kOtherClass)
-            traceUnknown(kTraceSource, line, "Unknown Event Type: ", eventClass);
+            traceUnknown(record, kTraceSource, line, "Unknown Event Type: ", eventClass);
         else
-            traceUnknown(kTraceSource, line, "Unknown Message ID: ", payload.u32(kCodeAt));
+            traceUnknown(record, kTraceSource, line, "Unknown Message ID: ", payload.u32(kCodeAt));
     }
     events.writeBody(draft, *event, record, payload);
 }

@@ -71,7 +71,7 @@ void esa::decode(const Record& record, Draft& draft) {
     if (const Events::Entry* event = entryOf(record))
         return events.write(draft, *event, record, record.payload());
     constexpr const char* kTitle = "Unknown EventID: 0x";
-    traceUnknown("ES_ADAPTERMP_Event", 84, kTitle, record.eventId(), 8);
+    traceUnknown(record, "ES_ADAPTERMP_Event", 84, kTitle, record.eventId(), 8);
     draft.title.literal(kTitle).hexLower(record.eventId(), 8);
     draft.summary.literal(kUnhandled);
     draft.body.literal(kUnhandled);

@@ -166,7 +166,7 @@ void iscsi::decode(const Record& record, Draft& draft) {
     const std::uint16_t kind = data.u16(0);
     if (const Events::Entry* event = events.find(kind))
         return events.writeBody(draft, *event, record, data);
-    traceUnknown("ISCSIMP_Event", 0, "Unknown payload kind: ", kind);
+    traceUnknown(record, "ISCSIMP_Event", 0, "Unknown payload kind: ", kind);
     numbered(draft.summary, "Unknown (", kind, ")");
 }
 

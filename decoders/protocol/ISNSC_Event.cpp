@@ -61,10 +61,10 @@ void isns::putAlias(Draft& draft, const Record&, const RecordView& data) {
     draft.body.close("ICS_MESSAGE");
 }
 
-void isns::tellArguments(Draft& draft, const Record&, const RecordView& data) {
+void isns::tellArguments(Draft& draft, const Record& record, const RecordView& data) {
     const Text text(data);
     if (text.identifier != kKnownText)
-        traceUnknown(kTraceSource, 0, "Unknown text_id: ", text.identifier);
+        traceUnknown(record, kTraceSource, 0, "Unknown text_id: ", text.identifier);
     draft.summary.literal(text.identifier != kKnownText ? "Unknown text_id for TEXT_MSG Event"
                           : text.count <= text.held ? "Display Arguments, detail in Message Body"
                                                     : "Invalid Arguments, detail in Message Body");
@@ -95,9 +95,9 @@ void isns::decode(const Record& record, Draft& draft) {
     const std::uint32_t kind = data.u32(4);
     const Events::Entry* event = events.find(kind, data.u8(kTypeAt));
     if (!event || (kind >= kOtherKind && kind != kTextKind))
-        traceUnknown(kTraceSource, 0, "Unhandled Event by ISNS Client: ", kind);
+        traceUnknown(record, kTraceSource, 0, "Unhandled Event by ISNS Client: ", kind);
     else if (kind < kOtherKind && event->last == Codes::kAnyCode)
-        traceUnknown(kTraceSource, 0, "Unknown ics_type: ", data.u8(kTypeAt));
+        traceUnknown(record, kTraceSource, 0, "Unknown ics_type: ", data.u8(kTypeAt));
     events.writeBody(draft, event ? *event : *events.find(kOtherKind, 0), record, data);
     if (!small) { // cut first, then made safe as a whole
         const std::size_t size = draft.body.view().size();

@@ -28,7 +28,7 @@ void decode1(const Record& record, Draft& draft) {
         return events.writeTail(draft, record, frame);
     }
     constexpr std::size_t kDumped = 64;
-    traceUnknown(kTraceSource, 0, "Unknown Event_Number: ", frame.u32(4));
+    traceUnknown(record, kTraceSource, 0, "Unknown Event_Number: ", frame.u32(4));
     draft.title.literal("Device Manager Event");
     draft.body.literal("<Data>").hexBytes(frame.bytes(0, kDumped)).literal("</Data>");
 }
@@ -56,6 +56,7 @@ void decode2(const Record& record, Draft& draft) {
     const auto invalid = [&](std::string_view title, std::uint32_t number) {
         draft.title.literal(title);
         draft.summary.literal("(0x").hexLower(number, 8).literal(")");
+        noteUnknown(record);
         ProviderTraceServices::ptsTrace(kTraceSource, 0, {title, " ", draft.summary.view()});
     };
     if (type < v2::kHardware || type > v2::kBugcheck)
@@ -131,6 +132,7 @@ void decode3(const Record& record, Draft& draft) {
         events3.writeBody(draft, *event, record, frame);
     } else {
         write(draft.summary, kLayout<v3::kUnknownLine>, frame);
+        noteUnknown(record);
         ProviderTraceServices::ptsTrace(kTraceSource, 0, {draft.summary.view()});
     }
     events3.writeTail(draft, record, frame);

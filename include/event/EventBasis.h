@@ -26,6 +26,8 @@ struct EventBasis {
     std::uint32_t missingBytes = 0;
     // Payload bytes that no statement comes from.
     std::uint32_t unreadBytes = 0;
+    // The decoder doesn't know the event's codes: what is said is what all its events have.
+    bool isUnknown = false;
 };
 
 } // namespace Pegasus

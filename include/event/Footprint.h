@@ -47,6 +47,8 @@ public:
         if (provenance > weakest_)
             weakest_ = provenance;
     }
+    // No table has the event's codes.
+    void noteUnknown() { isUnknown_ = true; }
     // Like weaken(), for code that writes.
     void beginCode(Provenance provenance) {
         weaken(provenance);
@@ -97,6 +99,7 @@ private:
     std::uint32_t missing_ = 0;       // their number
     Trace* trace_ = nullptr;
     Provenance weakest_ = Provenance::Documented;
+    bool isUnknown_ = false;
 };
 
 } // namespace Pegasus::mpu

@@ -109,7 +109,8 @@ std::string manPage(const CLI::App& app) {
         "\"~ layout assumed\" marks an event some of whose places in the record nobody documents;\n"
         "\"! 4 bytes short\" one whose record ends before its layout, so that zeros stand for the\n"
         "rest; \"+ 4 bytes unread\" one whose payload has bytes that nothing reads. JSON, XML and\n"
-        "CSV have the same as layout, missingBytes and unreadBytes.\n";
+        "CSV have the same as layout, missingBytes and unreadBytes. \"? unknown code\" marks an\n"
+        "event whose title and summary don\\(aqt say that its code is in no table.\n";
     page += ".SH OPTIONS\n";
     manArguments(page, app);
     manFooter(page, app.get_footer());

@@ -447,7 +447,9 @@ private:
 
     // A bit for each byte that the layout's numbers are read from.
     constexpr void addMask() {
-        std::vector<std::uint32_t> mask((extent_ + 31) / 32);
+        std::vector<std::uint32_t> mask;
+        while (32 * mask.size() < extent_)
+            mask.push_back(0);
         for (const auto& [at, size] : read_)
             for (std::size_t byte = at; byte < at + size; ++byte)
                 mask[byte / 32] |= std::uint32_t{1} << byte % 32;

@@ -79,7 +79,7 @@ TEST(Basis, IsWhatIsRead) {
     for (const mpu::Module& module : mpu::modules()) {
         for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
             std::string record = samples.record(module, kind);
-            for (const std::size_t cut : {0, 1, 7, 40}) {
+            for (const std::size_t cut : {0u, 1u, 7u, 40u}) {
                 record.resize(std::max<std::size_t>(152, record.size() - cut));
                 const std::span<const std::uint8_t> bytes{
                     reinterpret_cast<const std::uint8_t*>(record.data()), record.size()};

@@ -129,7 +129,7 @@ TEST_F(SummaryCommandTest, ProgressWhereItIsSlow) {
 TEST_F(SummaryCommandTest, HelpFitsTheTerminal) {
     if (shell("script --version >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "no script(1) to make a terminal with";
-    for (const std::size_t width : {60, 100}) {
+    for (const std::size_t width : {60u, 100u}) {
         std::stringstream help(
             onTerminal("stty cols " + std::to_string(width) + "; $mpuevent decode --help"));
         std::size_t longest = 0;

@@ -142,7 +142,7 @@ Scan scan(std::string_view text, std::size_t at, unsigned endingBlanks, unsigned
             const bool alone = at + 1 == size || isSpace(text[at + 1]) || text[at + 1] == '#';
             return {false, alone ? at : at + 1, out};
         } else if (endingBlanks == 0 && out != number && (c == ':' || c == '-' || c == ',')) {
-            if (++at < size && !isHex(text[at]) && !isSpace(text[at]))
+            if (++at < size && !isHex(text[at]) && !isSpace(text[at]) && text[at] != '#')
                 return {false, at, out};
         } else {
             return {false, at, out};
@@ -154,12 +154,16 @@ unsigned reversed(const TextForm& form) {
     return form.lowFirst ? form.width : 0;
 }
 
-// How much of the text holds nothing that goes on after it.
+// Up to the last character after which nothing goes on; 0 if there is none.
 std::size_t separable(std::string_view text) {
+    return text.find_last_of(" \t\v\f\r,:-;{}") + 1;
+}
+// How much of hex text holds nothing that goes on after it.
+std::size_t separableHex(std::string_view text) {
     if (skipHex(text, 0) == text.size()) // a separator may follow directly
         return (text.size() - 1) / 2 * 2;
-    const std::size_t last = text.find_last_of(" \t,:-;");
-    return last == std::string_view::npos ? text.size() : last + 1;
+    const std::size_t part = separable(text);
+    return part == 0 ? text.size() : part; // it is foreign
 }
 
 } // namespace
@@ -248,7 +252,9 @@ std::size_t TextSource::partOf(std::string_view text) const {
         if (text.size() - at < kPart / 2 || readOffset(text, at, 16, true))
             return 0;
     }
-    return form_.kind == TextForm::Base64 ? text.size() : separable(text);
+    return form_.kind == TextForm::Base64 ? text.size()
+           : form_.kind == TextForm::List ? separable(text)
+                                          : separableHex(text);
 }
 
 void TextSource::take(std::string_view text) {
@@ -700,7 +706,7 @@ TextVerdict TextRecogniser::look(std::string_view text, bool whole, RecognisedTe
             looked_ = at_ + 1;
             const std::size_t seenEnd = at_ + seen.size();
             if (seen.size() == kSeen)
-                seen = seen.substr(0, separable(seen));
+                seen = seen.substr(0, separableHex(seen));
             forms_->look(seen, at_, ++line_);
             if (decides(seenEnd))
                 return TextVerdict::Found;

@@ -446,6 +446,11 @@ TEST(TextSource, Lines) {
         {"joined", "41:42:43:\n44-45,46, 47", "ABCDEFG", {}},
         {"joined twice", "41::42", "A",
          digit("line 1, column 4", "\":\" is not a hexadecimal digit")},
+        {"joined, and a comment", "41:#42", "A", {}},
+        {"form feeds in a long line",
+         std::string(251, '4') + "4\f4142434445",
+         std::string(126, 'D') + "ABCDE",
+         {}},
         {"a long line", "41 42" + wide + "4z 43\n44", "ABD",
          digit("line 1, column 100007", "\"z\" is not a hexadecimal digit")},
         {"repeated", "0: 41 42\n*\n8: 43\n", "ABABABABC", {}, kColon},
@@ -499,6 +504,7 @@ TEST(TextSource, Lines) {
          {"line 1, column 7: a number begins with 0x; the rest of the line is ignored",
           "line 2, column 7: a number begins with 0x; the rest of the line is ignored"},
          kList},
+        {"a list's long line", std::string(256, 'w') + "0x41{0x42", "B", {}, kList},
         {"odd number", "0x41 0x424", "A",
          digit("line 1, column 6", "a number has an even number of hexadecimal digits"), kList},
         {"padding of nothing", "0008 \n0007\n", "", {}, kWords},
@@ -509,7 +515,7 @@ TEST(TextSource, Lines) {
          digit("line 2, column 1", "a base64 group has two digits or more"), kBase64},
     };
     for (const Case& c : cases)
-        for (const std::size_t step : {1u, 1000u, 1000000u}) {
+        for (const std::size_t step : {1u, 29u, 1000u, 1000000u}) {
             SCOPED_TRACE(c.name);
             Texts reports;
             Dribble text(c.text, step);

@@ -22,9 +22,11 @@ struct Command {
 };
 
 Runner addDecode(CLI::App& app);
+Runner addDrives(CLI::App& app);
 Runner addExplain(CLI::App& app);
 Runner addFollow(CLI::App& app);
 Runner addFormats(CLI::App& app);
+Runner addObjects(CLI::App& app);
 Runner addReport(CLI::App& app);
 Runner addSample(CLI::App& app);
 Runner addSummary(CLI::App& app);

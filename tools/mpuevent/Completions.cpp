@@ -105,7 +105,8 @@ void bashCases(std::string& values, std::string& words, const CLI::App& app,
     std::string positional = commands.empty() ? "true" : "_mpuevent_words" + bashWords(commands);
     for (const Argument& argument : argumentsOf(app)) {
         if (argument.positional()) {
-            positional = bashOffer(argument);
+            if (positional == "true") // or what the first one may be: files where none begins so
+                positional = bashOffer(argument);
             continue;
         }
         names.insert(names.end(), argument.names.begin(), argument.names.end());

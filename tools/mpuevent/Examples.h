@@ -4,10 +4,10 @@
 namespace Pegasus::tool {
 
 inline constexpr char kDecodeExamples[] = R"(Examples:
-  Which drive failed, and when?
-    mpuevent decode --format brief --severity warn --grep 'Drive \d' events.cap
-  What happened beside it?
-    mpuevent decode --format brief --where Drive=7 --around 5m events.cap
+  All about a drive:
+    mpuevent decode --format brief --drive 7 events.cap
+  What happened beside its errors?
+    mpuevent decode --format brief --drive 7 --severity err --around 5m events.cap
   All about some events:
     mpuevent decode --source 'I/O Mgr' --since seq:4000 events.cap
   The newest errors:
@@ -29,6 +29,18 @@ inline constexpr char kSummaryExamples[] = R"(Examples:
     mpuevent summary events.cap
   What did one module log?
     mpuevent summary --source 'Dev Mgr' --format json events.cap)";
+
+inline constexpr char kObjectsExamples[] = R"(Examples:
+  What failed?
+    mpuevent objects --severity warn events.cap
+  Who lost a connection?
+    mpuevent objects initiators --story events.cap)";
+
+inline constexpr char kDrivesExamples[] = R"(Examples:
+  Which drive failed, and when?
+    mpuevent drives events.cap
+  What happened to it?
+    mpuevent drives --drive 7 --story events.cap)";
 
 inline constexpr char kVerifyExamples[] = R"(Examples:
   Is it whole?
@@ -60,7 +72,7 @@ inline constexpr char kSampleExamples[] = R"(Examples:
 
 inline constexpr char kExamples[] = R"(Examples:
   Which drive failed, and when?
-    mpuevent decode --format brief --severity warn --grep 'Drive \d' events.cap
+    mpuevent drives events.cap
   What is in there?
     mpuevent summary events.cap
   Is it whole?

@@ -17,7 +17,8 @@ struct FilterRow {
     const char* kept;
     HeaderTest (*header)(const std::string& value);
     EventTest (*event)(const std::string& value, bool ignoreCase);
-    bool all = false; // several values must all hold, instead of any
+    bool all = false;   // several values must all hold, instead of any
+    bool basis = false; // looks at what each element rests on
 };
 
 namespace {
@@ -142,6 +143,16 @@ constexpr FilterRow kRows[] = {
      nullptr},
     {"id", "N", "with this number for an event id in their header", number<&EmpEvLogMsg_s::eventId>,
      nullptr},
+    {"drive", "N", "that name this drive", nullptr, objectTest<DriveKind>, false, true},
+    {"volume", "N", "that name this volume", nullptr, objectTest<VolumeKind>, false, true},
+    {"lun", "N", "that name this LUN", nullptr, objectTest<LunKind>, false, true},
+    {"fan", "N", "that name this fan", nullptr, objectTest<FanKind>, false, true},
+    {"adapter", "N", "that name this adapter", nullptr, objectTest<AdapterKind>, false, true},
+    {"port", "N", "that name this port", nullptr, objectTest<PortKind>, false, true},
+    {"connection", "N", "that name the connection with this socket number", nullptr,
+     objectTest<ConnectionKind>, false, true},
+    {"initiator", "NAME", "that name this initiator, by its iSCSI name or its address", nullptr,
+     objectTest<InitiatorKind>, false, true},
     {"since", "TIME|seq:N", "at or after this time stamp or sequence number",
      compared<std::greater_equal<std::uint32_t>>, nullptr},
     {"until", "TIME|seq:N", "at or before this time stamp or sequence number",
@@ -232,6 +243,7 @@ void FilterOptions::take(const FilterRow& row, bool negated,
             headerRules_.back().any.push_back(row.header(value));
         return;
     }
+    basis_ = basis_ || row.basis;
     for (const std::string& value : values) {
         if (row.all || &value == &values.front())
             eventRules_.push_back({negated, {}});
@@ -242,7 +254,10 @@ void FilterOptions::take(const FilterRow& row, bool negated,
 }
 
 Filter::Filter(const FilterOptions& options, const DecodeOptions& decoding)
-    : headerRules_(options.headerRules_), decoder_(decoding) {
+    : headerRules_(options.headerRules_),
+      decoder_({.fieldBasis = decoding.fieldBasis || options.basis_,
+                .readings = decoding.readings,
+                .knownOnly = decoding.knownOnly}) {
     for (const auto& [negated, any] : options.eventRules_) {
         eventRules_.push_back({negated, {}});
         for (const auto& make : any)

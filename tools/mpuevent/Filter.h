@@ -51,6 +51,7 @@ private:
     using MakeTest = std::function<EventTest(bool ignoreCase)>;
     std::vector<FilterRule<MakeTest>> eventRules_;
     bool ignoreCase_ = false;
+    bool basis_ = false; // of each element is looked at
 };
 
 // Applies the options. Holds scratch memory: one for each thread.

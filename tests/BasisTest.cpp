@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <set>
 
 namespace Pegasus::test {
@@ -105,6 +106,37 @@ TEST(Basis, IsWhatIsRead) {
             }
         }
     }
+}
+
+// What a row says that a function reads is all that it reads.
+TEST(Basis, FunctionsReadTheirFields) {
+    std::set<const mpu::CustomField*> seen;
+    std::mt19937 random(5);
+    for (const mpu::Module& module : mpu::modules())
+        for (const mpu::RecordKind& kind : mpu::kindsOf(module))
+            for (const mpu::RecordKind::Structure& structure : kind.structures())
+                for (const mpu::Row& row : structure.rows)
+                    for (const mpu::Value& value : row.values) {
+                        if (!value.custom || !seen.insert(value.custom).second)
+                            continue;
+                        for (int i = 0; i < 1000; ++i) {
+                            const unsigned bits = i % 32; // small numbers, too
+                            std::string shown[2];
+                            std::array<std::uint8_t, 64> field;
+                            for (std::size_t k = 0; k < value.size; ++k)
+                                field[k] = static_cast<std::uint8_t>(random() >> bits);
+                            for (std::string& text : shown) {
+                                for (std::size_t k = value.size; k < field.size(); ++k)
+                                    field[k] = static_cast<std::uint8_t>(random());
+                                text.resize(value.custom->maxLength + mpu::TextWriter::kSlack);
+                                text.resize(static_cast<std::size_t>(
+                                    value.custom->put(text.data(), field.data()) - text.data()));
+                                EXPECT_LE(text.size(), value.custom->maxLength) << row.tag;
+                            }
+                            ASSERT_EQ(shown[0], shown[1]) << module.decoder << ": " << row.tag;
+                        }
+                    }
+    EXPECT_GE(seen.size(), 10u);
 }
 
 class BasisCommandTest : public CommandTest {

@@ -65,6 +65,7 @@ const std::vector<ObjectReference>& ObjectFinder::of(const DecodedEvent& event) 
     add(ControllerKind, event.controllerSerialNumber, false);
     add(EnclosureKind, event.enclosureSerialNumber, false);
     const std::vector<BodyItem>& items = parser_.parse(event.body);
+    items_ = &items;
     for (std::size_t i = 0; i < items.size(); ++i) {
         const FieldBasis basis = event.fields.empty() ? FieldBasis() : event.fields[i];
         if (items[i].type != BodyItem::Element || basis.missingBytes != 0)

@@ -96,6 +96,8 @@ class ObjectFinder {
 public:
     // Each object once; valid until the next call.
     const std::vector<ObjectReference>& of(const DecodedEvent& event);
+    // Of the body of the last event.
+    const std::vector<BodyItem>& items() const { return *items_; }
     // What the last event says of the one drive that it names; empty if it does not.
     std::string_view model() const { return model_; }
     std::string_view serialNumber() const { return serialNumber_; }
@@ -104,6 +106,7 @@ private:
     void add(ObjectKindIndex kind, std::string_view id, bool isAssumed);
 
     BodyParser parser_;
+    const std::vector<BodyItem>* items_ = nullptr;
     std::vector<ObjectReference> found_;
     std::string_view model_;
     std::string_view serialNumber_;

@@ -153,6 +153,23 @@ void putPrintable(mpu::TextWriter& out, std::string_view utf8) {
     out.literal(utf8.substr(done));
 }
 
+mpu::TextWriter& putJson(mpu::TextWriter& out, std::string_view utf8) {
+    out.literal("\"");
+    std::size_t done = 0;
+    for (std::size_t i = plainRun(utf8); i < utf8.size(); i += 1 + plainRun(utf8.substr(i + 1))) {
+        const unsigned char c = static_cast<unsigned char>(utf8[i]);
+        if (c >= 0x20 && c != '"' && c != '\\')
+            continue;
+        out.literal(utf8.substr(done, i - done));
+        if (c >= 0x20)
+            out.literal("\\").literal(utf8.substr(i, 1));
+        else
+            out.literal("\\u").hexUpper(c, 4);
+        done = i + 1;
+    }
+    return out.literal(utf8.substr(done)).literal("\"");
+}
+
 void putXml(mpu::TextWriter& out, std::string_view utf8) {
     std::size_t done = 0;
     for (std::size_t i = 0; i < utf8.size(); ++i) {

@@ -16,6 +16,9 @@ std::size_t plainRun(std::string_view utf8);
 // control characters (C0 but the tab, DEL, C1) "\x1B" or "\u0085".
 void putPrintable(mpu::TextWriter& out, std::string_view utf8);
 
+// UTF-8 as a JSON string, with its quotation marks.
+mpu::TextWriter& putJson(mpu::TextWriter& out, std::string_view utf8);
+
 // UTF-8 for XML and HTML, between tags and in attributes. What XML 1.0 can't hold (most control
 // characters, U+FFFE, U+FFFF) becomes U+FFFD.
 void putXml(mpu::TextWriter& out, std::string_view utf8);

@@ -24,6 +24,7 @@ struct Command {
 Runner addDecode(CLI::App& app);
 Runner addDrives(CLI::App& app);
 Runner addExplain(CLI::App& app);
+Runner addExport(CLI::App& app);
 Runner addFollow(CLI::App& app);
 Runner addFormats(CLI::App& app);
 Runner addObjects(CLI::App& app);

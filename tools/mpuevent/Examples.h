@@ -52,6 +52,11 @@ inline constexpr char kReportExamples[] = R"(Examples:
   What happened beside the errors:
     mpuevent report --severity err --around 10m events.cap --output errors.html)";
 
+inline constexpr char kExportExamples[] = R"(Examples:
+  Captures of a week, to ask questions of:
+    mpuevent export --output events.db events.cap
+    sqlite3 -box events.db 'SELECT * FROM worst LIMIT 10')";
+
 inline constexpr char kFollowExamples[] = R"(Examples:
   As it happens:
     mpuevent follow --severity warning --format brief events.cap

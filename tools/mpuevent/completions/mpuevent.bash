@@ -25,7 +25,7 @@ _mpuevent() {
     [[ $cur == '=' ]] && cur=''
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case $word in
-        decode | explain | summary | objects | drives | verify | report | follow | formats | sample) command=$word && break ;;
+        decode | explain | summary | objects | drives | verify | report | export | follow | formats | sample) command=$word && break ;;
         esac
     done
     case $command/$prev in
@@ -341,6 +341,55 @@ _mpuevent() {
     report/--last) true; return ;;
     report/-o) _mpuevent_files; return ;;
     report/--output) _mpuevent_files; return ;;
+    export/--input) _mpuevent_words auto cmap record hex hex-record; return ;;
+    export/--max-reports) true; return ;;
+    export/--source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    export/--not-source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    export/--category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    export/--not-category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    export/--severity) _mpuevent_words informational warning error; return ;;
+    export/--not-severity) _mpuevent_words informational warning error; return ;;
+    export/--enclosure) true; return ;;
+    export/--not-enclosure) true; return ;;
+    export/--controller) true; return ;;
+    export/--not-controller) true; return ;;
+    export/--slot) true; return ;;
+    export/--not-slot) true; return ;;
+    export/--log) true; return ;;
+    export/--not-log) true; return ;;
+    export/--id) true; return ;;
+    export/--not-id) true; return ;;
+    export/--drive) true; return ;;
+    export/--not-drive) true; return ;;
+    export/--volume) true; return ;;
+    export/--not-volume) true; return ;;
+    export/--lun) true; return ;;
+    export/--not-lun) true; return ;;
+    export/--fan) true; return ;;
+    export/--not-fan) true; return ;;
+    export/--adapter) true; return ;;
+    export/--not-adapter) true; return ;;
+    export/--port) true; return ;;
+    export/--not-port) true; return ;;
+    export/--connection) true; return ;;
+    export/--not-connection) true; return ;;
+    export/--initiator) true; return ;;
+    export/--not-initiator) true; return ;;
+    export/--since) true; return ;;
+    export/--not-since) true; return ;;
+    export/--until) true; return ;;
+    export/--not-until) true; return ;;
+    export/--event-id) true; return ;;
+    export/--not-event-id) true; return ;;
+    export/--grep) true; return ;;
+    export/--not-grep) true; return ;;
+    export/--where) true; return ;;
+    export/--not-where) true; return ;;
+    export/--limit) true; return ;;
+    export/--context) true; return ;;
+    export/--around) true; return ;;
+    export/-o) _mpuevent_files; return ;;
+    export/--output) _mpuevent_files; return ;;
     follow/--input) _mpuevent_words cmap record; return ;;
     follow/-n) true; return ;;
     follow/--last) true; return ;;
@@ -403,7 +452,7 @@ _mpuevent() {
     esac
     case $command/$cur in
     /-*) _mpuevent_words -h --help --version ;;
-    /*) _mpuevent_words decode explain summary objects drives verify report follow formats sample ;;
+    /*) _mpuevent_words decode explain summary objects drives verify report export follow formats sample ;;
     decode/-*) _mpuevent_words -h --help --input --max-reports --format --fields --columns --raw --known-only --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output -j --jobs ;;
     decode/*) _mpuevent_files ;;
     explain/-*) _mpuevent_words -h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output ;;
@@ -418,6 +467,8 @@ _mpuevent() {
     verify/*) _mpuevent_files ;;
     report/-*) _mpuevent_words -h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output ;;
     report/*) _mpuevent_files ;;
+    export/-*) _mpuevent_words -h --help --input --max-reports --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around -o --output ;;
+    export/*) _mpuevent_files ;;
     follow/-*) _mpuevent_words -h --help --input -n --last --cursor --format --fields --columns --raw --known-only --trace --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words -h --help --module --code --format ;;

@@ -10,6 +10,10 @@ inline constexpr char kDecodeExamples[] = R"(Examples:
     mpuevent decode --format brief --drive 7 --severity err --around 5m events.cap
   All about some events:
     mpuevent decode --source 'I/O Mgr' --since seq:4000 events.cap
+  The errors of a day, with dates:
+    mpuevent decode --epoch unix --since 2009-11-10 --severity err events.cap
+  How long after the event before?
+    mpuevent decode --format brief --time delta events.cap
   The newest errors:
     mpuevent decode --severity err --reverse --limit 20 events.cap
   For other programs:

@@ -121,7 +121,7 @@ void InputKind::addOptions(CLI::App& app, bool limited) {
               "Report N faults of a file, count the rest; 0 = report all");
 }
 
-InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Sink& sink) const {
+InputKind::Result InputKind::read(const char* name, ByteSource& bytes, Sink& sink) const {
     std::uint64_t faults = 0;
     const auto isTold = [&] { return ++faults <= maxReports_ || maxReports_ == 0; };
     std::vector<std::string> early; // found before it is said what the input is
@@ -151,8 +151,10 @@ InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Si
         });
         capture.open(input.bytes());
         sink.onBegin(name);
-        for (Message message; more && capture.next(message);)
+        for (Message message; more && capture.next(message);) {
+            message.input = name;
             more = sink.take(message);
+        }
         sink.onEnd(capture.position());
     }
     if (faults > maxReports_ && maxReports_ != 0)
@@ -170,7 +172,7 @@ std::uint64_t Inputs::read(Sink& sink) const {
     std::uint64_t faults = 0;
     bool more = true;
     for (auto path = files_.begin(); more && path != files_.end(); ++path) {
-        const std::string name = *path == "-" ? "standard input" : *path;
+        const char* const name = nameOf(*path);
         const auto fail = [&](int error) {
             sink.complaint(kFailed, fmt::format("{}: {}", name, std::strerror(error)));
         };

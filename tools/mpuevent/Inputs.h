@@ -66,8 +66,8 @@ public:
         std::uint64_t faults;
     };
     // Hands over every message of one input. Faults are passed over; many are counted instead of
-    // being told.
-    Result read(const std::string& name, ByteSource& bytes, Sink& sink) const;
+    // being told. The messages keep the pointer to the name.
+    Result read(const char* name, ByteSource& bytes, Sink& sink) const;
 
 private:
     std::string name_ = "auto";
@@ -89,6 +89,11 @@ private:
     std::vector<std::string> files_{"-"};
     InputKind kind_;
 };
+
+// As people are told of it; the text lives as long as `path` does.
+inline const char* nameOf(const std::string& path) {
+    return path == "-" ? "standard input" : path.c_str();
+}
 
 inline void addOutput(CLI::App& app, std::string& file) {
     app.add_option("--output,-o", file, "Where to write; \"-\": standard output")

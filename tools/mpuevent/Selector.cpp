@@ -13,8 +13,7 @@ constexpr std::size_t kFewBytes = std::size_t{1} << 20;
 } // namespace
 
 Selector::Kept::Kept(const Message& message, Position at, bool isHit)
-    : position(at), hit(isHit), wanted(isHit), offset(message.offset),
-      headerSize(message.header.size()) {
+    : position(at), hit(isHit), wanted(isHit), like(message) {
     bytes.reserve(message.header.size() + message.record.size());
     bytes.insert(bytes.end(), message.header.begin(), message.header.end());
     bytes.insert(bytes.end(), message.record.begin(), message.record.end());
@@ -22,7 +21,10 @@ Selector::Kept::Kept(const Message& message, Position at, bool isHit)
 
 Message Selector::Kept::message() const {
     const std::span<const std::uint8_t> all(bytes);
-    return {offset, all.first(headerSize), all.subspan(headerSize)};
+    Message message = like;
+    message.header = all.first(like.header.size());
+    message.record = all.subspan(like.header.size());
+    return message;
 }
 
 Selector::Selector(const FilterOptions& options, Sink& to)

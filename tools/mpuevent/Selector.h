@@ -35,8 +35,7 @@ private:
         Position position;
         bool hit;
         bool wanted;
-        std::uint64_t offset;
-        std::size_t headerSize;
+        Message like; // but for its bytes
         std::vector<std::uint8_t> bytes;
 
         Kept(const Message& message, Position at, bool isHit);

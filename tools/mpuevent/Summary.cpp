@@ -41,7 +41,8 @@ Status summary(const Options& options) {
     Counter counter(options.filter, output);
     const std::uint64_t faults = readSelected(options.inputs, options.filter, counter);
     rowOf(kSummaryFormats, options.format)
-        .write(counter.statistics, faults, output.coloured(), output.text());
+        .write(counter.statistics, faults, {output.coloured(), options.filter.times},
+               output.text());
     return counter.finish();
 }
 
@@ -50,7 +51,7 @@ Status summary(const Options& options) {
 Runner addSummary(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     options->inputs.addOptions(app);
-    options->filter.addOptions(app);
+    options->filter.addOptions(app, TimeUse::Show);
     app.add_option("--format", options->format, "Output format. " + descriptionsOf(kSummaryFormats))
         ->check(CLI::IsMember(namesOf(kSummaryFormats)))
         ->capture_default_str();

@@ -19,8 +19,18 @@ inline constexpr char kDecodeExamples[] = R"(Examples:
   For other programs:
     mpuevent decode --format json --jobs 0 events.cap | jq .summary
     mpuevent decode --format csv --columns sequenceID,Drive events.cap
+  Both controllers of an enclosure, in the order of time:
+    mpuevent decode --merge --unique --format brief --origin left.cap right.cap
   A hex dump that came by mail:
     mpuevent decode mail.txt)";
+
+inline constexpr char kCutExamples[] = R"(Examples:
+  What happened around an event, to send along:
+    mpuevent cut --where Drive=7 --around 1h events.cap --output drive7.cap
+  The same without serial numbers:
+    mpuevent cut --anonymise drive7.cap --output shared.cap
+  What both controllers wrote, as one:
+    mpuevent cut --merge --unique left.cap right.cap --output all.cap)";
 
 inline constexpr char kExplainExamples[] = R"(Examples:
   Where does it come from?

@@ -59,6 +59,10 @@ public:
     explicit Filter(const FilterOptions& options, const DecodeOptions& decoding = {});
     // Whether the record's header alone lets it pass: no need to decode it if not.
     bool passes(const Message& message) const;
+    // Whether it is wanted; decodes no more than that takes.
+    bool wants(const Message& message) {
+        return eventRules_.empty() ? passes(message) : decode(message) != nullptr;
+    }
     // The event of the message until the next call, null if it is not wanted.
     const DecodedEvent* decode(const Message& message);
     // What decoded it.

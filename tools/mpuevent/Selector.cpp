@@ -28,7 +28,7 @@ Message Selector::Kept::message() const {
 }
 
 Selector::Selector(const FilterOptions& options, Sink& to)
-    : options_(options), to_(to), filter_(options), ending_(options.last || options.reverse),
+    : Relay(to), options_(options), filter_(options), ending_(options.last || options.reverse),
       left_(options.reverse ? UINT64_MAX : options.limit.value_or(UINT64_MAX)),
       last_(options.last.value_or(options.limit.value_or(UINT64_MAX))) {}
 
@@ -41,7 +41,7 @@ bool Selector::areClose(const Position& one, const Position& other) const {
 bool Selector::take(const Message& message) {
     const Position now{count_++,
                        reinterpret_cast<const EmpEvLogMsg_s*>(message.record.data())->timestamp};
-    const bool hit = left_ != 0 && filter_.decode(message);
+    const bool hit = left_ != 0 && filter_.wants(message);
     if (hit) {
         for (Kept& kept : waiting_)
             if (areClose(kept.position, now))

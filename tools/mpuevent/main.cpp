@@ -27,6 +27,7 @@ constexpr Command kCommands[] = {
     {"drives", "Tell what happened to each drive", kDrivesExamples, addDrives},
     {"verify", "Tell damage, gaps and repetitions", kVerifyExamples, addVerify},
     {"report", "Write a self-contained HTML report", kReportExamples, addReport},
+    {"cut", "Write chosen messages as a capture again", kCutExamples, addCut},
     {"follow", "Decode captures as they grow", kFollowExamples, addFollow},
     {"formats", "Print the record reference or the JSON Schema", kFormatsExamples, addFormats},
     {"sample", "Write a demonstration capture", kSampleExamples, addSample},

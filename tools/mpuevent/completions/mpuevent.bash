@@ -25,7 +25,7 @@ _mpuevent() {
     [[ $cur == '=' ]] && cur=''
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case $word in
-        decode | explain | summary | objects | drives | verify | report | follow | formats | sample) command=$word && break ;;
+        decode | explain | summary | objects | drives | verify | report | cut | follow | formats | sample) command=$word && break ;;
         esac
     done
     case $command/$prev in
@@ -356,6 +356,58 @@ _mpuevent() {
     report/--last) true; return ;;
     report/-o) _mpuevent_files; return ;;
     report/--output) _mpuevent_files; return ;;
+    cut/--input) _mpuevent_words auto cmap record hex hex-record; return ;;
+    cut/--max-reports) true; return ;;
+    cut/--tz) _mpuevent_words $(timedatectl list-timezones 2>/dev/null); return ;;
+    cut/--epoch) _mpuevent_words unix boot; return ;;
+    cut/--source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    cut/--not-source) _mpuevent_words 'iSCSI 1' 'iSCSI 2' SCSI 'Cache 1' 'Cache 2' 'I/O Mgr' 'Dev Mgr' MIP PieMan AWR VPI 'MIP Local' iChar OB0 OB1 HACC MSM RCP Startup DDLM 'Vol Mgr' 'Drive Admin' ICS SCC NCS AIM ESM EMP SNMP SMIS 'SMIS IND' iSNS ESA; return ;;
+    cut/--category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    cut/--not-category) _mpuevent_words System Management Environmental Device Volume SCSI iSCSI Network Hardware I/O Cache iSNS Task; return ;;
+    cut/--severity) _mpuevent_words informational warning error; return ;;
+    cut/--not-severity) _mpuevent_words informational warning error; return ;;
+    cut/--enclosure) true; return ;;
+    cut/--not-enclosure) true; return ;;
+    cut/--controller) true; return ;;
+    cut/--not-controller) true; return ;;
+    cut/--slot) true; return ;;
+    cut/--not-slot) true; return ;;
+    cut/--log) true; return ;;
+    cut/--not-log) true; return ;;
+    cut/--id) true; return ;;
+    cut/--not-id) true; return ;;
+    cut/--drive) true; return ;;
+    cut/--not-drive) true; return ;;
+    cut/--volume) true; return ;;
+    cut/--not-volume) true; return ;;
+    cut/--lun) true; return ;;
+    cut/--not-lun) true; return ;;
+    cut/--fan) true; return ;;
+    cut/--not-fan) true; return ;;
+    cut/--adapter) true; return ;;
+    cut/--not-adapter) true; return ;;
+    cut/--port) true; return ;;
+    cut/--not-port) true; return ;;
+    cut/--connection) true; return ;;
+    cut/--not-connection) true; return ;;
+    cut/--initiator) true; return ;;
+    cut/--not-initiator) true; return ;;
+    cut/--since) _mpuevent_words today yesterday seq:; return ;;
+    cut/--not-since) _mpuevent_words today yesterday seq:; return ;;
+    cut/--until) _mpuevent_words today yesterday seq:; return ;;
+    cut/--not-until) _mpuevent_words today yesterday seq:; return ;;
+    cut/--event-id) true; return ;;
+    cut/--not-event-id) true; return ;;
+    cut/--grep) true; return ;;
+    cut/--not-grep) true; return ;;
+    cut/--where) true; return ;;
+    cut/--not-where) true; return ;;
+    cut/--limit) true; return ;;
+    cut/--context) true; return ;;
+    cut/--around) true; return ;;
+    cut/--last) true; return ;;
+    cut/-o) _mpuevent_files; return ;;
+    cut/--output) _mpuevent_files; return ;;
     follow/--input) _mpuevent_words cmap record; return ;;
     follow/-n) true; return ;;
     follow/--last) true; return ;;
@@ -421,21 +473,23 @@ _mpuevent() {
     esac
     case $command/$cur in
     /-*) _mpuevent_words -h --help --version ;;
-    /*) _mpuevent_words decode explain summary objects drives verify report follow formats sample ;;
-    decode/-*) _mpuevent_words -h --help --input --max-reports --format --fields --columns --raw --origin --known-only --trace --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output -j --jobs ;;
+    /*) _mpuevent_words decode explain summary objects drives verify report cut follow formats sample ;;
+    decode/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --format --fields --columns --raw --origin --known-only --trace --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output -j --jobs ;;
     decode/*) _mpuevent_files ;;
-    explain/-*) _mpuevent_words -h --help --input --max-reports --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output ;;
+    explain/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output ;;
     explain/*) _mpuevent_files ;;
-    summary/-*) _mpuevent_words -h --help --input --max-reports --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output ;;
+    summary/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output ;;
     summary/*) _mpuevent_files ;;
-    objects/-*) _mpuevent_words -h --help --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --story --format -o --output --input --max-reports ;;
+    objects/-*) _mpuevent_words -h --help --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --story --format -o --output --input --max-reports --merge --unique ;;
     objects/*) _mpuevent_words drives volumes luns fans power-supplies temperature-sensors adapters ports connections initiators controllers enclosures ;;
-    drives/-*) _mpuevent_words -h --help --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --story --format -o --output --input --max-reports ;;
+    drives/-*) _mpuevent_words -h --help --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --story --format -o --output --input --max-reports --merge --unique ;;
     drives/*) _mpuevent_files ;;
     verify/-*) _mpuevent_words -h --help --input --format -o --output ;;
     verify/*) _mpuevent_files ;;
-    report/-*) _mpuevent_words -h --help --input --max-reports --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output ;;
+    report/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output ;;
     report/*) _mpuevent_files ;;
+    cut/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --anonymise -o --output ;;
+    cut/*) _mpuevent_files ;;
     follow/-*) _mpuevent_words -h --help --input -n --last --cursor --format --fields --columns --raw --origin --known-only --trace --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words -h --help --module --code --format ;;

@@ -136,6 +136,8 @@ bool Capture::next(Message& message) {
     message.offset = offset_;
     message.header = {at(0), headerSize_};
     message.record = {at(headerSize_), length_ - headerSize_};
+    message.claim = recordAt(0).evStructLength;
+    message.input = {};
     checkLengths();
     return true;
 }

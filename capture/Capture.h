@@ -20,6 +20,8 @@ struct Message {
     std::uint64_t offset;                 // of its first byte in the capture
     std::span<const std::uint8_t> header; // of the message, empty for a bare record
     std::span<const std::uint8_t> record; // at least its header; at most what a message can carry
+    std::uint16_t claim = 0;              // evStructLength as it came
+    std::string_view input{};             // its name, where the reader gave it one
 
     std::unique_ptr<Avrel_Event> decode() const;
 };

@@ -11,6 +11,7 @@ namespace Pegasus::formats {
 
 namespace {
 
+constexpr std::string_view kTimeColumn = "timestamp";
 constexpr std::string_view kSeverityColumn = "eventTypeText";
 
 std::size_t widthOf(std::string_view name) {
@@ -21,19 +22,25 @@ std::size_t widthOf(std::string_view name) {
 class BriefPrinter : public LinesPrinter {
 public:
     explicit BriefPrinter(const PrintOptions& options)
-        : colour_(options.colour), raw_(options.raw), titled_(options.columns.empty()) {
+        : colour_(options.colour), raw_(options.raw), origin_(options.origin),
+          titled_(options.columns.empty()) {
         for (const std::string& name : options.columns)
             columns_.emplace_back(name);
         if (titled_)
-            for (const char* name :
-                 {"timestamp", "sequenceID", "controllerSerialNumber", "eventTypeText", "source"})
+            for (const char* name : {kTimeColumn.data(), "sequenceID", "controllerSerialNumber",
+                                     "eventTypeText", "source"})
                 columns_.emplace_back(name);
     }
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
+        if (origin_) {
+            putPrintable(out, event.file);
+            out.literal(":").decimal64(event.offset).literal("  ");
+        }
         for (NamedValues& column : columns_) {
             const bool coloured = colour_ && column.name() == kSeverityColumn;
-            const std::string_view value = trimmed(column.joined(event));
+            const bool timed = titled_ && column.name() == kTimeColumn && !event.shownTime.empty();
+            const std::string_view value = timed ? event.shownTime : trimmed(column.joined(event));
             const std::string_view shown = value.empty() ? "-" : value;
             out.literal(coloured ? kColours[severityOf(event.eventType)] : "");
             putPrintable(out, shown);
@@ -58,6 +65,7 @@ public:
 private:
     const bool colour_;
     const bool raw_;
+    const bool origin_;
     const bool titled_;
     std::deque<NamedValues> columns_;
 };

@@ -5,12 +5,21 @@
 
 namespace Pegasus::formats {
 
-// A number or a text: the other one is null.
+// What an event has only when asked for.
+enum class Extra : std::uint8_t { None, Time, Origin };
+
+// A number or a text: the others are null.
 struct Column {
     const char* name;
     const char* meaning;
     std::uint32_t DecodedEvent::*number;
     std::string_view DecodedEvent::*text;
+    Extra extra = Extra::None;
+    std::uint64_t DecodedEvent::*number64 = nullptr;
+
+    void putNumber(const DecodedEvent& event, mpu::TextWriter& out) const {
+        number ? out.decimal(event.*number) : out.decimal64(event.*number64);
+    }
 };
 
 // In the order in which they are written. A name once published stays.
@@ -44,6 +53,12 @@ inline constexpr Column kColumns[] = {
      &DecodedEvent::missingBytes, nullptr},
     {"unreadBytes", "Bytes of the payload that nothing was read from", &DecodedEvent::unreadBytes,
      nullptr},
+    {"time", "The timestamp as RFC 3339, with --epoch", nullptr, &DecodedEvent::time, Extra::Time},
+    {"file", "Where the event comes from, with --origin", nullptr, &DecodedEvent::file,
+     Extra::Origin},
+    {"offset",
+     "Place of its first byte among those of the file, unpacked and as bytes, with --origin",
+     nullptr, nullptr, Extra::Origin, &DecodedEvent::offset},
 };
 
 // The version of the formats that programs read. It grows when a column goes or changes its

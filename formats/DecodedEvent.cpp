@@ -35,17 +35,20 @@ std::string_view narrowed(mpu::TextWriter& to, const String& text) {
 
 } // namespace
 
-EventDecoder::EventDecoder(const DecodeOptions& options) : options_(options) {
+EventDecoder::EventDecoder(const DecodeOptions& options) : options_(options), clock_(options.time) {
     if (options.fieldBasis || options.readings || options.knownOnly)
         readings_ = std::make_unique<Readings>(draft_);
 }
 
 EventDecoder::~EventDecoder() = default;
 
-const DecodedEvent& EventDecoder::decode(std::span<const std::uint8_t> bytes) {
+const DecodedEvent& EventDecoder::decode(std::span<const std::uint8_t> bytes,
+                                         const Origin& origin) {
     const auto* header = reinterpret_cast<const EmpEvLogMsg_s*>(bytes.data());
     event_.payload = bytes.subspan(sizeof *header);
     event_.fields = {};
+    event_.file = finished(file_, mpu::Untrusted(origin.file));
+    event_.offset = origin.offset;
     if (readings_)
         readings_->clear();
     const mpu::DecodeFunction function = mpu::decodeFunctionOf(header->source);
@@ -73,6 +76,7 @@ const DecodedEvent& EventDecoder::decode(std::span<const std::uint8_t> bytes) {
     event_.eventLogInstanceNumber = header->logInstance;
     event_.sequenceID = header->sequenceId;
     event_.timestamp = header->timestamp;
+    tellTime();
     event_.source = nameOr(mpu::sourceName(header->source), header->source, source_);
     event_.category = nameOr(mpu::categoryName(header->category), header->category, category_);
     event_.eventTypeText = mpu::eventTypeName(header->eventType);
@@ -107,6 +111,11 @@ void EventDecoder::decode(const mpu::Record& record, mpu::DecodeFunction functio
     event_.eventID = draft_.title.finish();
     event_.summary = draft_.summary.finish();
     event_.body = draft_.body.finish();
+}
+
+void EventDecoder::tellTime() {
+    event_.time = clock_.rfc3339(event_.timestamp);
+    event_.shownTime = clock_.shown(event_.timestamp);
 }
 
 void EventDecoder::tell(const EventBasis& basis) {
@@ -170,6 +179,7 @@ const DecodedEvent& EventDecoder::take(Avrel_Event& event) {
     event_.eventLogInstanceNumber = event.getEventLogInstanceNumber();
     event_.sequenceID = event.getSequenceID();
     event_.timestamp = event.getTimestamp();
+    tellTime();
     event_.source = narrowed(source_, event.getSource());
     event_.category = narrowed(category_, event.getCategory());
     event_.eventType = std::as_const(event).getEventType();

@@ -124,16 +124,19 @@ class JsonPrinter : public Printer {
 public:
     explicit JsonPrinter(const PrintOptions& options) : fields_(options.fields), raw_(options.raw) {
         for (const Column& column : kColumns)
-            keys_.push_back((keys_.empty() ? "{\"" : ",\"") + std::string(column.name) + "\":");
+            if (isShown(column, options)) {
+                columns_.push_back(&column);
+                keys_.push_back((keys_.empty() ? "{\"" : ",\"") + std::string(column.name) + "\":");
+            }
     }
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
-        for (std::size_t i = 0; i < std::size(kColumns); ++i) {
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
             out.literal(keys_[i]);
-            if (kColumns[i].number)
-                out.decimal(event.*kColumns[i].number);
+            if (columns_[i]->text)
+                text(out, event.*columns_[i]->text);
             else
-                text(out, event.*kColumns[i].text);
+                columns_[i]->putNumber(event, out);
         }
         if (raw_) {
             putPayload(out.literal(",\"raw\":\""), event);
@@ -160,7 +163,8 @@ private:
 
     const bool fields_;
     const bool raw_;
-    std::vector<std::string> keys_;
+    std::vector<const Column*> columns_;
+    std::vector<std::string> keys_; // of those
     Json json_;
     BodyParser parser_;
 };
@@ -168,7 +172,7 @@ private:
 // RFC 4180, with the JSON keys for a header line; fields are the JSON list in one cell.
 class CsvPrinter : public Printer {
 public:
-    explicit CsvPrinter(const PrintOptions& options) : fields_(options.fields), raw_(options.raw) {
+    explicit CsvPrinter(const PrintOptions& options) : options_(options) {
         for (const std::string& name : options.columns)
             chosen_.emplace_back(name);
     }
@@ -178,8 +182,9 @@ public:
             cell(out.literal(&column == &chosen_.front() ? "" : ","), column.name());
         if (chosen_.empty())
             for (const Column& column : kColumns)
-                out.literal(&column == kColumns ? "" : ",").literal(column.name);
-        out.literal(raw_ ? ",raw" : "").literal(fields_ ? ",fields\r\n" : "\r\n");
+                if (isShown(column, options_))
+                    out.literal(&column == kColumns ? "" : ",").literal(column.name);
+        out.literal(options_.raw ? ",raw" : "").literal(options_.fields ? ",fields\r\n" : "\r\n");
     }
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
@@ -187,9 +192,9 @@ public:
             cell(out.literal(&column == &chosen_.front() ? "" : ","), column.joined(event));
         if (chosen_.empty())
             all(event, out);
-        if (raw_)
+        if (options_.raw)
             putPayload(out.literal(","), event);
-        if (fields_) {
+        if (options_.fields) {
             list_.clear();
             json_.start(list_);
             json_.fields(parser_.parse(event.body), event.fields);
@@ -199,14 +204,15 @@ public:
     }
 
 private:
-    static void all(const DecodedEvent& event, mpu::TextWriter& out) {
+    void all(const DecodedEvent& event, mpu::TextWriter& out) const {
         for (const Column& column : kColumns) {
-            out.literal(&column == kColumns ? "" : ",");
-            if (column.number) {
-                out.decimal(event.*column.number);
+            if (!isShown(column, options_))
                 continue;
-            }
-            cell(out, event.*column.text);
+            out.literal(&column == kColumns ? "" : ",");
+            if (column.text)
+                cell(out, event.*column.text);
+            else
+                column.putNumber(event, out);
         }
     }
     static void cell(mpu::TextWriter& out, std::string_view text) {
@@ -227,8 +233,7 @@ private:
         out.literal("\"");
     }
 
-    const bool fields_;
-    const bool raw_;
+    const PrintOptions options_;
     Json json_;
     mpu::BodyWriter list_;
     BodyParser parser_;

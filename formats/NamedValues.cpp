@@ -25,7 +25,8 @@ const std::vector<std::string_view>& NamedValues::of(const DecodedEvent& event) 
         values_.push_back(event.*column_->text);
     } else if (column_) {
         number_.clear();
-        values_.push_back(number_.decimal(event.*column_->number).view());
+        column_->putNumber(event, number_);
+        values_.push_back(number_.view());
     } else if (event.body.find(tag_) != event.body.npos) {
         for (const BodyItem& item : parser_.parse(event.body))
             if (item.type == BodyItem::Element && item.name == name_)

@@ -44,13 +44,13 @@ std::vector<Part> partsOf(const Object& object) {
     return parts;
 }
 
-void putSpan(mpu::TextWriter& out, const Range& time) {
-    out.decimal(time.first);
+void putSpan(mpu::TextWriter& out, const Range& time, Clock& clock) {
+    out.literal(clock.text(time.first));
     if (time.last != time.first)
-        out.literal(" to ").decimal(time.last);
+        out.literal(" to ").literal(clock.text(time.last));
 }
 
-void putPart(mpu::TextWriter& out, const Part& part) {
+void putPart(mpu::TextWriter& out, const Part& part, Clock& clock) {
     if (part.severity == kError || part.count == 1) {
         if (part.count != 1)
             out.decimal64(part.count).literal(" ");
@@ -58,16 +58,17 @@ void putPart(mpu::TextWriter& out, const Part& part) {
             out.literal(kSeverities[part.severity]).literal(" ");
         putPrintable(out, part.only->title);
         out.literal(" ");
-        putSpan(out, part.time);
+        putSpan(out, part.time, clock);
         return;
     }
     out.decimal64(part.count).literal(" ").literal(kCounted[part.severity]);
-    out.literal(" since ").decimal(part.time.first);
+    out.literal(" since ").literal(clock.text(part.time.first));
 }
 
 } // namespace
 
 void writeTextObject(const Object& object, const ObjectOptions& options, mpu::TextWriter& out) {
+    Clock clock(options.time);
     const auto worst =
         static_cast<unsigned>(object.severities.rend() -
                               std::find_if(object.severities.rbegin(), object.severities.rend(),
@@ -81,7 +82,7 @@ void writeTextObject(const Object& object, const ObjectOptions& options, mpu::Te
     for (const Part& part : partsOf(object)) {
         if (part.severity == kError && ++errors > kTold)
             continue;
-        putPart(out.literal(before), part);
+        putPart(out.literal(before), part, clock);
         before = ", ";
     }
     if (errors > kTold)
@@ -89,7 +90,7 @@ void writeTextObject(const Object& object, const ObjectOptions& options, mpu::Te
     if (object.untold != 0)
         out.literal(", ").decimal64(object.untold).literal(" more events");
     if (object.events > 1)
-        out.literal(", last ").decimal(object.time.last);
+        out.literal(", last ").literal(clock.text(object.time.last));
     if (!object.model.empty())
         putPrintable(out.literal("; model "), object.model);
     if (!object.serialNumber.empty())
@@ -102,7 +103,7 @@ void writeTextObject(const Object& object, const ObjectOptions& options, mpu::Te
     if (!options.story)
         return;
     for (const StoryStep& step : object.story) {
-        putSpan(out.literal("    "), step.time);
+        putSpan(out.literal("    "), step.time, clock);
         out.literal("  ").literal(options.colour ? kColours[step.severity] : "");
         out.literal(kSeverities[step.severity]).literal(options.colour ? kPlain : "");
         putPrintable(out.literal("  "), step.source);
@@ -129,6 +130,15 @@ void writeJsonObject(const Object& object, const ObjectOptions& options, mpu::Te
         json.Key(name);
         json.Uint64(value);
     };
+    const auto span = [&](const Range& range) {
+        count("firstTimestamp", range.first);
+        count("lastTimestamp", range.last);
+        if (options.time.epoch) {
+            Clock clock(options.time);
+            text("firstTime", clock.rfc3339(range.first));
+            text("lastTime", clock.rfc3339(range.last));
+        }
+    };
     json.StartObject();
     text("kind", kObjectKinds[object.kind].name);
     text("id", object.id);
@@ -146,8 +156,7 @@ void writeJsonObject(const Object& object, const ObjectOptions& options, mpu::Te
     for (unsigned severity = 4; severity-- > 0;)
         count(kSeverities[severity].data(), object.severities[severity]);
     json.EndObject();
-    count("firstTimestamp", object.time.first);
-    count("lastTimestamp", object.time.last);
+    span(object.time);
     if (options.story) {
         json.Key("story");
         json.StartArray();
@@ -158,8 +167,7 @@ void writeJsonObject(const Object& object, const ObjectOptions& options, mpu::Te
             text("eventID", step.title);
             text("summary", step.summary);
             count("count", step.count);
-            count("firstTimestamp", step.time.first);
-            count("lastTimestamp", step.time.last);
+            span(step.time);
             count("firstSequenceID", step.firstSequence);
             count("lastSequenceID", step.lastSequence);
             json.EndObject();

@@ -7,8 +7,9 @@
 namespace Pegasus::formats {
 
 struct ObjectOptions {
-    bool story = false; // tell all steps
-    bool colour = false;
+    bool story = false;  // tell all steps
+    bool colour = false; // for a terminal
+    TimeOptions time{};
 };
 
 struct ObjectFormat {

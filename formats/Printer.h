@@ -1,7 +1,7 @@
 // The formats in which events are written.
 #pragma once
 
-#include "formats/DecodedEvent.h"
+#include "formats/Columns.h"
 
 #include <memory>
 #include <string>
@@ -28,10 +28,18 @@ struct PrintOptions {
     bool fields = false; // also list the body's elements individually
     bool raw = false;    // also the payload in hexadecimal
     bool colour = false; // for a terminal
+    bool time = false;   // events have `time`
+    bool origin = false; // also where an event comes from
     // Fields of the event and elements of its body to show, where not those that a format has by
     // itself.
     std::vector<std::string> columns{};
 };
+
+// Whether a column is among those that a format has by itself.
+inline bool isShown(const Column& column, const PrintOptions& options) {
+    return column.extra == Extra::None ||
+           (column.extra == Extra::Time ? options.time : options.origin);
+}
 
 struct Format {
     const char* name;

@@ -63,7 +63,8 @@ public:
         key("required");
         json_.StartArray();
         for (const Column& column : kColumns)
-            text(column.name);
+            if (column.extra == Extra::None)
+                text(column.name);
         json_.EndArray();
         key("properties");
         json_.StartObject();
@@ -136,7 +137,7 @@ private:
         key(name);
         json_.StartObject();
         pair("description", column.meaning);
-        pair("type", column.number ? "integer" : "string");
+        pair("type", column.text ? "string" : "integer");
         if (name == "source") {
             codes([](unsigned code) { return sourceOf(code); });
         } else if (name == "category") {
@@ -156,11 +157,13 @@ private:
             texts("enum", names);
         } else if (name == "layout") {
             texts("enum", layouts());
-        } else if (column.number) {
+        } else if (name == "time") {
+            pair("format", "date-time");
+        } else if (!column.text) {
             key("minimum");
             json_.Uint(0);
             key("maximum");
-            json_.Uint(UINT32_MAX);
+            json_.Uint64(column.number ? UINT32_MAX : UINT64_MAX);
         }
         json_.EndObject();
     }

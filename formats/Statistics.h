@@ -20,6 +20,10 @@ struct Range {
         first = value < first ? value : first;
         last = value > last ? value : last;
     }
+    void add(const Range& other) {
+        first = other.first < first ? other.first : first;
+        last = other.last > last ? other.last : last;
+    }
 };
 
 using SeverityCounts = std::array<std::uint64_t, 4>; // by index of the severity
@@ -28,11 +32,32 @@ using SeverityCounts = std::array<std::uint64_t, 4>; // by index of the severity
 class TimeLine {
 public:
     void add(std::uint32_t time, unsigned severity);
-    // The time from first to last in `count` equal buckets.
+
+    struct Part {
+        std::uint64_t events = 0;
+        Range time;
+    };
+    struct Axis {
+        Part shown;
+        Part before; // what is left out at its two ends
+        Part after;
+    };
+    // What to show, so that few events with strange times don't squeeze all others: the times of
+    // all events but the outliers. The core are the events between the 1st and the 99th percentile;
+    // with 10 events or more it leaves out at least one at each end. An outlier is outside of the
+    // core and further from it than the core is long, and than 86,400: a day, in seconds.
+    Axis axis() const;
+    // The time from first to last in `count` equal buckets; events outside are not counted.
     std::vector<SeverityCounts> buckets(std::size_t count, const Range& time) const;
 
 private:
-    std::map<std::uint32_t, SeverityCounts> moments_; // by the time's upper bits
+    struct Moment {
+        SeverityCounts counts{};
+        Range time;
+
+        std::uint64_t events() const { return counts[0] + counts[1] + counts[2] + counts[3]; }
+    };
+    std::map<std::uint32_t, Moment> moments_; // by the time's upper bits
     unsigned shift_ = 0;
 };
 

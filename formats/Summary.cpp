@@ -23,19 +23,49 @@ void number(mpu::TextWriter& out, std::uint64_t value) {
     out.literal(fmt::format("{:>10}  ", value));
 }
 
+// "1000 to 1003; 1 event before: 0"
+void times(mpu::TextWriter& out, const TimeLine::Axis& axis, Clock& clock) {
+    out.literal(clock.text(axis.shown.time.first)).literal(" to ");
+    out.literal(clock.text(axis.shown.time.last));
+    for (const auto& [part, where] :
+         {std::pair(axis.before, "before"), std::pair(axis.after, "after")}) {
+        if (part.events == 0)
+            continue;
+        out.literal(fmt::format("; {} event{} {}: {}", part.events, part.events == 1 ? "" : "s",
+                                where, clock.text(part.time.first)));
+        if (part.time.last != part.time.first)
+            out.literal(" to ").literal(clock.text(part.time.last));
+    }
+    out.literal("\n");
+}
+
+// Numbers of these years are more likely Unix time than anything else.
+void guess(mpu::TextWriter& out, const Range& time) {
+    constexpr std::uint32_t k2000 = 946684800;
+    constexpr std::uint32_t k2050 = 2524608000;
+    if (time.first >= k2000 && time.last < k2050)
+        out.literal(fmt::format("Guess: the times look like Unix time: {} to {}; --epoch unix "
+                                "shows them so\n",
+                                rfc3339(time.first, true), rfc3339(time.last, true)));
+}
+
 } // namespace
 
-void writeTextSummary(const Statistics& all, std::uint64_t faults, bool colour,
+void writeTextSummary(const Statistics& all, std::uint64_t faults, const SummaryOptions& options,
                       mpu::TextWriter& out) {
     const auto coloured = [&](unsigned severity, std::size_t width) {
-        out.literal(colour ? kColours[severity] : "");
+        out.literal(options.colour ? kColours[severity] : "");
         cell(out, kSeverities[severity], width);
-        out.literal(colour ? kPlain : "");
+        out.literal(options.colour ? kPlain : "");
     };
+    Clock clock(options.time);
     out.literal("Events: ").decimal64(all.events).literal("\n");
     if (all.events != 0) {
-        out.literal("Time: ").decimal(all.time.first).literal(" to ").decimal(all.time.last);
-        out.literal("\nSequence: ")
+        const TimeLine::Axis axis = all.timeLine.axis();
+        times(out.literal("Time: "), axis, clock);
+        if (options.time.style == TimeStyle::Raw && !options.time.epoch)
+            guess(out, axis.shown.time);
+        out.literal("Sequence: ")
             .decimal(all.sequence.first)
             .literal(" to ")
             .decimal(all.sequence.last);
@@ -66,11 +96,14 @@ void writeTextSummary(const Statistics& all, std::uint64_t faults, bool colour,
         cell(out, source, 0);
         out.literal("\n");
     }
-    out.literal("\n     Count  First time   Last time  Worst          Source       Title\n");
+    // Those of one style are about as long.
+    const std::size_t width = std::max<std::size_t>(clock.text(all.time.last).size(), 10);
+    out.literal(fmt::format("\n     Count  {:>{}}  {:>{}}  Worst          Source       Title\n",
+                            "First time", width, "Last time", width));
     for (const Statistics::Title& title : all.byTitle()) {
         number(out, title.count);
-        number(out, title.time.first);
-        number(out, title.time.last);
+        for (const std::uint32_t time : {title.time.first, title.time.last})
+            out.literal(fmt::format("{:>{}}  ", clock.text(time), width));
         coloured(title.severity, 15);
         cell(out, title.source, 13);
         cell(out, title.text, 0);
@@ -82,7 +115,8 @@ void writeTextSummary(const Statistics& all, std::uint64_t faults, bool colour,
     }
 }
 
-void writeJsonSummary(const Statistics& all, std::uint64_t faults, bool, mpu::TextWriter& out) {
+void writeJsonSummary(const Statistics& all, std::uint64_t faults, const SummaryOptions& options,
+                      mpu::TextWriter& out) {
     rapidjson::StringBuffer buffer;
     rapidjson::PrettyWriter<rapidjson::StringBuffer> json(buffer);
     json.SetIndent(' ', 2);
@@ -95,6 +129,15 @@ void writeJsonSummary(const Statistics& all, std::uint64_t faults, bool, mpu::Te
         json.Key(last);
         known ? json.Uint(range.last) : json.Null();
     };
+    const auto times = [&](const Range& range) {
+        if (!options.time.epoch || all.events == 0)
+            return;
+        Clock clock(options.time);
+        json.Key("firstTime");
+        text(clock.rfc3339(range.first));
+        json.Key("lastTime");
+        text(clock.rfc3339(range.last));
+    };
     const auto count = [&](const char* name, std::uint64_t value) {
         json.Key(name);
         json.Uint64(value);
@@ -104,6 +147,7 @@ void writeJsonSummary(const Statistics& all, std::uint64_t faults, bool, mpu::Te
     count("events", all.events);
     count("damagedPlaces", faults);
     span("firstTimestamp", "lastTimestamp", all.time, all.events != 0);
+    times(all.time);
     span("firstSequenceID", "lastSequenceID", all.sequence, all.events != 0);
     json.Key("severities");
     json.StartObject();
@@ -135,6 +179,7 @@ void writeJsonSummary(const Statistics& all, std::uint64_t faults, bool, mpu::Te
         text(kSeverities[title.severity]);
         count("count", title.count);
         span("firstTimestamp", "lastTimestamp", title.time, true);
+        times(title.time);
         json.EndObject();
     }
     json.EndArray();

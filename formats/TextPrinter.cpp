@@ -58,7 +58,7 @@ std::size_t nextGroup(std::string_view text) {
 class TextPrinter : public LinesPrinter {
 public:
     explicit TextPrinter(const PrintOptions& options)
-        : colour_(options.colour), raw_(options.raw) {}
+        : colour_(options.colour), raw_(options.raw), origin_(options.origin) {}
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         out.literal("Event ").decimal(event.sequenceID).literal(": ");
@@ -76,7 +76,13 @@ public:
         line(out, "Controller", event.controllerSerialNumber);
         out.literal("  Slot: ").decimal(event.controllerSlotID);
         out.literal("\n  Log: ").decimal(event.eventLogInstanceNumber);
-        out.literal("\n  Time: ").decimal(event.timestamp).literal("\n");
+        out.literal("\n  Time: ");
+        event.shownTime.empty() ? out.decimal(event.timestamp) : out.literal(event.shownTime);
+        out.literal("\n");
+        if (origin_) {
+            putPrintable(out.literal("  Origin: "), event.file);
+            out.literal(", offset ").decimal64(event.offset).literal("\n");
+        }
         putDoubts(out, event, "  ", "\n");
         if (event.unreadBytes != 0) {
             putBytes(out, "  + ", event.unreadBytes, "unread");
@@ -196,6 +202,7 @@ private:
 
     const bool colour_;
     const bool raw_;
+    const bool origin_;
     mpu::BodyWriter payload_;
     BodyParser parser_;
 };
@@ -203,7 +210,8 @@ private:
 // As Avrel_Event::str() renders it. Line breaks in it are escaped so that an event is one line.
 class LinePrinter : public LinesPrinter {
 public:
-    explicit LinePrinter(const PrintOptions& options) : raw_(options.raw) {}
+    explicit LinePrinter(const PrintOptions& options)
+        : raw_(options.raw), origin_(options.origin) {}
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         putPrintable(out.literal("Enclosure Ser#: '"), event.enclosureSerialNumber);
@@ -211,7 +219,8 @@ public:
         out.literal("', Slot: ").integer(event.controllerSlotID);
         out.literal(", Log Instance # ").integer(event.eventLogInstanceNumber);
         out.literal(", Sequence ID=").integer(event.sequenceID);
-        out.literal(", Timestamp=").integer(event.timestamp);
+        out.literal(", Timestamp=");
+        event.shownTime.empty() ? out.integer(event.timestamp) : out.literal(event.shownTime);
         putPrintable(out.literal(", Source: '"), event.source);
         putPrintable(out.literal("', Category: '"), event.category);
         out.literal("', EventType=").integer(event.eventType);
@@ -220,11 +229,17 @@ public:
         putPrintable(out.literal("', Body: '"), event.body);
         if (raw_)
             putPayload(out.literal("', Payload: '"), event);
-        out.literal("'\n");
+        if (origin_) {
+            putPrintable(out.literal("', File: '"), event.file);
+            out.literal("', Offset=").decimal64(event.offset).literal("\n");
+        } else {
+            out.literal("'\n");
+        }
     }
 
 private:
     const bool raw_;
+    const bool origin_;
 };
 
 } // namespace

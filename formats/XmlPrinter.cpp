@@ -11,7 +11,7 @@ namespace {
 
 class XmlPrinter : public Printer {
 public:
-    explicit XmlPrinter(const PrintOptions& options) : fields_(options.fields), raw_(options.raw) {}
+    explicit XmlPrinter(const PrintOptions& options) : options_(options) {}
 
     void begin(mpu::TextWriter& out) override {
         out.literal("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<events formatVersion=\"");
@@ -22,19 +22,20 @@ public:
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         out.literal("<event>\n");
         for (const Column& column : kColumns) {
+            if (!isShown(column, options_))
+                continue;
             out.literal("  <").literal(column.name).literal(">");
-            if (column.number) {
-                out.decimal(event.*column.number);
-            } else {
+            if (column.text)
                 putXml(out, event.*column.text);
-            }
+            else
+                column.putNumber(event, out);
             out.literal("</").literal(column.name).literal(">\n");
         }
-        if (raw_) {
+        if (options_.raw) {
             putPayload(out.literal("  <raw>"), event);
             out.literal("</raw>\n");
         }
-        if (fields_)
+        if (options_.fields)
             fields(out, parser_.parse(event.body), event.fields);
         out.literal("</event>\n");
     }
@@ -79,8 +80,7 @@ private:
             out.literal(" missingBytes=\"").decimal(basis.missingBytes).literal("\"");
     }
 
-    const bool fields_;
-    const bool raw_;
+    const PrintOptions options_;
     BodyParser parser_;
 };
 

@@ -53,8 +53,8 @@ void requireJson(const std::string& line, const Said& event, bool fields) {
 void requireCsv(const std::vector<std::vector<std::string>>& rows, const DecodedEvent& event,
                 bool isText) {
     require(rows.size() == 2 && rows[0].size() == rows[1].size(), "a cell for each column");
-    require(rows[0].size() >= std::size(kColumns), "a column for each value");
-    for (std::size_t i = 0; i < std::size(kColumns); ++i) {
+    for (std::size_t i = 0; i < std::size(kColumns) && kColumns[i].extra == Extra::None; ++i) {
+        require(i < rows[0].size(), "a column for each value");
         requireSame(rows[0][i], kColumns[i].name, "a column has its name");
         if (!isText || !kColumns[i].text)
             continue;

@@ -77,8 +77,10 @@ TEST_F(CommandTest, Usage) {
 TEST_F(CommandTest, Examples) {
     ASSERT_EQ(run("sample --output events.cap").status, 0);
     write("mail.txt", hexOf(message(1)));
+    write("left.cap", message(1));
+    write("right.cap", message(1));
     for (const char* command :
-         {"", "decode", "summary", "verify", "report", "follow", "formats", "sample"}) {
+         {"", "decode", "summary", "verify", "report", "cut", "follow", "formats", "sample"}) {
         int examples = 0;
         std::stringstream lines(run(std::string(command) + " --help").out);
         for (std::string line; std::getline(lines, line);)

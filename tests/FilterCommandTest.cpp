@@ -174,10 +174,10 @@ TEST_F(FilterCommandTest, Errors) {
          "Device, Volume, SCSI, iSCSI, Network, Hardware, I/O, Cache, iSNS, Task; or a number "
          "below 256"},
         {"--severity fatal", "--severity: \"fatal\" is none of informational, warning, error"},
-        {"--since yesterday", "--since: \"yesterday\" is neither a time stamp (a number below "
-                              "2^32) nor a sequence number (seq:N)"},
+        {"--since tomorrow", "--since: \"tomorrow\" is neither a time stamp (a number below "
+                             "2^32), nor a sequence number (seq:N), nor a date"},
         {"--until seq:4294967296", "--until: \"seq:4294967296\" is neither a time stamp (a number "
-                                   "below 2^32) nor a sequence number (seq:N)"},
+                                   "below 2^32), nor a sequence number (seq:N), nor a date"},
         {"--slot -1", "--slot: \"-1\" is not a number below 2^32"},
         {"--not-where Drive",
          "--not-where: \"Drive\" is not NAME=VALUE, nor with one of != < <= > >="},

@@ -126,7 +126,10 @@ TEST_F(FormatsCommandTest, Xml) {
 TEST_F(FormatsCommandTest, XmlIsValid) {
     ASSERT_EQ(run("sample --count 300 --output samples").status, 0);
     ASSERT_EQ(run("decode --format xml samples --output plain.xml").status, 0);
-    ASSERT_EQ(run("decode --format xml --fields samples --output fields.xml").status, 0);
+    ASSERT_EQ(run("decode --format xml --fields --raw --epoch unix --tz +01:00 --origin samples "
+                  "--output fields.xml")
+                  .status,
+              0);
     EXPECT_EQ(xmllint("plain.xml"), "");
     EXPECT_EQ(xmllint("fields.xml"), "");
     // The check does refuse.

@@ -72,6 +72,9 @@ TEST_F(ObjectsCommandTest, TellsWhatHappened) {
          "\n~ named by a layout that is assumed\n"},
         {"drives --drive 8", "No event names one.\n"},
         {"objects volumes", "Volume 3, ENC0004711: 2 informational since 6100, last 9500\n"},
+        {"objects volumes --epoch 2009-11-10T12:00:00Z",
+         "Volume 3, ENC0004711: 2 informational since 2009-11-10T13:41:40Z, last "
+         "2009-11-10T14:38:20Z\n"},
         {"objects fans", "Fan 2, ENC0004711: warning ES Adapter Fan Fault Status Event 7000  ~\n"
                          "\n~ named by a layout that is assumed\n"},
         {"objects connections",

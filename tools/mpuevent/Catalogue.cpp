@@ -127,10 +127,8 @@ Status sample(const SampleOptions& options) {
     Output output;
     if (!output.open(options.output))
         return kFailed;
-    if (output.isTerminal()) {
-        complain("sample writes binary data, which is not for a terminal; see --output");
+    if (!output.takesBinary("sample"))
         return kUsage;
-    }
     mpu::SampleWriter samples(options.seed);
     const std::vector<mpu::Module> chosen = select(options.module);
     for (std::uint64_t made = 0, before = 0;; before = made) {

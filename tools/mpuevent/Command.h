@@ -21,6 +21,7 @@ struct Command {
     Runner (*add)(CLI::App& app); // declares the options
 };
 
+Runner addCut(CLI::App& app);
 Runner addDecode(CLI::App& app);
 Runner addDrives(CLI::App& app);
 Runner addExplain(CLI::App& app);

@@ -62,6 +62,14 @@ constexpr Offers kOffers[] = {
      [] {
          return Texts{"informational", "warning", "error"};
      }},
+    {"unix|DATE|boot", false,
+     [] {
+         return Texts{"unix", "boot"};
+     }},
+    {"TIME|seq:N", false,
+     [] {
+         return Texts{"today", "yesterday", "seq:"};
+     }},
     {"COLUMNS", true, [] { return namesOf(formats::kColumns); }},
 };
 
@@ -92,6 +100,8 @@ std::string bashWords(const Texts& words) {
 std::string bashOffer(const Argument& argument) {
     if (argument.type == "FILE")
         return "_mpuevent_files";
+    if (argument.type == "ZONE")
+        return "_mpuevent_words $(timedatectl list-timezones 2>/dev/null)";
     const Texts offers = offersFor(argument);
     return offers.empty()
                ? "true"
@@ -189,8 +199,9 @@ std::string zshArguments(const CLI::App& app, std::string_view indent) {
         std::string action;
         if (argument.takesValue)
             action = fmt::format(":{}:{}", escaped(argument.type, ":", "\\"),
-                                 argument.type == "FILE" ? "_files"
-                                 : offers.empty()        ? ""
+                                 argument.type == "FILE"   ? "_files"
+                                 : argument.type == "ZONE" ? "_time_zone"
+                                 : offers.empty()          ? ""
                                  : isList(argument) ? "_sequence compadd - " + joined(offers, " ")
                                                     : "(" + joined(offers, " ") + ")");
         const auto put = [&](std::string_view argumentText) {

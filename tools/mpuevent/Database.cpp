@@ -119,7 +119,16 @@ bool isPlainNumber(std::string_view text) {
            std::all_of(digits.begin(), digits.end(), mpu::isDigit);
 }
 
-std::string parameters(std::size_t count) {
+// Those that every format has by itself.
+bool isKept(const Column& column) {
+    return column.extra == Extra::None;
+}
+
+std::ptrdiff_t columns() {
+    return std::count_if(std::begin(kColumns), std::end(kColumns), isKept);
+}
+
+std::string parameters(std::ptrdiff_t count) {
     std::string all = "?";
     while (--count != 0)
         all += ", ?";
@@ -167,7 +176,7 @@ std::int64_t Statement::run() {
 struct Database::Statements {
     explicit Statements(sqlite3* db)
         : addEvent(db, "INSERT OR IGNORE INTO events VALUES (NULL, ?, ?, ?, ?, " +
-                           parameters(std::size(kColumns) + 2) + ")"),
+                           parameters(columns() + 2) + ")"),
           addNaming(db, "INSERT OR IGNORE INTO namings VALUES (?, ?, ?)"),
           addObject(db, "INSERT OR IGNORE INTO objects VALUES (NULL, ?, ?, ?, ?, NULL, NULL)"),
           findObject(db, "SELECT id FROM objects WHERE kind = ? AND name = ? AND "
@@ -211,8 +220,9 @@ Database::Database(const std::string& path) {
             fmt::format("written by another version (tables {}, expected {})", version, kVersion));
     std::string events = kEventsBegin;
     for (const Column& column : kColumns)
-        events +=
-            fmt::format("    {} {} NOT NULL,\n", column.name, column.number ? "INTEGER" : "TEXT");
+        if (isKept(column))
+            events += fmt::format("    {} {} NOT NULL,\n", column.name,
+                                  column.number ? "INTEGER" : "TEXT");
     events += kEventsEnd;
     run(opened, "PRAGMA page_size = 16384"); // of a new file: for rows of this size
     run(opened, "BEGIN IMMEDIATE");
@@ -242,7 +252,8 @@ void Database::add(const DecodedEvent& event, const Message& message) {
     add << capture_ << static_cast<std::int64_t>(message.offset) << hashOf(message.record)
         << std::int64_t{severityOf(event.eventType)};
     for (const Column& column : kColumns)
-        column.number ? add << std::int64_t{event.*column.number} : add << event.*column.text;
+        if (isKept(column))
+            column.number ? add << std::int64_t{event.*column.number} : add << event.*column.text;
     const std::vector<ObjectReference>& objects = finder_.of(event);
     putElements(event);
     add << elements_.view();

@@ -71,7 +71,8 @@ private:
     ObjectFinder finder_;
     mpu::BodyWriter elements_;
     mpu::BodyWriter basis_;
-    std::unordered_map<std::string, std::int64_t> objectIds_; // of this run, as far as they are kept
+    std::unordered_map<std::string, std::int64_t>
+        objectIds_; // of this run, as far as they are kept
     std::int64_t capture_ = 0;
     std::uint64_t added_ = 0;
     std::uint64_t known_ = 0;

@@ -31,7 +31,8 @@ Status decode(const Options& options) {
         return writer.finish();
     };
     const unsigned jobs = options.jobs ? options.jobs : std::thread::hardware_concurrency();
-    if (jobs <= 1)
+    const TimeStyle style = options.events.filter.times.style;
+    if (jobs <= 1 || style == TimeStyle::Relative || style == TimeStyle::Delta)
         return by(EventWriter(options.events, output));
     return by(ParallelWriter(options.events, std::min(jobs, kMaxJobs), output));
 }

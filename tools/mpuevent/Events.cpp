@@ -32,11 +32,14 @@ void EventOptions::addOptions(CLI::App& app, bool endless) {
         ->delimiter(',')
         ->allow_extra_args(false);
     app.add_flag("--raw", raw, "Also show the payload in hexadecimal");
+    app.add_flag("--origin", origin,
+                 "Also tell the file each event comes from, and where in it: the offset in its "
+                 "messages, after unpacking and decoding of text");
     app.add_flag("--known-only", knownOnly,
                  "Leave out what is read from an assumed layout; the event's number and payload "
                  "stand for it");
     app.add_flag("--trace", trace, "Show the library's trace lines on standard error");
-    filter.addOptions(app, endless);
+    filter.addOptions(app, TimeUse::ShowEach, endless);
 }
 
 bool EventOptions::prepare() const {
@@ -57,7 +60,8 @@ bool EventOptions::prepare() const {
 }
 
 std::unique_ptr<Printer> EventOptions::printer(const Output& output) const {
-    return rowOf(kFormats, format).make({fields, raw, output.coloured(), columns});
+    return rowOf(kFormats, format)
+        .make({fields, raw, output.coloured(), filter.times.epoch.has_value(), origin, columns});
 }
 
 } // namespace Pegasus::tool

@@ -12,6 +12,7 @@ struct EventOptions {
     std::string format = "text";
     bool fields = false;
     bool raw = false;
+    bool origin = false;
     bool knownOnly = false;
     std::vector<std::string> columns;
     bool trace = false;

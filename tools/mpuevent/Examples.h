@@ -10,13 +10,27 @@ inline constexpr char kDecodeExamples[] = R"(Examples:
     mpuevent decode --format brief --drive 7 --severity err --around 5m events.cap
   All about some events:
     mpuevent decode --source 'I/O Mgr' --since seq:4000 events.cap
+  The errors of a day, with dates:
+    mpuevent decode --epoch unix --since 2009-11-10 --severity err events.cap
+  How long after the event before?
+    mpuevent decode --format brief --time delta events.cap
   The newest errors:
     mpuevent decode --severity err --reverse --limit 20 events.cap
   For other programs:
     mpuevent decode --format json --jobs 0 events.cap | jq .summary
     mpuevent decode --format csv --columns sequenceID,Drive events.cap
+  Both controllers of an enclosure, in the order of time:
+    mpuevent decode --merge --unique --format brief --origin left.cap right.cap
   A hex dump that came by mail:
     mpuevent decode mail.txt)";
+
+inline constexpr char kCutExamples[] = R"(Examples:
+  What happened around an event, to send along:
+    mpuevent cut --where Drive=7 --around 1h events.cap --output drive7.cap
+  The same without serial numbers:
+    mpuevent cut --anonymise drive7.cap --output shared.cap
+  What both controllers wrote, as one:
+    mpuevent cut --merge --unique left.cap right.cap --output all.cap)";
 
 inline constexpr char kExplainExamples[] = R"(Examples:
   Where does it come from?

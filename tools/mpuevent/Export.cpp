@@ -83,8 +83,8 @@ Status exportEvents(const Options&) {
 
 Runner addExport(CLI::App& app) {
     const auto options = std::make_shared<Options>();
-    options->inputs.addOptions(app);
-    options->filter.addOptions(app, true);
+    options->inputs.addOptions(app, true);
+    options->filter.addOptions(app, TimeUse::Filter, true);
     app.add_option("--output,-o", options->output, "The SQLite file, which is made or added to")
         ->type_name("FILE")
         ->required();

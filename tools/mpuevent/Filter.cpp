@@ -15,7 +15,7 @@ struct FilterRow {
     const char* name;
     const char* type;
     const char* kept;
-    HeaderTest (*header)(const std::string& value);
+    HeaderTest (*header)(const std::string& value, const TimeOptions& times);
     EventTest (*event)(const std::string& value, bool ignoreCase);
     bool all = false;   // several values must all hold, instead of any
     bool basis = false; // looks at what each element rests on
@@ -28,19 +28,6 @@ std::optional<std::uint32_t> toNumber(std::string_view text) {
     if (!number || number->negative || number->magnitude > UINT32_MAX)
         return std::nullopt;
     return static_cast<std::uint32_t>(number->magnitude);
-}
-
-// What "5m" means.
-std::optional<std::uint64_t> seconds(std::string_view text) {
-    std::uint64_t unit = 1;
-    for (const auto& [letter, length] : {std::pair('s', 1), {'m', 60}, {'h', 3600}, {'d', 86400}})
-        if (text.ends_with(letter)) {
-            unit = static_cast<std::uint64_t>(length);
-            text.remove_suffix(1);
-            break;
-        }
-    const std::optional<std::uint32_t> count = toNumber(text);
-    return count ? std::optional(*count * unit) : std::nullopt;
 }
 
 // The codes of a header byte that `value` means: its number, or all of that name.
@@ -66,19 +53,19 @@ std::vector<bool> codesOf(const char* what, const std::string& value,
     return codes;
 }
 
-HeaderTest source(const std::string& value) {
+HeaderTest source(const std::string& value, const TimeOptions&) {
     return [codes = codesOf("source", value, mpu::sourceName)](const EmpEvLogMsg_s& record) {
         return codes[record.source];
     };
 }
 
-HeaderTest category(const std::string& value) {
+HeaderTest category(const std::string& value, const TimeOptions&) {
     return [codes = codesOf("category", value, mpu::categoryName)](const EmpEvLogMsg_s& record) {
         return codes[record.category];
     };
 }
 
-HeaderTest severity(const std::string& value) {
+HeaderTest severity(const std::string& value, const TimeOptions&) {
     const auto* found =
         std::find_if(std::begin(kSeverities) + 1, std::end(kSeverities),
                      [begin = CLI::detail::to_lower(value)](std::string_view name) {
@@ -92,7 +79,7 @@ HeaderTest severity(const std::string& value) {
 
 // A serial number, as it is shown.
 template <std::size_t Offset>
-HeaderTest serial(const std::string& value) {
+HeaderTest serial(const std::string& value, const TimeOptions&) {
     return [value](const EmpEvLogMsg_s& record) {
         mpu::StackWriter<128> shown;
         shown.raw(mpu::RecordView(&record, sizeof record).text(Offset, 64));
@@ -101,7 +88,7 @@ HeaderTest serial(const std::string& value) {
 }
 
 template <auto Member>
-HeaderTest number(const std::string& value) {
+HeaderTest number(const std::string& value, const TimeOptions&) {
     const std::optional<std::uint32_t> wanted = toNumber(value);
     if (!wanted)
         throw Wrong{fmt::format("\"{}\" is not a number below 2^32", value)};
@@ -110,14 +97,21 @@ HeaderTest number(const std::string& value) {
 
 // Compares the sequence number or the time stamp with what `value` says.
 template <class Compare>
-HeaderTest compared(const std::string& value) {
+HeaderTest compared(const std::string& value, const TimeOptions& times) {
     const bool sequence = value.starts_with("seq:");
-    const std::optional<std::uint32_t> bound =
-        toNumber(std::string_view(value).substr(sequence ? 4 : 0));
-    if (!bound)
-        throw Wrong{fmt::format("\"{}\" is neither a time stamp (a number below 2^32) nor a "
-                                "sequence number (seq:N)",
-                                value)};
+    std::optional<std::int64_t> bound = toNumber(std::string_view(value).substr(sequence ? 4 : 0));
+    if (!bound) {
+        bound = momentFrom(value, times);
+        if (!bound)
+            throw Wrong{fmt::format("\"{}\" is neither a time stamp (a number below 2^32), nor a "
+                                    "sequence number (seq:N), nor a date",
+                                    value)};
+        if (!times.epoch)
+            throw Wrong{fmt::format("\"{}\" needs to know when the time stamps were 0: add "
+                                    "--epoch unix, or --epoch and that date",
+                                    value)};
+        *bound -= *times.epoch;
+    }
     return [bound = *bound, sequence](const EmpEvLogMsg_s& record) {
         return Compare()(sequence ? record.sequenceId : record.timestamp, bound);
     };
@@ -153,10 +147,12 @@ constexpr FilterRow kRows[] = {
      objectTest<ConnectionKind>, false, true},
     {"initiator", "NAME", "that name this initiator, by its iSCSI name or its address", nullptr,
      objectTest<InitiatorKind>, false, true},
-    {"since", "TIME|seq:N", "at or after this time stamp or sequence number",
-     compared<std::greater_equal<std::uint32_t>>, nullptr},
-    {"until", "TIME|seq:N", "at or before this time stamp or sequence number",
-     compared<std::less_equal<std::uint32_t>>, nullptr},
+    {"since", "TIME|seq:N",
+     "at or after this time stamp or sequence number; with an epoch also a date such as "
+     "2009-11-10 (its first second), '2009-11-10 12:00', today, yesterday, or -2h: before now",
+     compared<std::greater_equal<std::int64_t>>, nullptr},
+    {"until", "TIME|seq:N", "at or before this time stamp or sequence number, or such a date",
+     compared<std::less_equal<std::int64_t>>, nullptr},
     {"event-id", "TITLE", "with exactly this title", nullptr, eventId},
     {"grep", "REGEX",
      "with a match of this regular expression (RE2) in a line that the text format shows", nullptr,
@@ -169,7 +165,8 @@ constexpr FilterRow kRows[] = {
 
 } // namespace
 
-void FilterOptions::addOptions(CLI::App& app, bool endless) {
+void FilterOptions::addOptions(CLI::App& app, TimeUse use, bool endless) {
+    addTimeOptions(app, times, use);
     for (const FilterRow& row : kRows)
         for (const bool negated : {false, true}) {
             const std::string name = std::string(negated ? "--not-" : "--") + row.name;
@@ -209,7 +206,7 @@ void FilterOptions::addOptions(CLI::App& app, bool endless) {
         ->default_str("")
         ->group("Filters");
     const auto takeAround = [this](const std::string& value) {
-        around = seconds(value);
+        around = durationFrom(value);
         if (!around)
             throw CLI::ValidationError(
                 "--around", fmt::format("\"{}\" is not a time such as 90, 90s, 5m, 2h, 1d", value));
@@ -230,9 +227,12 @@ void FilterOptions::addOptions(CLI::App& app, bool endless) {
         ->group("Filters");
 }
 
-const FilterOptions& FilterOptions::ofSink() const {
-    static const FilterOptions all;
-    return selects() ? all : *this;
+FilterOptions FilterOptions::ofSink() const {
+    if (!selects())
+        return *this;
+    FilterOptions all;
+    all.times = times;
+    return all;
 }
 
 void FilterOptions::take(const FilterRow& row, bool negated,
@@ -240,7 +240,7 @@ void FilterOptions::take(const FilterRow& row, bool negated,
     if (row.header) {
         headerRules_.push_back({negated, {}});
         for (const std::string& value : values)
-            headerRules_.back().any.push_back(row.header(value));
+            headerRules_.back().any.push_back(row.header(value, times));
         return;
     }
     basis_ = basis_ || row.basis;
@@ -257,7 +257,8 @@ Filter::Filter(const FilterOptions& options, const DecodeOptions& decoding)
     : headerRules_(options.headerRules_),
       decoder_({.fieldBasis = decoding.fieldBasis || options.basis_,
                 .readings = decoding.readings,
-                .knownOnly = decoding.knownOnly}) {
+                .knownOnly = decoding.knownOnly,
+                .time = options.times}) {
     for (const auto& [negated, any] : options.eventRules_) {
         eventRules_.push_back({negated, {}});
         for (const auto& make : any)
@@ -281,8 +282,11 @@ bool Filter::passes(const Message& message) const {
 const DecodedEvent* Filter::decode(const Message& message) {
     if (!passes(message))
         return nullptr;
-    const DecodedEvent& event = decoder_.decode(message.record);
-    return all(eventRules_, event) ? &event : nullptr;
+    const DecodedEvent& event = decoder_.decode(message.record, {message.input, message.offset});
+    if (!all(eventRules_, event))
+        return nullptr;
+    decoder_.shown();
+    return &event;
 }
 
 } // namespace Pegasus::tool

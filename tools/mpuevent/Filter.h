@@ -3,10 +3,8 @@
 
 #include "capture/Capture.h"
 #include "tools/mpuevent/FilterTests.h"
+#include "tools/mpuevent/Times.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <optional>
 
 namespace Pegasus::tool {
@@ -30,17 +28,18 @@ struct FilterRule {
 class FilterOptions {
 public:
     // Of events that may come without end none is the last.
-    void addOptions(CLI::App& app, bool endless = false);
+    void addOptions(CLI::App& app, TimeUse use = TimeUse::Filter, bool endless = false);
     // Whether it takes a Selector to find what is wanted.
     bool selects() const { return last || reverse || context != 0 || around; }
     // What is left to the sink of the messages.
-    const FilterOptions& ofSink() const;
+    FilterOptions ofSink() const;
 
     std::optional<std::uint64_t> limit;  // to the number of events, from the last one on in reverse
     std::optional<std::uint64_t> last;   // so many of them only
     bool reverse = false;                // the last one first
     std::uint64_t context = 0;           // so many events on both sides of each are wanted as well
     std::optional<std::uint64_t> around; // and those within so many seconds
+    TimeOptions times;
 
 private:
     friend class Filter;
@@ -60,6 +59,10 @@ public:
     explicit Filter(const FilterOptions& options, const DecodeOptions& decoding = {});
     // Whether the record's header alone lets it pass: no need to decode it if not.
     bool passes(const Message& message) const;
+    // Whether it is wanted; decodes no more than that takes.
+    bool wants(const Message& message) {
+        return eventRules_.empty() ? passes(message) : decode(message) != nullptr;
+    }
     // The event of the message until the next call, null if it is not wanted.
     const DecodedEvent* decode(const Message& message);
     // What decoded it.

@@ -85,7 +85,7 @@ class Followed {
 public:
     // `more` becomes false when the sink wants no more of any file.
     Followed(const std::string& path, const Options& options, Sink& sink, bool& more)
-        : path_(path), sink_(sink), more_(more), last_(options.last),
+        : path_(path), name_(nameOf(path)), sink_(sink), more_(more), last_(options.last),
           framing_(rowOf(kFramings, options.input).framing),
           capture_(framing_, [this](const Damage& damage) { fault(kDamaged, damage.str()); }) {}
 
@@ -106,16 +106,16 @@ private:
         return false;
     }
     void fault(Status status, const std::string& what) {
-        sink_.complaint(status, fmt::format("{}: {}", name(), what));
+        sink_.complaint(status, fmt::format("{}: {}", name_, what));
     }
-    std::string name() const { return path_ == "-" ? "standard input" : path_; }
     int openFile() const {
         return path_ == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)
                             : ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     }
     Place beforeLast(Tail& tail, std::uint64_t count);
     bool wanted() const { return more_ && interrupted == 0; }
-    bool visit(const Message& message) {
+    bool visit(Message message) {
+        message.input = name_;
         more_ = sink_.take(message);
         return wanted();
     }
@@ -125,6 +125,7 @@ private:
     }
 
     const std::string path_;
+    const std::string name_;
     Sink& sink_;
     bool& more_;
     const std::optional<std::uint64_t> last_;

@@ -1,15 +1,20 @@
 #include "tools/mpuevent/Inputs.h"
 
 #include "capture/Recognise.h"
+#include "tools/mpuevent/Merge.h"
 #include "tools/mpuevent/Numbers.h"
+#include "tools/mpuevent/Unique.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
+#include <numeric>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace Pegasus::tool {
 
@@ -30,7 +35,8 @@ constexpr Input kInputs[] = {
 class File {
 public:
     explicit File(const std::string& path)
-        : descriptor_(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+        : descriptor_(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC)),
+          error_(descriptor_ < 0 ? errno : 0) {}
     ~File() {
         if (descriptor_ > STDIN_FILENO)
             ::close(descriptor_);
@@ -39,17 +45,24 @@ public:
     File& operator=(const File&) = delete;
 
     int descriptor() const { return descriptor_; }
-    // 0 for what has none.
-    std::uint64_t size() const {
-        struct stat found;
-        return ::fstat(descriptor_, &found) == 0 && S_ISREG(found.st_mode)
-                   ? static_cast<std::uint64_t>(found.st_size)
-                   : 0;
-    }
+    int error() const { return error_; }
 
 private:
     int descriptor_;
+    int error_;
 };
+
+bool examine(const std::string& path, struct stat& found) {
+    return (path == "-" ? ::fstat(STDIN_FILENO, &found) : ::stat(path.c_str(), &found)) == 0;
+}
+
+// 0 for what has none.
+std::uint64_t sizeOf(const std::string& path) {
+    struct stat found;
+    return examine(path, found) && S_ISREG(found.st_mode)
+               ? static_cast<std::uint64_t>(found.st_size)
+               : 0;
+}
 
 // How far the reading is, on standard error when that is a terminal and it takes its time.
 class Progress {
@@ -58,20 +71,22 @@ public:
     void open(const std::string& name, std::uint64_t size) {
         name_ = name;
         size_ = size;
+        position_ = 0;
     }
-    void at(std::uint64_t position) {
+    void add(std::uint64_t count) {
+        position_ += count;
         if (!shown_)
             return;
         const Clock::time_point now = Clock::now();
         if (now < next_)
             return;
         next_ = now + std::chrono::milliseconds(200);
-        const double mega = static_cast<double>(position) / 1e6;
+        const double mega = static_cast<double>(position_) / 1e6;
         showProgress(size_ == 0
                          ? fmt::format("{}: {:.1f} MB", name_, mega)
                          : fmt::format("{}: {:.1f} of {:.1f} MB, {} %", name_, mega,
                                        static_cast<double>(size_) / 1e6,
-                                       std::min<std::uint64_t>(100 * position / size_, 100)));
+                                       std::min<std::uint64_t>(100 * position_ / size_, 100)));
     }
 
 private:
@@ -81,6 +96,7 @@ private:
     Clock::time_point next_ = Clock::now() + std::chrono::seconds(1);
     std::string name_;
     std::uint64_t size_ = 0;
+    std::uint64_t position_ = 0;
 };
 
 // Bytes whose reading is shown, and waited for only after the sink has shown what came of others.
@@ -92,100 +108,153 @@ public:
         if (!ready())
             sink_.onIdle();
         const std::size_t got = FileSource::read(to, room);
-        position_ += got;
         if (got != 0)
-            progress_.at(position_);
+            progress_.add(got);
         return got;
     }
 
 private:
     Progress& progress_;
     Sink& sink_;
-    std::uint64_t position_ = 0;
+};
+
+// One input from its first message to its last.
+class Reader : public MessageStream {
+public:
+    // The messages keep a pointer to the path.
+    Reader(const std::string& path, const InputOptions& options, Progress& progress, Sink& sink,
+           std::uint64_t& allFaults)
+        : name_(nameOf(path)), options_(options), sink_(sink), allFaults_(allFaults), file_(path),
+          bytes_(file_.descriptor(), progress, sink) {
+        if (file_.error() != 0)
+            say(kFailed, std::strerror(file_.error()));
+        else
+            recognise();
+    }
+    bool next(Message& message) override {
+        if (!capture_ || !capture_->next(message)) {
+            close();
+            return false;
+        }
+        message.input = name_;
+        return true;
+    }
+    // Says what is to be said at the end: by itself after the last message.
+    void close() {
+        if (std::exchange(closed_, true))
+            return;
+        if (capture_)
+            sink_.onEnd(capture_->position());
+        if (faults_ > options_.maxReports && options_.maxReports != 0)
+            say(kDamaged, fmt::format("{} more faults", faults_ - options_.maxReports));
+        if (bytes_.failure() != 0)
+            say(kFailed, std::strerror(bytes_.failure()));
+    }
+
+private:
+    void recognise() {
+        const FaultHandler onFault = [this](const std::string& what) {
+            if (isTold())
+                recognised_ ? say(kDamaged, what) : early_.push_back(what);
+        };
+        input_.emplace(bytes_, rowOf(kInputs, options_.kind).hints, onFault);
+        const bool refused = !input_->refusal().empty();
+        if (refused && input_->failure() == 0)
+            say(kFailed, input_->refusal());
+        else if (!refused && !input_->description().empty())
+            say(kFine, "recognised as " + input_->description());
+        for (const std::string& what : early_)
+            say(kDamaged, what);
+        recognised_ = true;
+        if (refused)
+            return;
+        capture_.emplace(input_->framing(), [this](const Damage& damage) {
+            if (isTold())
+                sink_.onDamage(name_, damage);
+        });
+        capture_->open(input_->bytes());
+        sink_.onBegin(name_);
+    }
+    bool isTold() {
+        ++allFaults_;
+        return ++faults_ <= options_.maxReports || options_.maxReports == 0;
+    }
+    void say(Status status, std::string_view what) {
+        sink_.complaint(status, fmt::format("{}: {}", name_, what));
+    }
+
+    const char* const name_;
+    const InputOptions& options_;
+    Sink& sink_;
+    std::uint64_t& allFaults_;
+    std::uint64_t faults_ = 0;
+    std::vector<std::string> early_; // faults found before it is said what the input is
+    bool recognised_ = false;
+    bool closed_ = false;
+    const File file_;
+    ShownSource bytes_;
+    std::optional<RecognisedInput> input_;
+    std::optional<Capture> capture_;
 };
 
 } // namespace
 
-void InputKind::addOptions(CLI::App& app, bool limited) {
-    app.add_option("--input", name_,
+void Inputs::addOptions(CLI::App& app, bool ordered) {
+    app.add_option("files", files_, "Captures; \"-\" or none: standard input")->type_name("FILE");
+    app.add_option("--input", options_.kind,
                    "What a file holds: messages (cmap), bare records (record), or either as hex "
                    "or base64 text (hex, hex-record). Recognised by its first bytes (auto) are "
                    "those, such text in its usual forms, and gzip, xz and zstd data")
         ->check(CLI::IsMember(namesOf(kInputs)))
         ->capture_default_str();
-    if (!limited) {
-        maxReports_ = 0;
+    if (ordered) {
+        options_.maxReports = 0;
         return;
     }
-    addNumber(app, "--max-reports", maxReports_,
+    addNumber(app, "--max-reports", options_.maxReports,
               "Report N faults of a file, count the rest; 0 = report all");
-}
-
-InputKind::Result InputKind::read(const std::string& name, ByteSource& bytes, Sink& sink) const {
-    std::uint64_t faults = 0;
-    const auto isTold = [&] { return ++faults <= maxReports_ || maxReports_ == 0; };
-    std::vector<std::string> early; // found before it is said what the input is
-    bool said = false;
-    const FaultHandler onFault = [&](const std::string& what) {
-        if (!isTold())
-            return;
-        std::string line = fmt::format("{}: {}", name, what);
-        said ? sink.complaint(kDamaged, line) : early.push_back(std::move(line));
-    };
-    const auto say = [&](Status status, const std::string& what) {
-        if (!what.empty())
-            sink.complaint(status, fmt::format("{}: {}", name, what));
-        for (const std::string& line : early)
-            sink.complaint(kDamaged, line);
-        said = true;
-    };
-    const RecognisedInput input(bytes, rowOf(kInputs, name_).hints, onFault);
-    bool more = true;
-    if (!input.refusal().empty()) {
-        say(kFailed, input.failure() == 0 ? input.refusal() : "");
-    } else {
-        say(kFine, input.description().empty() ? "" : "recognised as " + input.description());
-        Capture capture(input.framing(), [&](const Damage& damage) {
-            if (isTold())
-                sink.onDamage(name, damage);
-        });
-        capture.open(input.bytes());
-        sink.onBegin(name);
-        for (Message message; more && capture.next(message);)
-            more = sink.take(message);
-        sink.onEnd(capture.position());
-    }
-    if (faults > maxReports_ && maxReports_ != 0)
-        sink.complaint(kDamaged, fmt::format("{}: {} more faults", name, faults - maxReports_));
-    return {more, faults};
-}
-
-void Inputs::addOptions(CLI::App& app, bool limited) {
-    app.add_option("files", files_, "Captures; \"-\" or none: standard input")->type_name("FILE");
-    kind_.addOptions(app, limited);
+    app.add_flag("--merge", merged_,
+                 "Read all files in the order of their time stamps; events of one file keep "
+                 "their order. More than 32 files are merged through temporary files, in $TMPDIR "
+                 "if set, that take as much room as the files unpacked");
+    app.add_flag("--unique", unique_,
+                 "Leave out events that came before, in any file: same controller, log and "
+                 "sequence number, and the same bytes. Keeps about 16 bytes per event in memory");
 }
 
 std::uint64_t Inputs::read(Sink& sink) const {
+    if (!unique_)
+        return readAll(sink);
+    Unique unique(sink);
+    return readAll(unique);
+}
+
+std::uint64_t Inputs::readAll(Sink& sink) const {
     Progress progress;
     std::uint64_t faults = 0;
+    if (merged_ && files_.size() > 1) {
+        if (std::count(files_.begin(), files_.end(), "-") > 1) {
+            sink.complaint(kUsage, "--merge: standard input is named more than once");
+            return faults;
+        }
+        progress.open(fmt::format("{} captures", files_.size()),
+                      std::accumulate(files_.begin(), files_.end(), std::uint64_t{0},
+                                      [](std::uint64_t sum, const std::string& path) {
+                                          return sum + sizeOf(path);
+                                      }));
+        const auto open = [&](std::size_t index) {
+            return std::make_unique<Reader>(files_[index], options_, progress, sink, faults);
+        };
+        merge(files_.size(), open, [&sink](const Message& message) { return sink.take(message); });
+        return faults;
+    }
     bool more = true;
     for (auto path = files_.begin(); more && path != files_.end(); ++path) {
-        const std::string name = *path == "-" ? "standard input" : *path;
-        const auto fail = [&](int error) {
-            sink.complaint(kFailed, fmt::format("{}: {}", name, std::strerror(error)));
-        };
-        const File file(*path);
-        if (file.descriptor() < 0) {
-            fail(errno);
-            continue;
-        }
-        progress.open(name, file.size());
-        ShownSource bytes(file.descriptor(), progress, sink);
-        const InputKind::Result result = kind_.read(name, bytes, sink);
-        more = result.more;
-        faults += result.faults;
-        if (bytes.failure() != 0)
-            fail(bytes.failure());
+        progress.open(nameOf(*path), sizeOf(*path));
+        Reader reader(*path, options_, progress, sink, faults);
+        for (Message message; more && reader.next(message);)
+            more = sink.take(message);
+        reader.close();
     }
     return faults;
 }
@@ -196,8 +265,8 @@ bool Inputs::spares(const std::string& output) const {
         return true;
     for (const std::string& file : files_) {
         struct stat found;
-        if ((file == "-" ? ::fstat(STDIN_FILENO, &found) : ::stat(file.c_str(), &found)) == 0 &&
-            found.st_dev == wanted.st_dev && found.st_ino == wanted.st_ino) {
+        if (examine(file, found) && found.st_dev == wanted.st_dev &&
+            found.st_ino == wanted.st_ino) {
             complain("--output: {} is an input too ({})", output, file);
             return false;
         }

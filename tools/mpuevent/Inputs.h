@@ -33,6 +33,24 @@ public:
     virtual void onIdle() {}
 };
 
+// Hands everything on.
+class Relay : public Sink {
+public:
+    explicit Relay(Sink& to) : to_(to) {}
+    void onBegin(const std::string& name) override { to_.onBegin(name); }
+    void onEnd(std::uint64_t bytes) override { to_.onEnd(bytes); }
+    bool take(const Message& message) override { return to_.take(message); }
+    void onGap() override { to_.onGap(); }
+    void complaint(Status status, const std::string& text) override { to_.complaint(status, text); }
+    void onDamage(const std::string& input, const Damage& damage) override {
+        to_.onDamage(input, damage);
+    }
+    void onIdle() override { to_.onIdle(); }
+
+protected:
+    Sink& to_;
+};
+
 // Complains at once.
 class SerialSink : public Sink {
 public:
@@ -55,40 +73,37 @@ private:
     Status status_ = kFine;
 };
 
-// What an input holds, and how it is read.
-class InputKind {
-public:
-    // Faults are limited in number by an option, or all of them told.
-    void addOptions(CLI::App& app, bool limited);
-
-    struct Result {
-        bool more; // is wanted by the sink
-        std::uint64_t faults;
-    };
-    // Hands over every message of one input. Faults are passed over; many are counted instead of
-    // being told.
-    Result read(const std::string& name, ByteSource& bytes, Sink& sink) const;
-
-private:
-    std::string name_ = "auto";
-    std::uint64_t maxReports_ = 20;
+// How inputs are read.
+struct InputOptions {
+    std::string kind = "auto"; // what they hold
+    std::uint64_t maxReports = 20;
 };
 
 class Inputs {
 public:
-    void addOptions(CLI::App& app, bool limited = true);
+    // `ordered`: what each input holds is told by itself, in full.
+    void addOptions(CLI::App& app, bool ordered = false);
 
-    // Hands over every message of every file in order. Faults are passed over; returns their
-    // number. Shows progress.
+    // Hands over every message of every file, in order or as the options say. Faults are passed
+    // over; many of a file are counted instead of being told. Returns their number. Shows progress.
     std::uint64_t read(Sink& sink) const;
 
     // Reports a file to be written that is one of the inputs too.
     bool spares(const std::string& output) const;
 
 private:
+    std::uint64_t readAll(Sink& sink) const;
+
     std::vector<std::string> files_{"-"};
-    InputKind kind_;
+    InputOptions options_;
+    bool merged_ = false;
+    bool unique_ = false;
 };
+
+// As people are told of it; the text lives as long as `path` does.
+inline const char* nameOf(const std::string& path) {
+    return path == "-" ? "standard input" : path.c_str();
+}
 
 inline void addOutput(CLI::App& app, std::string& file) {
     app.add_option("--output,-o", file, "Where to write; \"-\": standard output")

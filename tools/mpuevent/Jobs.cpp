@@ -56,7 +56,9 @@ bool ParallelWriter::take(const Message& message) {
         batch.gaps.push_back(batch.messages.size());
     batch.messages.push_back({message.offset,
                               {header, message.header.size()},
-                              {header + message.header.size(), message.record.size()}});
+                              {header + message.header.size(), message.record.size()},
+                              message.claim,
+                              message.input});
     return more_;
 }
 

@@ -1,48 +1,32 @@
 // mpuevent objects and mpuevent drives: what happened to each part.
 #include "formats/ObjectPrinter.h"
 #include "tools/mpuevent/Command.h"
-#include "tools/mpuevent/Selector.h"
+#include "tools/mpuevent/EventSink.h"
 
 namespace Pegasus::tool {
 
 namespace {
 
-struct Options {
-    Inputs inputs;
-    FilterOptions filter;
+struct Options : GatherOptions {
     std::optional<ObjectKindIndex> kind;
     bool story = false;
-    std::string format = "text";
-    std::string output = "-";
 };
 
-class Collector : public SerialSink {
+class Collector : public EventSink {
 public:
     Collector(const FilterOptions& options, Output& output)
-        : SerialSink(output), filter_(options.ofSink(), {.fieldBasis = true}),
-          limit_(options.ofSink().limit.value_or(UINT64_MAX)) {}
-    bool take(const Message& message) override {
-        if (const DecodedEvent* event = filter_.decode(message)) {
-            objects.add(*event);
-            ++events_;
-        }
-        return events_ < limit_;
-    }
+        : EventSink(options, output, {.fieldBasis = true}) {}
 
     Objects objects;
 
 private:
-    Filter filter_;
-    const std::uint64_t limit_;
-    std::uint64_t events_ = 0;
+    void add(const DecodedEvent& event) override { objects.add(event); }
 };
 
 Status objects(const Options& options) {
-    if (!options.inputs.spares(options.output))
-        return kUsage;
     Output output;
-    if (!output.open(options.output))
-        return kFailed;
+    if (const Status status = openOutput(options, output); status != kFine)
+        return status;
     Collector collector(options.filter, output);
     readSelected(options.inputs, options.filter, collector);
     const bool isText = options.format == kObjectFormats[0].name;
@@ -50,7 +34,8 @@ Status objects(const Options& options) {
     bool assumed = false;
     for (const Object* object : all) {
         rowOf(kObjectFormats, options.format)
-            .write(*object, {options.story, output.coloured()}, output.text());
+            .write(*object, {options.story, output.coloured(), options.filter.times},
+                   output.text());
         assumed = assumed || object->assumed != 0;
         if (!output.proceed())
             break;
@@ -65,21 +50,15 @@ Status objects(const Options& options) {
     return collector.finish();
 }
 
-std::shared_ptr<Options> addOptions(CLI::App& app) {
-    auto options = std::make_shared<Options>();
-    options->filter.addOptions(app);
-    app.add_flag("--story", options->story, "Also the steps of each object's story");
-    app.add_option("--format", options->format, "Output format. " + descriptionsOf(kObjectFormats))
-        ->check(CLI::IsMember(namesOf(kObjectFormats)))
-        ->capture_default_str();
-    addOutput(app, options->output);
-    return options;
+void addOptions(CLI::App& app, Options& options) {
+    addGatherOptions(app, options, kObjectFormats, TimeUse::Show);
+    app.add_flag("--story", options.story, "Also the steps of each object's story");
 }
 
 } // namespace
 
 Runner addObjects(CLI::App& app) {
-    const auto options = addOptions(app);
+    const auto options = std::make_shared<Options>();
     std::vector<std::string> names;
     for (const ObjectKind& kind : kObjectKinds)
         names.emplace_back(kind.plural);
@@ -95,13 +74,13 @@ Runner addObjects(CLI::App& app) {
            "Of one kind; what is no kind is a capture")
         ->type_name("KIND")
         ->check(CLI::IsMember(names));
-    options->inputs.addOptions(app);
+    addOptions(app, *options);
     return [options] { return objects(*options); };
 }
 
 Runner addDrives(CLI::App& app) {
-    const auto options = addOptions(app);
-    options->inputs.addOptions(app);
+    const auto options = std::make_shared<Options>();
+    addOptions(app, *options);
     options->kind = DriveKind;
     return [options] { return objects(*options); };
 }

@@ -83,6 +83,12 @@ bool Output::isTerminal() const {
     return ::isatty(descriptor_) != 0;
 }
 
+bool Output::takesBinary(const char* command) const {
+    if (isTerminal())
+        complain("{} writes binary data, which is not for a terminal; see --output", command);
+    return !isTerminal();
+}
+
 bool Output::put(std::string_view bytes) {
     if (ended_ || bytes.empty())
         return !ended_;

@@ -49,6 +49,8 @@ public:
     // Writes the buffer, then these.
     bool write(std::string_view bytes);
     bool isTerminal() const;
+    // Whether it is no terminal; reports for the command if it is.
+    bool takesBinary(const char* command) const;
     // Whether it is a terminal on which colours are welcome.
     bool coloured() const;
     // The file, for those who wait for its reader to go.

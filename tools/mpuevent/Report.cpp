@@ -54,7 +54,7 @@ Status report(const Options& options) {
 Runner addReport(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     options->inputs.addOptions(app);
-    options->filter.addOptions(app);
+    options->filter.addOptions(app, TimeUse::Show);
     addOutput(app, options->output);
     return [options] { return report(*options); };
 }

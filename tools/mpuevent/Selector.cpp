@@ -13,8 +13,7 @@ constexpr std::size_t kFewBytes = std::size_t{1} << 20;
 } // namespace
 
 Selector::Kept::Kept(const Message& message, Position at, bool isHit)
-    : position(at), hit(isHit), wanted(isHit), offset(message.offset),
-      headerSize(message.header.size()) {
+    : position(at), hit(isHit), wanted(isHit), like(message) {
     bytes.reserve(message.header.size() + message.record.size());
     bytes.insert(bytes.end(), message.header.begin(), message.header.end());
     bytes.insert(bytes.end(), message.record.begin(), message.record.end());
@@ -22,11 +21,14 @@ Selector::Kept::Kept(const Message& message, Position at, bool isHit)
 
 Message Selector::Kept::message() const {
     const std::span<const std::uint8_t> all(bytes);
-    return {offset, all.first(headerSize), all.subspan(headerSize)};
+    Message message = like;
+    message.header = all.first(like.header.size());
+    message.record = all.subspan(like.header.size());
+    return message;
 }
 
 Selector::Selector(const FilterOptions& options, Sink& to)
-    : options_(options), to_(to), filter_(options), ending_(options.last || options.reverse),
+    : Relay(to), options_(options), filter_(options), ending_(options.last || options.reverse),
       left_(options.reverse ? UINT64_MAX : options.limit.value_or(UINT64_MAX)),
       last_(options.last.value_or(options.limit.value_or(UINT64_MAX))) {}
 
@@ -39,7 +41,7 @@ bool Selector::areClose(const Position& one, const Position& other) const {
 bool Selector::take(const Message& message) {
     const Position now{count_++,
                        reinterpret_cast<const EmpEvLogMsg_s*>(message.record.data())->timestamp};
-    const bool hit = left_ != 0 && filter_.decode(message);
+    const bool hit = left_ != 0 && filter_.wants(message);
     if (hit) {
         for (Kept& kept : waiting_)
             if (areClose(kept.position, now))

@@ -10,18 +10,11 @@ namespace Pegasus::tool {
 
 // Hands the wanted messages, and those beside them, to a sink that takes all it gets. Keeps copies
 // of messages as the help says.
-class Selector : public Sink {
+class Selector : public Relay {
 public:
     Selector(const FilterOptions& options, Sink& to);
 
-    void onBegin(const std::string& name) override { to_.onBegin(name); }
-    void onEnd(std::uint64_t bytes) override { to_.onEnd(bytes); }
     bool take(const Message& message) override;
-    void complaint(Status status, const std::string& text) override { to_.complaint(status, text); }
-    void onDamage(const std::string& input, const Damage& damage) override {
-        to_.onDamage(input, damage);
-    }
-    void onIdle() override { to_.onIdle(); }
     // Hands over what is kept for the end.
     void finish();
 
@@ -35,8 +28,7 @@ private:
         Position position;
         bool hit;
         bool wanted;
-        std::uint64_t offset;
-        std::size_t headerSize;
+        Message like; // but for its bytes
         std::vector<std::uint8_t> bytes;
 
         Kept(const Message& message, Position at, bool isHit);
@@ -49,7 +41,6 @@ private:
     void hand(const Message& message, std::uint64_t number);
 
     const FilterOptions& options_;
-    Sink& to_;
     Filter filter_;
     const bool ending_;                   // all is handed over at the end
     std::uint64_t left_;                  // hits until the limit

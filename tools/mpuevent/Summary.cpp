@@ -1,60 +1,39 @@
 // mpuevent summary: what captures hold, counted.
 #include "formats/Summary.h"
 #include "tools/mpuevent/Command.h"
-#include "tools/mpuevent/Selector.h"
+#include "tools/mpuevent/EventSink.h"
 
 namespace Pegasus::tool {
 
 namespace {
 
-struct Options {
-    Inputs inputs;
-    FilterOptions filter;
-    std::string format = "text";
-    std::string output = "-";
-};
-
-class Counter : public SerialSink {
+class Counter : public EventSink {
 public:
-    Counter(const FilterOptions& options, Output& output)
-        : SerialSink(output), filter_(options.ofSink()),
-          limit_(options.ofSink().limit.value_or(UINT64_MAX)) {}
-    bool take(const Message& message) override {
-        if (const DecodedEvent* event = filter_.decode(message))
-            statistics.add(*event);
-        return statistics.events < limit_;
-    }
+    using EventSink::EventSink;
 
     Statistics statistics;
 
 private:
-    Filter filter_;
-    const std::uint64_t limit_;
+    void add(const DecodedEvent& event) override { statistics.add(event); }
 };
 
-Status summary(const Options& options) {
-    if (!options.inputs.spares(options.output))
-        return kUsage;
+Status summary(const GatherOptions& options) {
     Output output;
-    if (!output.open(options.output))
-        return kFailed;
+    if (const Status status = openOutput(options, output); status != kFine)
+        return status;
     Counter counter(options.filter, output);
     const std::uint64_t faults = readSelected(options.inputs, options.filter, counter);
     rowOf(kSummaryFormats, options.format)
-        .write(counter.statistics, faults, output.coloured(), output.text());
+        .write(counter.statistics, faults, {output.coloured(), options.filter.times},
+               output.text());
     return counter.finish();
 }
 
 } // namespace
 
 Runner addSummary(CLI::App& app) {
-    const auto options = std::make_shared<Options>();
-    options->inputs.addOptions(app);
-    options->filter.addOptions(app);
-    app.add_option("--format", options->format, "Output format. " + descriptionsOf(kSummaryFormats))
-        ->check(CLI::IsMember(namesOf(kSummaryFormats)))
-        ->capture_default_str();
-    addOutput(app, options->output);
+    const auto options = std::make_shared<GatherOptions>();
+    addGatherOptions(app, *options, kSummaryFormats, TimeUse::Show);
     return [options] { return summary(*options); };
 }
 

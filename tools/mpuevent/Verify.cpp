@@ -221,7 +221,7 @@ Status verify(const Options& options) {
 
 Runner addVerify(CLI::App& app) {
     const auto options = std::make_shared<Options>();
-    options->inputs.addOptions(app, false);
+    options->inputs.addOptions(app, true);
     app.add_option("--format", options->format, "Output format. " + descriptionsOf(kVerifyFormats))
         ->check(CLI::IsMember(namesOf(kVerifyFormats)))
         ->capture_default_str();

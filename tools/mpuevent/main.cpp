@@ -28,6 +28,7 @@ constexpr Command kCommands[] = {
     {"verify", "Tell damage, gaps and repetitions", kVerifyExamples, addVerify},
     {"report", "Write a self-contained HTML report", kReportExamples, addReport},
     {"export", "Add captures to an SQLite database", kExportExamples, addExport},
+    {"cut", "Write chosen messages as a capture again", kCutExamples, addCut},
     {"follow", "Decode captures as they grow", kFollowExamples, addFollow},
     {"formats", "Print the record reference or the JSON Schema", kFormatsExamples, addFormats},
     {"sample", "Write a demonstration capture", kSampleExamples, addSample},

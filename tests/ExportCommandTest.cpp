@@ -18,6 +18,7 @@ protected:
         sqlite3* opened = nullptr;
         EXPECT_EQ(sqlite3_open((folder_ + "/events.db").c_str(), &opened), SQLITE_OK);
         const std::unique_ptr<sqlite3, int (*)(sqlite3*)> database(opened, sqlite3_close);
+        sqlite3_busy_timeout(opened, 10000); // of a process that is being killed
         std::string rows;
         const auto add = [](void* to, int count, char** values, char**) {
             for (int i = 0; i < count; ++i)

@@ -94,8 +94,9 @@ std::string Object::name() const {
     return all;
 }
 
-void Objects::add(const DecodedEvent& event) {
-    for (const ObjectReference& one : finder_.of(event)) {
+const std::vector<ObjectReference>& Objects::add(const DecodedEvent& event) {
+    const std::vector<ObjectReference>& named = finder_.of(event);
+    for (const ObjectReference& one : named) {
         Key key(one.kind, event.enclosureSerialNumber,
                 kObjectKinds[one.kind].perController ? event.controllerSerialNumber
                                                      : std::string_view(),
@@ -123,6 +124,7 @@ void Objects::add(const DecodedEvent& event) {
         }
         tell(found->second, event);
     }
+    return named;
 }
 
 void Objects::tell(Kept& kept, const DecodedEvent& event) {

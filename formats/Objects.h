@@ -147,7 +147,8 @@ struct Object {
 // What happened to each object. Keeps at most 65,536 objects with 64 steps each.
 class Objects {
 public:
-    void add(const DecodedEvent& event);
+    // What the event names; valid until the next call.
+    const std::vector<ObjectReference>& add(const DecodedEvent& event);
     // Of one kind, or of all that are parts of a controller or an enclosure.
     std::vector<const Object*> worstFirst(std::optional<ObjectKindIndex> kind = {}) const;
     // Events of objects that came when there were too many.

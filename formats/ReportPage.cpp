@@ -1,140 +1,120 @@
 #include "formats/ReportPage.h"
 
-#include "formats/ReportTemplate.h"
-#include "formats/Severity.h"
+#include "formats/Packed.h"
+#include "formats/ReportFiles.h"
 #include "formats/Utf8.h"
 
 #include <algorithm>
-#include <fmt/format.h>
+#include <initializer_list>
 
 namespace Pegasus::formats {
 
+namespace {
+
+constexpr std::size_t kMaxObjects = 300; // with a story in the page
+
+void putTexts(mpu::TextWriter& json, std::initializer_list<std::string_view> texts) {
+    for (const std::string_view text : texts)
+        putJson(json.literal(","), text);
+}
+
+// Severity, source, title, summary, count, times and sequence numbers of the first and the last.
+void putStep(mpu::TextWriter& json, const StoryStep& step) {
+    json.literal("[").decimal(step.severity);
+    putTexts(json, {step.source, step.title, step.summary});
+    json.literal(",").decimal64(step.count);
+    for (const std::uint32_t number :
+         {step.time.first, step.time.last, step.firstSequence, step.lastSequence})
+        json.literal(",").decimal(number);
+    json.literal("]");
+}
+
+// 'sha256-...', as content security policies name a script, from the hash in hexadecimal.
+void putHash(mpu::TextWriter& out, std::string_view hex) {
+    std::string bytes;
+    for (std::size_t i = 0; i < hex.size(); i += 2)
+        bytes.push_back(static_cast<char>(std::stoul(std::string(hex.substr(i, 2)), nullptr, 16)));
+    putBase64(out.literal("'sha256-"), bytes);
+    out.literal("'");
+}
+
+} // namespace
+
 void ReportPage::begin(mpu::TextWriter& out) {
-    out.literal(kPageBegin);
+    out.literal("<!DOCTYPE html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n"
+                "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
+                "base-uri 'none'; form-action 'none'; style-src ");
+    putHash(out, kReportCssHash);
+    putHash(out.literal("; script-src "), kReportJsHash);
+    out.literal("\">\n<style>").literal(kReportCss).literal("</style>\n").literal(kReportHtml);
 }
 
-void ReportPage::add(const DecodedEvent& event, mpu::TextWriter& out) {
-    statistics_.add(event);
-    out.literal("<tr class=\"s").decimal(severityOf(event.eventType));
-    std::string_view signs[3];
-    if (event.layout == nameOf(Provenance::Assumed))
-        signs[0] = "~";
-    if (event.missingBytes != 0)
-        signs[1] = "!";
-    if (event.unreadBytes != 0)
-        signs[2] = "+";
-    out.literal("\" data-signs=\"");
-    for (const std::string_view sign : signs)
-        out.literal(sign);
-    out.literal("\"><td>").decimal(event.sequenceID);
-    out.literal("<td>").decimal(event.timestamp);
-    putXml(out.literal("<td>"), event.eventTypeText);
-    putXml(out.literal("<td>"), event.source);
-    putXml(out.literal("<td><details><summary><b>"), event.eventID);
-    putXml(out.literal("</b> "), event.summary);
-    out.literal(signs[0].empty() ? "" : " ~").literal(signs[1].empty() ? "" : " !");
-    block_.clear();
-    printer_->print(event, block_);
-    std::string_view block = block_.view();
-    block.remove_suffix(block.size() - 1 - block.find_last_not_of('\n'));
-    putXml(out.literal("</summary><pre>"), block);
-    out.literal("</pre></details>\n");
+void ReportPage::add(const DecodedEvent& event, const Readings& readings, bool isPlain,
+                     mpu::TextWriter& out) {
+    chunk_.add(event, objects_.add(event), readings, isPlain);
+    ++events_;
+    if (chunk_.isFull())
+        chunk_.flush(out);
 }
 
-void ReportPage::end(std::uint64_t faults, mpu::TextWriter& out) {
-    out.literal(kPageMiddle);
-    facts(out, faults);
-    if (statistics_.events != 0) {
-        chart(out);
-        legend(out);
+void ReportPage::end(const ReportFacts& facts, mpu::TextWriter& out) {
+    if (!chunk_.isEmpty())
+        chunk_.flush(out);
+    mpu::StackWriter<1024> json;
+    putJson(json.literal("{\"program\":"), facts.program);
+    putJson(json.literal(",\"made\":"), facts.made);
+    json.literal(",\"files\":[");
+    for (const auto& file : facts.files) {
+        putJson(json.literal(&file == facts.files.data() ? "[" : ",["), file.first);
+        json.literal(",").decimal64(file.second).literal("]");
     }
-    sources(out);
-    out.literal(kPageEnd);
+    json.literal("],\"moreFiles\":").decimal64(facts.moreFiles);
+    json.literal(",\"remarks\":[");
+    for (const std::string& remark : facts.remarks)
+        putJson(json.literal(&remark == facts.remarks.data() ? "" : ","), remark);
+    json.literal("],\"moreRemarks\":").decimal64(facts.moreRemarks);
+    json.literal(",\"faults\":").decimal64(facts.faults);
+    putJson(json.literal(",\"filters\":"), facts.filters);
+    json.literal(",\"leftOut\":").decimal64(facts.leftOut);
+    json.literal(",\"events\":").decimal64(events_);
+    putObjects(json);
+    json.literal("}");
+    putPacked(out, "facts", json.view());
+    out.literal("<script>").literal(kReportJs).literal("</script>\n</html>\n");
 }
 
-void ReportPage::facts(mpu::TextWriter& out, std::uint64_t faults) const {
-    out.literal("<p>").decimal64(statistics_.events).literal(" events");
-    if (statistics_.events != 0) {
-        out.literal(", time ").decimal(statistics_.time.first);
-        out.literal(" to ").decimal(statistics_.time.last);
-        out.literal(", sequence ").decimal(statistics_.sequence.first);
-        out.literal(" to ").decimal(statistics_.sequence.last);
+// "kinds" has the words for them, "objects" the worst ones first.
+void ReportPage::putObjects(mpu::TextWriter& json) const {
+    json.literal(",\"kinds\":[");
+    for (const ObjectKind& kind : kObjectKinds) {
+        putJson(json.literal(&kind == kObjectKinds ? "[" : ",["), kind.title);
+        json.literal(kind.perController ? ",1]" : ",0]");
     }
-    out.literal(faults == 0 ? ", no damage" : ", damage: ");
-    if (faults != 0)
-        out.decimal64(faults).literal(faults == 1 ? " place" : " places");
-    out.literal("</p>\n");
-}
-
-// Stacked bars over time, errors at the bottom.
-void ReportPage::chart(mpu::TextWriter& out) const {
-    constexpr std::size_t kBars = 96;
-    constexpr std::size_t kStep = 10;
-    constexpr std::uint64_t kHeight = 120;
-    const Range& time = statistics_.time;
-    const std::vector<SeverityCounts> buckets = statistics_.timeLine.buckets(kBars, time);
-    const auto sum = [](const SeverityCounts& counts) {
-        return counts[0] + counts[1] + counts[2] + counts[3];
-    };
-    std::uint64_t most = 1;
-    for (const SeverityCounts& counts : buckets)
-        most = std::max(most, sum(counts));
-    out.literal("<svg role=\"img\" aria-label=\"Events over time, by severity\" "
-                "viewBox=\"0 -6 960 156\">\n");
-    const std::uint64_t length = std::uint64_t(time.last) - time.first + 1;
-    for (std::size_t i = 0; i < buckets.size(); ++i) {
-        if (sum(buckets[i]) == 0)
-            continue;
-        out.literal("<g><title>from ");
-        out.decimal64(time.first + (i * length + kBars - 1) / kBars);
-        double y = kHeight + 10;
-        for (unsigned severity = 4; severity-- > 0;)
-            if (buckets[i][severity] != 0)
-                out.literal(fmt::format(", {} {}", buckets[i][severity], kSeverities[severity]));
-        out.literal("</title>");
-        for (unsigned severity = 4; severity-- > 0;) {
-            if (buckets[i][severity] == 0)
-                continue;
-            const double height =
-                static_cast<double>(kHeight * buckets[i][severity]) / static_cast<double>(most);
-            y -= height;
-            out.literal(
-                fmt::format(R"(<rect class="s{}" x="{}" y="{:.2f}" width="{}" height="{:.2f}"/>)",
-                            severity, i * kStep, y, kStep - 1, height));
-        }
-        out.literal("</g>\n");
+    const std::vector<const Object*> objects = objects_.worstFirst();
+    const std::size_t told = std::min(objects.size(), kMaxObjects);
+    json.literal("],\"moreObjects\":").decimal64(objects.size() - told);
+    json.literal(",\"objects\":[");
+    for (std::size_t i = 0; i < told; ++i) {
+        const Object& object = *objects[i];
+        json.literal(i == 0 ? "{\"kind\":" : ",{\"kind\":").decimal(object.kind);
+        putJson(json.literal(",\"id\":"), object.id);
+        putJson(json.literal(",\"enclosure\":"), object.enclosure);
+        putJson(json.literal(",\"controller\":"), object.controller);
+        putJson(json.literal(",\"model\":"), object.model);
+        putJson(json.literal(",\"serialNumber\":"), object.serialNumber);
+        json.literal(",\"events\":").decimal64(object.events);
+        json.literal(",\"assumed\":").decimal64(object.assumed);
+        json.literal(",\"severities\":[");
+        for (const std::uint64_t& count : object.severities)
+            json.literal(&count == object.severities.data() ? "" : ",").decimal64(count);
+        json.literal("],\"time\":[").decimal(object.time.first);
+        json.literal(",").decimal(object.time.last);
+        json.literal("],\"untold\":").decimal64(object.untold).literal(",\"story\":[");
+        for (const StoryStep& step : object.story)
+            putStep(json.literal(&step == object.story.data() ? "" : ","), step);
+        json.literal("]}");
     }
-    out.literal(fmt::format("<line x1=\"0\" y1=\"130\" x2=\"960\" y2=\"130\"/>"
-                            "<text x=\"0\" y=\"146\">{}</text>"
-                            "<text x=\"960\" y=\"146\" text-anchor=\"end\">{}</text>"
-                            "<text x=\"0\" y=\"5\">{} events</text></svg>\n",
-                            time.first, time.last, most));
-}
-
-void ReportPage::legend(mpu::TextWriter& out) const {
-    out.literal("<p class=\"legend\">");
-    for (unsigned severity = 4; severity-- > 0;)
-        if (statistics_.severities[severity] != 0)
-            out.literal(fmt::format("<span class=\"s{}\">{} {}</span> ", severity,
-                                    kSeverities[severity], statistics_.severities[severity]));
-    out.literal("</p>\n");
-}
-
-void ReportPage::sources(mpu::TextWriter& out) const {
-    const auto all = statistics_.bySource();
-    out.literal("<div id=\"sources\"><table><tr><th>Source<th>Events<th>~ assumed<th>! short"
-                "<th>+ unread\n");
-    for (const auto& [source, counts] : all) {
-        putXml(out.literal("<tr><td>"), source);
-        for (const std::uint64_t count :
-             {counts.count, counts.assumed, counts.shortOf, counts.unread})
-            out.literal("<td>").decimal64(count);
-        out.literal("\n");
-    }
-    out.literal(kFiltersBegin);
-    for (const auto& [source, counts] : all)
-        putXml(out.literal("<option>"), source);
-    out.literal(kFiltersEnd);
+    json.literal("]");
 }
 
 } // namespace Pegasus::formats

@@ -1,31 +1,45 @@
 // Events as a self-contained HTML page.
 #pragma once
 
-#include "formats/Printer.h"
-#include "formats/Statistics.h"
+#include "formats/Objects.h"
+#include "formats/ReportChunk.h"
+
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace Pegasus::formats {
 
-// Prints the events as they come. The overview, which is above them on the page, needs all of them:
-// it follows them in the file, and the style sheet moves it.
+// What the page says about its events besides what they say themselves.
+struct ReportFacts {
+    std::string program;
+    std::string made;                                         // when
+    std::vector<std::pair<std::string, std::uint64_t>> files; // name and bytes
+    std::uint64_t moreFiles = 0;
+    std::vector<std::string> remarks; // on the inputs, their damage among them
+    std::uint64_t moreRemarks = 0;
+    std::uint64_t faults = 0;
+    std::string filters;       // of the command line
+    std::uint64_t leftOut = 0; // events that did not pass them, as far as they were read
+};
+
+// Writes the events as they come, a chunk at a time; the page's script shows them. What is kept
+// does not grow with their number, but for what Objects keeps of up to 65,536 objects.
 class ReportPage {
 public:
     void begin(mpu::TextWriter& out);
-    void add(const DecodedEvent& event, mpu::TextWriter& out);
-    // `faults`: damaged places in what the events came from.
-    void end(std::uint64_t faults, mpu::TextWriter& out);
+    void add(const DecodedEvent& event, const Readings& readings, bool isPlain,
+             mpu::TextWriter& out);
+    void end(const ReportFacts& facts, mpu::TextWriter& out);
 
-    std::uint64_t events() const { return statistics_.events; }
+    std::uint64_t events() const { return events_; }
 
 private:
-    void facts(mpu::TextWriter& out, std::uint64_t faults) const;
-    void chart(mpu::TextWriter& out) const;
-    void legend(mpu::TextWriter& out) const;
-    void sources(mpu::TextWriter& out) const;
+    void putObjects(mpu::TextWriter& json) const;
 
-    const std::unique_ptr<Printer> printer_ = makeTextPrinter({});
-    Statistics statistics_;
-    mpu::BodyWriter block_;
+    ReportChunk chunk_;
+    Objects objects_;
+    std::uint64_t events_ = 0;
 };
 
 } // namespace Pegasus::formats

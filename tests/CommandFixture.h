@@ -62,6 +62,21 @@ protected:
         return {status, read("out"), read("err")};
     }
 
+    // The contents of a report page's data blocks of a kind.
+    std::vector<std::string> blocks(const std::string& page, const std::string& kind) {
+        std::vector<std::string> all;
+        const std::string start = " data-holds=\"" + kind + "\">";
+        for (std::size_t at = page.find(start); at != page.npos; at = page.find(start, at + 1)) {
+            const std::size_t begin = at + start.size();
+            write("block", page.substr(begin, page.find('<', begin) - begin));
+            const bool packed = page.substr(0, at).ends_with("<script type=\"application/gzip\"");
+            EXPECT_EQ(
+                shell(packed ? "base64 -d block | gzip -dc >plain" : "base64 -d block >plain"), 0);
+            all.push_back(read("plain"));
+        }
+        return all;
+    }
+
     std::string folder_;
 };
 

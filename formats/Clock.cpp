@@ -80,7 +80,7 @@ std::string_view Clock::shown(std::uint32_t timestamp) {
     case TimeStyle::Raw:
         break;
     case TimeStyle::Iso:
-        return shown_ = formats::rfc3339(timestamp + *options_.epoch, options_.utc);
+        return rfc3339(timestamp);
     case TimeStyle::Local:
         return shown_ = dateAndTime(fieldsOf(timestamp + *options_.epoch, false).date, ' ');
     case TimeStyle::Boot:
@@ -95,7 +95,10 @@ std::string_view Clock::shown(std::uint32_t timestamp) {
 std::string_view Clock::rfc3339(std::uint32_t timestamp) {
     if (!options_.epoch)
         return {};
-    return rfc3339_ = formats::rfc3339(timestamp + *options_.epoch, options_.utc);
+    if (rfc3339Of_ != timestamp)
+        rfc3339_ = formats::rfc3339(timestamp + *options_.epoch, options_.utc);
+    rfc3339Of_ = timestamp;
+    return rfc3339_;
 }
 
 std::string rfc3339(std::int64_t unixTime, bool utc) {

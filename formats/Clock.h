@@ -29,14 +29,15 @@ class Clock {
 public:
     explicit Clock(const TimeOptions& options = {}) : options_(options) {}
 
-    // As people see it, empty for the number alone; the text lives until the next call.
+    // Both texts live until a call with another time.
+    // As people see it, empty for the number alone.
     std::string_view shown(std::uint32_t timestamp);
     // The same, and the number where that is what people see.
     std::string text(std::uint32_t timestamp) {
         const std::string_view found = shown(timestamp);
         return found.empty() ? std::to_string(timestamp) : std::string(found);
     }
-    // As RFC 3339, empty without an epoch; the text lives until the next call.
+    // As RFC 3339, empty without an epoch.
     std::string_view rfc3339(std::uint32_t timestamp);
     // The event of this time is shown: others are relative to it.
     void advance(std::uint32_t timestamp) {
@@ -49,6 +50,7 @@ private:
     std::optional<std::uint32_t> reference_; // time of the first event, or the one before
     std::string shown_;
     std::string rfc3339_;
+    std::optional<std::uint32_t> rfc3339Of_;
 };
 
 // "2009-11-10T12:00:00Z"; in the zone of the process with its offset.

@@ -70,7 +70,8 @@ TEST_F(ExportCommandTest, AddsWhatIsNew) {
         EXPECT_NE(result.err.find(c.said), result.err.npos) << result.err;
         EXPECT_EQ(counts(), c.counts) << c.inputs;
     }
-    EXPECT_EQ(ask("SELECT file, origins.offset, sequenceID, severity, layout, timestamp, eventID, summary "
+    EXPECT_EQ(ask("SELECT file, origins.offset, sequenceID, severity, layout, timestamp, eventID, "
+                  "summary "
                   "FROM events JOIN origins ON id = event ORDER BY id"),
               "a|0|1|3|assumed|101|Drive Removed|Drive 7, Offline device\n"
               "a|276|2|3|assumed|102|Drive Removed|Drive 7, Offline device\n"

@@ -51,6 +51,11 @@ std::string numberOf(const Reading& reading, std::span<const std::uint8_t> paylo
 // none. Moves the readings of these numbers, in their order, before the others.
 std::string ruleOf(std::string_view body, std::string_view text,
                    std::span<const std::uint8_t> payload, std::vector<const Reading*>& readings) {
+    // What code reads may come in any order that the compiler likes.
+    std::stable_sort(readings.begin(), readings.end(), [](const Reading* a, const Reading* b) {
+        return std::pair(a->byCode, a->byCode ? a->at : 0) <
+               std::pair(b->byCode, b->byCode ? b->at : 0);
+    });
     if (text.find('%') != text.npos)
         return {};
     std::string rule;

@@ -77,6 +77,8 @@ void ReportPage::end(const ReportFacts& facts, mpu::TextWriter& out) {
     putJson(json.literal(",\"filters\":"), facts.filters);
     json.literal(",\"leftOut\":").decimal64(facts.leftOut);
     json.literal(",\"events\":").decimal64(events_);
+    if (facts.epoch)
+        json.literal(",\"epoch\":").literal(std::to_string(*facts.epoch));
     putObjects(json);
     json.literal("}");
     putPacked(out, "facts", json.view());

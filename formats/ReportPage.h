@@ -4,6 +4,7 @@
 #include "formats/Objects.h"
 #include "formats/ReportChunk.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,8 +20,9 @@ struct ReportFacts {
     std::vector<std::string> remarks; // on the inputs, their damage among them
     std::uint64_t moreRemarks = 0;
     std::uint64_t faults = 0;
-    std::string filters;       // of the command line
-    std::uint64_t leftOut = 0; // events that did not pass them, as far as they were read
+    std::optional<std::int64_t> epoch; // Unix time at which the events' clock was 0
+    std::string filters;               // of the command line
+    std::uint64_t leftOut = 0;         // events that did not pass them, as far as they were read
 };
 
 // Writes the events as they come, a chunk at a time; the page's script shows them. What is kept

@@ -20,9 +20,11 @@ const isNarrow = matchMedia('(max-width: 800px)');
 const counted = (count, one, many = one + 's') =>
   `${count.toLocaleString('en')} ${count === 1 ? one : many}`;
 
-// The one place that knows what a time looks like: the number as the firmware counts it.
+// The one place that knows what a time looks like: the number as the firmware counts it, or what that
+// means in UTC.
 function showTime(time) {
-  return String(time);
+  const date = new Date((time + (facts.epoch ?? NaN)) * 1000);
+  return isNaN(date) ? String(time) : date.toISOString().replace(/\.000Z$/, 'Z');
 }
 function showSpan(first, last) {
   return first === last ? showTime(first) : `${showTime(first)} to ${showTime(last)}`;

@@ -25,6 +25,8 @@ public:
     PageWriter(const FilterOptions& options, Output& output)
         : SerialSink(output), filter_(options.ofSink(), {.readings = true}),
           limit_(options.ofSink().limit.value_or(UINT64_MAX)) {
+        if (options.times.style != TimeStyle::Raw)
+            facts_.epoch = options.times.epoch;
         page_.begin(output.text());
     }
 

@@ -162,8 +162,10 @@ private:
         } else if (!column.text) {
             key("minimum");
             json_.Uint(0);
-            key("maximum");
-            json_.Uint64(column.number ? UINT32_MAX : UINT64_MAX);
+            if (column.number) {
+                key("maximum");
+                json_.Uint(UINT32_MAX);
+            }
         }
         json_.EndObject();
     }

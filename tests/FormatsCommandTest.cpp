@@ -240,6 +240,7 @@ TEST_F(FormatsCommandTest, JsonSchema) {
     EXPECT_TRUE(judge.accepts(with(named, "/source", "77")));
     EXPECT_TRUE(judge.accepts(with(named, "/later", 1)));
     const nlohmann::json wrong[] = {
+        with(named, "/offset", -1),
         without(named, "/summary"),
         with(named, "/formatVersion", 2),
         with(named, "/controllerSlotID", -1),
@@ -261,7 +262,7 @@ TEST_F(FormatsCommandTest, JsonSchema) {
         EXPECT_FALSE(judge.accepts(event)) << event;
 
     ASSERT_EQ(run("sample --count 300 --output samples").status, 0);
-    std::stringstream lines(run("decode --format json --fields samples").out);
+    std::stringstream lines(run("decode --format json --fields --epoch unix --origin samples").out);
     int count = 0;
     for (std::string line; std::getline(lines, line); ++count)
         EXPECT_TRUE(judge.accepts(nlohmann::json::parse(line))) << line;

@@ -88,12 +88,13 @@ Runner addCut(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     options->inputs.addOptions(app);
     options->filter.addOptions(app);
-    app.add_flag("--anonymise", options->anonymise,
-                 "Replace the serial numbers of enclosures and controllers, each by one of the "
-                 "same length (ENC0001, CTL0002, ...), in headers and, from 4 characters on, where "
-                 "they occur as text in payloads. Everything else remains: other names and "
-                 "addresses, serial numbers of drives, and what is written in another encoding. "
-                 "Keeps the messages in a temporary file");
+    app.add_flag(
+        "--anonymise", options->anonymise,
+        "Replace the serial numbers of enclosures and controllers, each by one of the "
+        "same length, 4 characters or more (ENC0001, CTL0002, ...): in headers and, from 4 "
+        "characters on, where they occur as text in payloads. Everything else remains: "
+        "names, addresses, serial numbers of drives, and what is written in another "
+        "encoding. Keeps the messages in a temporary file");
     addOutput(app, options->output);
     return [options] { return cut(*options); };
 }

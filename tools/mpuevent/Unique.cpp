@@ -57,7 +57,8 @@ std::uint64_t KeyedHash::operator()(std::span<const std::uint8_t> bytes) const {
 Unique::Unique(Sink& to) : Relay(to), hash_(randomKey(), randomKey()), known_(1024) {}
 
 bool Unique::take(const Message& message) {
-    return !insert(hash_(message.record)) || to_.take(message);
+    // The claim too, which the reader may have lowered.
+    return !insert(hash_(message.record) + message.claim) || to_.take(message);
 }
 
 bool Unique::insert(std::uint64_t hash) {

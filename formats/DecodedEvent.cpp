@@ -115,7 +115,8 @@ void EventDecoder::decode(const mpu::Record& record, mpu::DecodeFunction functio
 
 void EventDecoder::tellTime() {
     event_.time = clock_.rfc3339(event_.timestamp);
-    event_.shownTime = clock_.shown(event_.timestamp);
+    event_.shownTime =
+        options_.time.style == TimeStyle::Iso ? event_.time : clock_.shown(event_.timestamp);
 }
 
 void EventDecoder::tell(const EventBasis& basis) {

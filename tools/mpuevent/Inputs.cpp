@@ -121,11 +121,11 @@ private:
 // One input from its first message to its last.
 class Reader : public MessageStream {
 public:
-    // The messages keep a pointer to the path.
-    Reader(const std::string& path, const InputOptions& options, Progress& progress, Sink& sink,
-           std::uint64_t& allFaults)
-        : name_(nameOf(path)), options_(options), sink_(sink), allFaults_(allFaults), file_(path),
-          bytes_(file_.descriptor(), progress, sink) {
+    // The messages keep a pointer to the path. The sink is told of one that is `merged` at its end.
+    Reader(const std::string& path, const InputOptions& options, bool merged, Progress& progress,
+           Sink& sink, std::uint64_t& allFaults)
+        : name_(nameOf(path)), options_(options), merged_(merged), sink_(sink),
+          allFaults_(allFaults), file_(path), bytes_(file_.descriptor(), progress, sink) {
         if (file_.error() != 0)
             say(kFailed, std::strerror(file_.error()));
         else
@@ -143,6 +143,8 @@ public:
     void close() {
         if (std::exchange(closed_, true))
             return;
+        if (capture_ && merged_)
+            sink_.onBegin(name_);
         if (capture_)
             sink_.onEnd(capture_->position());
         if (faults_ > options_.maxReports && options_.maxReports != 0)
@@ -173,7 +175,8 @@ private:
                 sink_.onDamage(name_, damage);
         });
         capture_->open(input_->bytes());
-        sink_.onBegin(name_);
+        if (!merged_)
+            sink_.onBegin(name_);
     }
     bool isTold() {
         ++allFaults_;
@@ -185,6 +188,7 @@ private:
 
     const char* const name_;
     const InputOptions& options_;
+    const bool merged_;
     Sink& sink_;
     std::uint64_t& allFaults_;
     std::uint64_t faults_ = 0;
@@ -243,7 +247,7 @@ std::uint64_t Inputs::readAll(Sink& sink) const {
                                           return sum + sizeOf(path);
                                       }));
         const auto open = [&](std::size_t index) {
-            return std::make_unique<Reader>(files_[index], options_, progress, sink, faults);
+            return std::make_unique<Reader>(files_[index], options_, true, progress, sink, faults);
         };
         merge(files_.size(), open, [&sink](const Message& message) { return sink.take(message); });
         return faults;
@@ -251,7 +255,7 @@ std::uint64_t Inputs::readAll(Sink& sink) const {
     bool more = true;
     for (auto path = files_.begin(); more && path != files_.end(); ++path) {
         progress.open(nameOf(*path), sizeOf(*path));
-        Reader reader(*path, options_, progress, sink, faults);
+        Reader reader(*path, options_, false, progress, sink, faults);
         for (Message message; more && reader.next(message);)
             more = sink.take(message);
         reader.close();

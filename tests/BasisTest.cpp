@@ -119,7 +119,7 @@ TEST(Basis, FunctionsReadTheirFields) {
                     for (const mpu::Value& value : row.values) {
                         if (!value.custom || !seen.insert(value.custom).second)
                             continue;
-                        for (int i = 0; i < 1000; ++i) {
+                        for (unsigned i = 0; i < 1000; ++i) {
                             const unsigned bits = i % 32; // small numbers, too
                             std::string shown[2];
                             std::array<std::uint8_t, 64> field;

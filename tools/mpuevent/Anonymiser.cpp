@@ -61,7 +61,7 @@ void Anonymiser::replaceField(std::uint8_t* field) const {
     const auto found = replacements_.find(serialIn(field));
     std::memset(field, 0, kField);
     if (found != replacements_.end())
-        std::memcpy(field, found->second.data(), found->second.size());
+        std::copy(found->second.begin(), found->second.end(), field);
 }
 
 void Anonymiser::replaceText(std::span<std::uint8_t> payload) const {

@@ -23,10 +23,12 @@ Argument::Argument(const CLI::Option& option)
 }
 
 std::string Argument::value() const {
-    return choices.empty() ? type : joined(choices, "|");
+    return choices.empty() || positional() ? type : joined(choices, "|");
 }
 
 std::string Argument::explanation() const {
+    if (positional() && !choices.empty())
+        return fmt::format("{}: {}", description, joined(choices, ", "));
     return !takesValue || defaultValue.empty()
                ? description
                : fmt::format("{} (default: {})", description, defaultValue);

@@ -71,7 +71,7 @@ Runner addObjects(CLI::App& app) {
                                 [&](const ObjectKind& one) { return one.plural == name; });
                options->kind = static_cast<ObjectKindIndex>(kind - std::begin(kObjectKinds));
            },
-           "Of one kind; what is no kind is a capture")
+           "Only objects of one kind")
         ->type_name("KIND")
         ->check(CLI::IsMember(names));
     addOptions(app, *options);

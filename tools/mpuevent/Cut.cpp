@@ -70,11 +70,9 @@ private:
 };
 
 Status cut(const Options& options) {
-    if (!options.inputs.spares(options.output))
-        return kUsage;
     Output output;
-    if (!output.open(options.output))
-        return kFailed;
+    if (const Status status = options.inputs.openOutput(options.output, output); status != kFine)
+        return status;
     if (!output.takesBinary("cut"))
         return kUsage;
     Cutter cutter(options, output);

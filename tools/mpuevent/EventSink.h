@@ -37,13 +37,6 @@ private:
     std::uint64_t left_; // of the events to take
 };
 
-// Opens the output, and nothing if it is an input, too.
-inline Status openOutput(const GatherOptions& options, Output& output) {
-    if (!options.inputs.spares(options.output))
-        return kUsage;
-    return output.open(options.output) ? kFine : kFailed;
-}
-
 // `formats`: rows that have names and descriptions, the first one the default.
 template <class Formats>
 void addGatherOptions(CLI::App& app, GatherOptions& options, const Formats& formats,

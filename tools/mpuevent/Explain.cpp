@@ -30,7 +30,7 @@ private:
 
 Status explainEvents(const GatherOptions& options) {
     Output output;
-    if (const Status status = openOutput(options, output); status != kFine)
+    if (const Status status = options.inputs.openOutput(options.output, output); status != kFine)
         return status;
     Explainer explainer(options, output);
     readSelected(options.inputs, options.filter, explainer);

@@ -90,6 +90,10 @@ public:
 
     // Reports a file to be written that is one of the inputs too.
     bool spares(const std::string& output) const;
+    // Opens it, but for one that is an input. Reports what is wrong.
+    Status openOutput(const std::string& path, Output& output) const {
+        return !spares(path) ? kUsage : output.open(path) ? kFine : kFailed;
+    }
 
 private:
     std::uint64_t readAll(Sink& sink) const;

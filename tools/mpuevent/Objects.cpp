@@ -25,7 +25,7 @@ private:
 
 Status objects(const Options& options) {
     Output output;
-    if (const Status status = openOutput(options, output); status != kFine)
+    if (const Status status = options.inputs.openOutput(options.output, output); status != kFine)
         return status;
     Collector collector(options.filter, output);
     readSelected(options.inputs, options.filter, collector);

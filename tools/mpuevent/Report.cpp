@@ -96,11 +96,9 @@ std::string filtersOf(const CLI::App& app) {
 }
 
 Status report(const Options& options, const CLI::App& app) {
-    if (!options.inputs.spares(options.output))
-        return kUsage;
     Output output;
-    if (!output.open(options.output))
-        return kFailed;
+    if (const Status status = options.inputs.openOutput(options.output, output); status != kFine)
+        return status;
     PageWriter writer(options.filter, output);
     const std::uint64_t faults = readSelected(options.inputs, options.filter, writer);
     return writer.finish(faults, filtersOf(app), app.get_parent()->version());

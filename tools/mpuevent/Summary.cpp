@@ -19,7 +19,7 @@ private:
 
 Status summary(const GatherOptions& options) {
     Output output;
-    if (const Status status = openOutput(options, output); status != kFine)
+    if (const Status status = options.inputs.openOutput(options.output, output); status != kFine)
         return status;
     Counter counter(options.filter, output);
     const std::uint64_t faults = readSelected(options.inputs, options.filter, counter);

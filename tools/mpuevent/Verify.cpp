@@ -207,11 +207,9 @@ void Verifier::tell(std::string_view text, Finding& finding) {
 }
 
 Status verify(const Options& options) {
-    if (!options.inputs.spares(options.output))
-        return kUsage;
     Output output;
-    if (!output.open(options.output))
-        return kFailed;
+    if (const Status status = options.inputs.openOutput(options.output, output); status != kFine)
+        return status;
     Verifier verifier(options.format == "json", output);
     options.inputs.read(verifier);
     return verifier.finish();

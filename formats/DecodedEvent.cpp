@@ -84,15 +84,22 @@ const DecodedEvent& EventDecoder::decode(std::span<const std::uint8_t> bytes,
     if (event_.eventTypeText.empty())
         event_.eventTypeText = "Unknown";
 
-    const auto length = static_cast<unsigned int>(bytes.size());
-    decode(mpu::Record(header, length, &draft_.footprint), function);
+    const mpu::Record record(header, static_cast<unsigned int>(bytes.size()), &draft_.footprint);
+    const auto watched = [&] {
+        draft_.footprint.setTrace(readings_.get());
+        decode(record, function);
+        draft_.footprint.setTrace(nullptr);
+    };
+    if (options_.readings)
+        watched();
+    else
+        decode(record, function);
     const EventBasis basis = draft_.footprint.basis();
     tell(basis);
-    if (readings_ &&
-        (options_.readings || basis.layout != Provenance::Documented || basis.missingBytes != 0)) {
-        draft_.footprint.setTrace(readings_.get());
-        decode(mpu::Record(header, length, &draft_.footprint), function);
-        draft_.footprint.setTrace(nullptr);
+    const bool isSure = basis.layout == Provenance::Documented && basis.missingBytes == 0;
+    if (readings_ && (options_.readings || !isSure)) {
+        if (!options_.readings)
+            watched();
         tellFields(basis);
         if (options_.knownOnly && basis.layout == Provenance::Assumed)
             leaveOut(*header);

@@ -1,5 +1,6 @@
 // Records of every module. The mutator knows the layouts, so that what is after codes, lengths and
 // versions is reached.
+#include "formats/Explanation.h"
 #include "fuzz/Invariants.h"
 #include "fuzz/RecordMutator.h"
 
@@ -7,6 +8,30 @@ namespace Pegasus::fuzz {
 namespace {
 
 constexpr std::size_t kSourceAt = offsetof(EmpEvLogMsg_s, source);
+
+// A watched decoding says what a plain one says, and leaves no byte unexplained.
+void requireExplains(Bytes record) {
+    using namespace formats;
+    if (record.size() < sizeof(EmpEvLogMsg_s))
+        return;
+    EventDecoder plain;
+    EventDecoder watched({.readings = true});
+    const DecodedEvent& event = plain.decode(record);
+    const DecodedEvent& same = watched.decode(record);
+    requireSame(same.eventID, event.eventID, "title");
+    requireSame(same.summary, event.summary, "summary");
+    requireSame(same.body, event.body, "body");
+    requireSame(same.layout, event.layout, "layout");
+    require(same.missingBytes == event.missingBytes, "watching changes what is missing");
+    require(same.unreadBytes == event.unreadBytes, "watching changes what is unread");
+    std::size_t explained = 0;
+    for (const ExplainedBytes& part : explain(same, watched.readings(), watched.isPlain())) {
+        require(part.missing <= part.size, "missing bytes are part of what was read");
+        if (part.at <= explained)
+            explained = std::max<std::size_t>(explained, part.at + part.size);
+    }
+    require(explained >= record.size(), "every byte is explained");
+}
 
 // Input: a byte that chooses the module, then the record. Beyond the known module ids the bytes
 // stand for modules with a decoder.
@@ -19,7 +44,9 @@ void decoders(Bytes bytes) {
     if (record.size() > kSourceAt)
         record[kSourceAt] =
             static_cast<char>(choice <= 34 ? choice : modules[choice % modules.size()].source);
+    record.resize(std::min(record.size(), kMaxRecord));
     requireDecodes(bytesOf(record));
+    requireExplains(bytesOf(record));
 }
 
 } // namespace

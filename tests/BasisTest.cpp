@@ -5,6 +5,7 @@
 #include "tools/catalogue/Sample.h"
 
 #include <gmock/gmock.h>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <set>
@@ -137,6 +138,43 @@ TEST(Basis, FunctionsReadTheirFields) {
                         }
                     }
     EXPECT_GE(seen.size(), 10u);
+}
+
+// An element is read where a row of its name says, by the decoders' code too, and is known no
+// better.
+TEST(Basis, ElementsComeFromTheirRows) {
+    const SuppressTrace quiet;
+    formats::EventDecoder decoder({.readings = true});
+    mpu::SampleWriter samples(11);
+    unsigned found = 0;
+    for (const mpu::Module& module : mpu::modules())
+        for (const mpu::RecordKind& kind : mpu::kindsOf(module)) {
+            const std::string record = samples.record(module, kind);
+            const formats::DecodedEvent& event = decoder.decode(
+                {reinterpret_cast<const std::uint8_t*>(record.data()), record.size()});
+            std::multimap<std::string, formats::ExplainedBytes> shown;
+            for (formats::ExplainedBytes& part :
+                 formats::explain(event, decoder.readings(), decoder.isPlain()))
+                if (part.use == formats::ExplainedBytes::Element)
+                    shown.emplace(part.name, std::move(part));
+            for (const mpu::RecordKind::Structure& structure : kind.structures())
+                for (const mpu::Row& row : structure.rows) {
+                    const auto [begin, end] = shown.equal_range(std::string(row.tag));
+                    const mpu::Value& value = row.values[0];
+                    if (begin == end || !value.isRead() || value.size == 0)
+                        continue;
+                    ++found;
+                    EXPECT_TRUE(std::any_of(begin, end,
+                                            [&](const auto& one) {
+                                                const formats::ExplainedBytes& part = one.second;
+                                                return part.at == structure.at + value.at &&
+                                                       part.size <= value.size &&
+                                                       part.layout >= row.provenance;
+                                            }))
+                        << module.decoder << ", " << kind.title() << ": " << row.tag;
+                }
+        }
+    EXPECT_GE(found, 4800u);
 }
 
 class BasisCommandTest : public CommandTest {

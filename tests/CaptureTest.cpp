@@ -1,5 +1,6 @@
 // Reading captures: framing and damage.
 #include "capture/Capture.h"
+#include "tests/Dribble.h"
 #include "tests/RecordBuilder.h"
 
 #include <gmock/gmock.h>
@@ -27,20 +28,6 @@ std::string withLength(std::string message, unsigned length) {
     mpu::storeBig(&message[10], static_cast<std::uint16_t>(length));
     return message;
 }
-
-// Delivers a few bytes at a time.
-class Dribble : public ByteSource {
-public:
-    Dribble(const std::string& all, std::size_t step)
-        : memory_(all.data(), all.size()), step_(step) {}
-    std::size_t read(std::uint8_t* to, std::size_t room) override {
-        return memory_.read(to, std::min(room, step_));
-    }
-
-private:
-    MemorySource memory_;
-    std::size_t step_;
-};
 
 struct Reading {
     std::vector<std::uint32_t> sequences;

@@ -1,6 +1,7 @@
 // Inputs of every kind: text, compression, and what holds no messages.
 #include "capture/Recognise.h"
 #include "tests/CommandFixture.h"
+#include "tests/Dribble.h"
 
 #include <gmock/gmock.h>
 #ifdef MPUEVENT_GZIP
@@ -21,20 +22,6 @@ using namespace capture;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using Texts = std::vector<std::string>;
-
-// Delivers a few bytes at a time.
-class Dribble : public ByteSource {
-public:
-    Dribble(const std::string& all, std::size_t step)
-        : memory_(all.data(), all.size()), step_(step) {}
-    std::size_t read(std::uint8_t* to, std::size_t room) override {
-        return memory_.read(to, std::min(room, step_));
-    }
-
-private:
-    MemorySource memory_;
-    std::size_t step_;
-};
 
 std::string drain(ByteSource& source) {
     std::string bytes;

@@ -89,8 +89,8 @@ public:
     bool next(Message& message);
     // After the message handed out: to go on from later.
     Place place() const { return {offset_ + length_ - shared_, passedOver_, reason_}; }
-    // Bytes of the capture dealt with so far.
-    std::uint64_t position() const { return offset_; }
+    // Bytes of the capture dealt with so far, the message handed out among them.
+    std::uint64_t position() const { return offset_ + length_; }
 
 private:
     enum class Verdict : std::uint8_t { Take, Pass, Wait };

@@ -1,5 +1,6 @@
 #include "formats/Clock.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <ctime>
@@ -147,6 +148,25 @@ std::optional<std::int64_t> unixTimeFrom(std::string_view text, bool utc) {
     date.tm_year -= 1900;
     date.tm_mon -= 1;
     return unixTimeOf(date, utc) - offset;
+}
+
+std::vector<std::pair<std::int64_t, std::int64_t>> zoneOffsets(std::int64_t first,
+                                                               std::int64_t last) {
+    const auto offsetAt = [](std::int64_t time) { return fieldsOf(time, false).offset; };
+    std::vector<std::pair<std::int64_t, std::int64_t>> found{{first, offsetAt(first)}};
+    for (std::int64_t day = first; day < last; day += kDay) {
+        std::int64_t before = day;
+        std::int64_t after = std::min(day + kDay, last);
+        const std::int64_t offset = offsetAt(after);
+        if (offset == found.back().second)
+            continue;
+        while (after - before > 1) {
+            const std::int64_t middle = before + (after - before) / 2;
+            (offsetAt(middle) == offset ? after : before) = middle;
+        }
+        found.emplace_back(after, offset);
+    }
+    return found;
 }
 
 std::int64_t dayBefore(std::int64_t unixTime, int days, bool utc) {

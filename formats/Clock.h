@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace Pegasus::formats {
 
@@ -59,6 +61,10 @@ std::string rfc3339(std::int64_t unixTime, bool utc);
 // The Unix time of a date with or without a time of day, after "T" or a blank: RFC 3339 or a part
 // of that. Without an offset it is in UTC or in the zone of the process. Nothing for other texts.
 std::optional<std::int64_t> unixTimeFrom(std::string_view text, bool utc);
+// What the zone of the process adds to UTC, in seconds, with the Unix times between the two from
+// which on it does; the first of them is `first`.
+std::vector<std::pair<std::int64_t, std::int64_t>> zoneOffsets(std::int64_t first,
+                                                               std::int64_t last);
 // Of the midnight at which the day began that was so many days before this moment's.
 std::int64_t dayBefore(std::int64_t unixTime, int days, bool utc);
 

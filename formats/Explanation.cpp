@@ -175,7 +175,7 @@ std::string meaningOf(const ExplainedBytes& bytes) {
 class TextExplanation : public ExplanationPrinter {
 public:
     explicit TextExplanation(bool colour)
-        : colour_(colour), head_(makeBriefPrinter({.colour = colour})) {}
+        : colour_(colour), head_(makeBriefPrinter({.colour = colour, .origin = true})) {}
 
     void print(const DecodedEvent& event, const std::vector<ExplainedBytes>& explained,
                mpu::TextWriter& out) override {
@@ -254,6 +254,9 @@ public:
             json.Uint(value);
         };
         json.StartObject();
+        text("file", event.file);
+        json.Key("offset");
+        json.Uint64(event.offset);
         number("sequenceID", event.sequenceID);
         text("source", event.source);
         text("eventID", event.eventID);
@@ -293,7 +296,8 @@ public:
         out.literal("<section><h2>Event ").decimal(event.sequenceID);
         putXml(out.literal(": "), event.eventID);
         putXml(out.literal("</h2><p>"), event.summary);
-        out.literal("</p><div><pre>");
+        putXml(out.literal("</p><p>"), event.file);
+        out.literal(", offset ").decimal64(event.offset).literal("</p><div><pre>");
         const std::span<const std::uint8_t> record = recordOf(event);
         for (std::size_t at = 0; at < record.size(); ++at) {
             if (at % 16 == 0)

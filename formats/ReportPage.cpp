@@ -53,6 +53,8 @@ void ReportPage::add(const DecodedEvent& event, const Readings& readings, bool i
                      mpu::TextWriter& out) {
     chunk_.add(event, objects_.add(event), readings, isPlain);
     ++events_;
+    first_ = std::min(first_, event.timestamp);
+    last_ = std::max(last_, event.timestamp);
     if (chunk_.isFull())
         chunk_.flush(out);
 }
@@ -77,12 +79,27 @@ void ReportPage::end(const ReportFacts& facts, mpu::TextWriter& out) {
     putJson(json.literal(",\"filters\":"), facts.filters);
     json.literal(",\"leftOut\":").decimal64(facts.leftOut);
     json.literal(",\"events\":").decimal64(events_);
-    if (facts.epoch)
-        json.literal(",\"epoch\":").literal(std::to_string(*facts.epoch));
+    putTimes(facts.times, json);
     putObjects(json);
     json.literal("}");
     putPacked(out, "facts", json.view());
     out.literal("<script>").literal(kReportJs).literal("</script>\n</html>\n");
+}
+
+// "zone" has the offsets of another zone than UTC, each after the Unix time of its beginning.
+void ReportPage::putTimes(const TimeOptions& times, mpu::TextWriter& json) const {
+    if (times.style == TimeStyle::Raw || !times.epoch)
+        return;
+    json.literal(",\"epoch\":").literal(std::to_string(*times.epoch));
+    if (times.utc || events_ == 0)
+        return;
+    const char* before = ",\"zone\":[[";
+    for (const auto& [from, offset] : zoneOffsets(first_ + *times.epoch, last_ + *times.epoch)) {
+        json.literal(before).literal(std::to_string(from));
+        json.literal(",").literal(std::to_string(offset)).literal("]");
+        before = ",[";
+    }
+    json.literal("]");
 }
 
 // "kinds" has the words for them, "objects" the worst ones first.

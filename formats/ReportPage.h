@@ -4,7 +4,6 @@
 #include "formats/Objects.h"
 #include "formats/ReportChunk.h"
 
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,9 +19,9 @@ struct ReportFacts {
     std::vector<std::string> remarks; // on the inputs, their damage among them
     std::uint64_t moreRemarks = 0;
     std::uint64_t faults = 0;
-    std::optional<std::int64_t> epoch; // Unix time at which the events' clock was 0
-    std::string filters;               // of the command line
-    std::uint64_t leftOut = 0;         // events that did not pass them, as far as they were read
+    TimeOptions times;
+    std::string filters;       // of the command line
+    std::uint64_t leftOut = 0; // events that did not pass them, as far as they were read
 };
 
 // Writes the events as they come, a chunk at a time; the page's script shows them. What is kept
@@ -37,11 +36,14 @@ public:
     std::uint64_t events() const { return events_; }
 
 private:
+    void putTimes(const TimeOptions& times, mpu::TextWriter& json) const;
     void putObjects(mpu::TextWriter& json) const;
 
     ReportChunk chunk_;
     Objects objects_;
     std::uint64_t events_ = 0;
+    std::uint32_t first_ = UINT32_MAX; // of their times
+    std::uint32_t last_ = 0;
 };
 
 } // namespace Pegasus::formats

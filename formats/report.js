@@ -21,10 +21,17 @@ const counted = (count, one, many = one + 's') =>
   `${count.toLocaleString('en')} ${count === 1 ? one : many}`;
 
 // The one place that knows what a time looks like: the number as the firmware counts it, or what that
-// means in UTC.
+// means in UTC or in the zone of whoever made the page.
 function showTime(time) {
-  const date = new Date((time + (facts.epoch ?? NaN)) * 1000);
-  return isNaN(date) ? String(time) : date.toISOString().replace(/\.000Z$/, 'Z');
+  const seconds = time + (facts.epoch ?? NaN);
+  const offset = facts.zone?.findLast(([from]) => from <= seconds)?.[1] ?? 0;
+  const date = new Date((seconds + offset) * 1000);
+  if (isNaN(date)) return String(time);
+  const minutes = Math.abs(offset) / 60;
+  const pair = number => String(number).padStart(2, '0');
+  const zone = offset === 0 ? 'Z'
+    : `${offset < 0 ? '-' : '+'}${pair(Math.floor(minutes / 60))}:${pair(minutes % 60)}`;
+  return date.toISOString().replace(/\.000Z$/, zone);
 }
 function showSpan(first, last) {
   return first === last ? showTime(first) : `${showTime(first)} to ${showTime(last)}`;
@@ -807,8 +814,7 @@ function fillOverview() {
   fillList('about', 'About this report', [
     ...facts.files.map(([name, bytes]) => `${name}: ${counted(bytes, 'byte')}`),
     ...(facts.moreFiles ? [`and ${counted(facts.moreFiles, 'more file')}`] : []),
-    facts.filters ? `Left out by ${facts.filters}: ${facts.leftOut ? counted(facts.leftOut, 'event')
-      : 'other events'}` : 'No event was left out by filters.',
+    facts.filters ? `Left out by ${facts.filters}: ${counted(facts.leftOut, 'event')}` : 'No event was left out by filters.',
     `Made by ${facts.program}, ${facts.made}`]);
   for (const item of document.querySelectorAll('#remarks li, #about li'))
     item.replaceWith(make('p', {}, item.textContent));

@@ -16,6 +16,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 constexpr auto kDocumented = Provenance::Documented;
 constexpr auto kAssumed = Provenance::Assumed;
@@ -239,6 +240,7 @@ TEST_F(BasisCommandTest, KnownOnly) {
 TEST_F(BasisCommandTest, Explain) {
     give(network(1021).counted(0, 30).sequence(9));
     const std::string text = run("explain").out;
+    EXPECT_THAT(text, StartsWith("Event 9: standard input:0  "));
     EXPECT_THAT(text, HasSubstr("\n   153     3  010203             %08X       "
                                 "OpCode_Type: 00010203\n"));
     EXPECT_THAT(text, HasSubstr("\n   180     4  1C1D               %08X     ! "
@@ -250,6 +252,8 @@ TEST_F(BasisCommandTest, Explain) {
             longest = std::max(longest, end - at);
     EXPECT_LE(longest, 80u);
     const auto event = nlohmann::json::parse(run("explain --format json").out);
+    EXPECT_EQ(event.at("file"), "standard input");
+    EXPECT_EQ(event.at("offset"), 0);
     EXPECT_EQ(event.at("missingBytes"), 10);
     const auto& last = event.at("bytes").back();
     EXPECT_EQ(last.at("name"), "General_Use3");

@@ -62,6 +62,16 @@ TEST_F(ReportCommandTest, Data) {
                       R"("severities":[0,0,0,1],"time":[100,100],"untold":0,)"
                       R"("story":[[3,"I/O Mgr","Drive Error","Drive 7, Drive Exception",)"
                       R"(1,100,100,7,7]]}])"))));
+    EXPECT_THAT(blocks(run("report --last 1 input").out, "facts"),
+                ElementsAre(testing::AllOf(HasSubstr(R"("leftOut":2,"events":1)"),
+                                           Not(HasSubstr("epoch")))));
+    EXPECT_THAT(blocks(run("report --merge --limit 1 input input").out, "facts"),
+                ElementsAre(HasSubstr(R"("files":[["input",244],["input",244]])")));
+    // All but the first time are after the end of daylight saving.
+    EXPECT_THAT(
+        blocks(run("report --epoch 2009-10-25T00:58:20Z --tz Europe/Vienna input").out, "facts"),
+        ElementsAre(
+            HasSubstr(R"("epoch":1256432300,"zone":[[1256432300,7200],[1256432400,3600]])")));
     // Two runs give the same bytes where the time does.
     const std::string again = "SOURCE_DATE_EPOCH=1257897600 $mpuevent report - <input 2>err >";
     EXPECT_EQ(shell(again + "one; " + again + "other; cmp one other"), 0);

@@ -139,8 +139,7 @@ public:
         message.input = name_;
         return true;
     }
-    // Says what is to be said at the end: by itself after the last message.
-    void close() {
+    void close() override {
         if (std::exchange(closed_, true))
             return;
         if (capture_ && merged_)

@@ -24,6 +24,8 @@ public:
     virtual bool take(const Message& message) = 0;
     // Others were between the last message and the next.
     virtual void onGap() {}
+    // So many events were read that no filter let through, as far as take() did not see them.
+    virtual void onLeftOut(std::uint64_t) {}
     // What is to be said of an input at this place, and what it makes of the exit status.
     virtual void complaint(Status status, const std::string& text) = 0;
     virtual void onDamage(const std::string& input, const Damage& damage) {

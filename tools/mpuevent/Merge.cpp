@@ -39,8 +39,11 @@ void mergeOpen(std::size_t first, std::size_t last, const OpenStream& open,
     while (!heads.empty()) {
         std::pop_heap(heads.begin(), heads.end(), later);
         Head& earliest = heads.back();
-        if (!take(earliest.message))
+        if (!take(earliest.message)) {
+            for (Head& head : heads)
+                head.stream->close();
             return;
+        }
         if (earliest.next())
             std::push_heap(heads.begin(), heads.end(), later);
         else

@@ -25,8 +25,7 @@ public:
     PageWriter(const FilterOptions& options, Output& output)
         : SerialSink(output), filter_(options.ofSink(), {.readings = true}),
           limit_(options.ofSink().limit.value_or(UINT64_MAX)) {
-        if (options.times.style != TimeStyle::Raw)
-            facts_.epoch = options.times.epoch;
+        facts_.times = options.times;
         page_.begin(output.text());
     }
 
@@ -37,6 +36,7 @@ public:
         else
             ++facts_.moreFiles;
     }
+    void onLeftOut(std::uint64_t events) override { facts_.leftOut += events; }
     void complaint(Status status, const std::string& text) override {
         SerialSink::complaint(status, text);
         if (facts_.remarks.size() < kMaxRemarks)

@@ -113,6 +113,7 @@ void Selector::hand(const Message& message, std::uint64_t number) {
         number + 1 != *handed_)
         to_.onGap();
     handed_ = number;
+    ++handedCount_;
     more_ = to_.take(message);
 }
 
@@ -122,6 +123,7 @@ std::uint64_t readSelected(const Inputs& inputs, const FilterOptions& options, S
     Selector selector(options, sink);
     const std::uint64_t faults = inputs.read(selector);
     selector.finish();
+    sink.onLeftOut(selector.leftOut());
     return faults;
 }
 

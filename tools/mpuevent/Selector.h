@@ -17,6 +17,8 @@ public:
     bool take(const Message& message) override;
     // Hands over what is kept for the end.
     void finish();
+    // Events that were read and not handed over.
+    std::uint64_t leftOut() const { return count_ - handedCount_; }
 
 private:
     // Where an event is among all.
@@ -52,7 +54,8 @@ private:
     std::deque<Kept> kept_;               // for the end
     std::uint64_t keptHits_ = 0;          // among them
     std::optional<std::uint64_t> handed_; // number of the last one
-    bool more_ = true;                    // is wanted
+    std::uint64_t handedCount_ = 0;
+    bool more_ = true; // is wanted
 };
 
 // Has `sink` take what the options want of the inputs; returns the number of faults.

@@ -13,6 +13,8 @@ public:
     virtual ~MessageStream() = default;
     // False at the end. The message lives until the next call.
     virtual bool next(Message& message) = 0;
+    // No more is wanted; what is to be said at the end is said. So it is after the last message.
+    virtual void close() {}
 };
 
 // A file that is gone when the object is. What goes wrong with it is thrown as std::system_error.

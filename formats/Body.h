@@ -34,15 +34,14 @@ private:
         std::size_t begin; // "<"
         std::size_t end;   // after ">"
         std::string_view name;
-        std::size_t partner; // index of the closing tag, or none
+        bool matches; // has its partner
         bool closes;
     };
     void findTags(std::string_view body);
-    void matchTags();
     void addText(std::string_view text);
 
     std::vector<Tag> tags_;
-    std::vector<std::size_t> open_; // indices of tags without a partner so far
+    std::vector<std::size_t> open_; // indices of opening tags without a partner so far
     std::vector<BodyItem> items_;
 };
 

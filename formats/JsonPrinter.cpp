@@ -2,123 +2,52 @@
 #include "formats/Basis.h"
 #include "formats/Body.h"
 #include "formats/Columns.h"
+#include "formats/Escape.h"
 #include "formats/NamedValues.h"
 #include "formats/Printer.h"
 #include "formats/Utf8.h"
 
 #include <deque>
 
-// Its empty stack adds to a null pointer before it looks for room: harmless, but sanitizers tell.
-#ifdef __clang__
-#pragma clang attribute push(__attribute__((no_sanitize("pointer-overflow"))), apply_to = function)
-#endif
-#include <rapidjson/writer.h>
-#ifdef __clang__
-#pragma clang attribute pop
-#endif
-
 namespace Pegasus::formats {
 
 namespace {
 
-// The output as the JSON writer wants it.
-struct JsonStream {
-    using Ch = char;
-    void Put(char c) {
-        char* to = out->reserve(1);
-        *to = c;
-        out->commit(to + 1);
-    }
-    void Flush() {}
-
-    mpu::TextWriter* out = nullptr;
-};
-
-using JsonWriter = rapidjson::Writer<JsonStream>;
-
-} // namespace
-
-} // namespace Pegasus::formats
-
-// Where the writer lets a stream copy what needs no escaping. (Its own fast way, RAPIDJSON_SSE2, is
-// of no use: in version 1.1.0 that leaves U+001A to U+001F as they are.)
-template <>
-bool Pegasus::formats::JsonWriter::ScanWriteUnescapedString(
-    rapidjson::GenericStringStream<rapidjson::UTF8<>>& in, std::size_t length) {
-    const std::string_view rest(in.src_, length - in.Tell());
-    const std::size_t plain = Pegasus::formats::plainRun(rest);
-    os_->out->literal(rest.substr(0, plain));
-    in.src_ += plain;
-    return plain < rest.size();
+// What an element rests on is told of those that are not documented or not complete.
+void putRest(mpu::TextWriter& out, const FieldBasis& basis) {
+    if (basis.layout != Provenance::Documented)
+        putJson(out.literal(",\"layout\":"), nameOf(basis.layout));
+    if (basis.missingBytes != 0)
+        out.literal(",\"missingBytes\":").decimal(basis.missingBytes);
 }
 
-namespace Pegasus::formats {
-
-namespace {
-
-class Json {
-public:
-    // On each new value.
-    void start(mpu::TextWriter& out) {
-        stream_.out = &out;
-        writer_.Reset(stream_);
-    }
-    void text(std::string_view value) {
-        writer_.String(value.empty() ? "" : value.data(),
-                       static_cast<rapidjson::SizeType>(value.size()));
-    }
-    void key(std::string_view name) {
-        writer_.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
-    }
-
-    // [{"name": .., "value": ..}, {"name": .., "fields": [..]}]; text outside elements has no name.
-    // What an element rests on is told of those that are not documented or not complete.
-    void fields(const std::vector<BodyItem>& items, std::span<const FieldBasis> basis) {
-        writer_.StartArray();
-        for (std::size_t i = 0; i < items.size(); ++i) {
-            const BodyItem& item = items[i];
-            if (item.type != BodyItem::End) {
-                writer_.StartObject();
-                key("name");
-                text(item.name);
-            }
-            switch (item.type) {
-            case BodyItem::Text:
-            case BodyItem::Element:
-                key("value");
-                text(item.text);
-                if (i < basis.size())
-                    rest(basis[i]);
-                writer_.EndObject();
-                break;
-            case BodyItem::Group:
-                key("fields");
-                writer_.StartArray();
-                break;
-            case BodyItem::End:
-                writer_.EndArray();
-                writer_.EndObject();
-                break;
-            }
+// [{"name": .., "value": ..}, {"name": .., "fields": [..]}]; the name of text outside elements is
+// empty.
+void putFields(mpu::TextWriter& out, const std::vector<BodyItem>& items,
+               std::span<const FieldBasis> basis) {
+    const char* before = "[";
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const BodyItem& item = items[i];
+        if (item.type == BodyItem::End) {
+            // An empty group has no first field that would begin its list.
+            out.literal(items[i - 1].type == BodyItem::Group ? "[]}" : "]}");
+            before = ",";
+            continue;
         }
-        writer_.EndArray();
-    }
-
-private:
-    void rest(const FieldBasis& basis) {
-        if (basis.layout != Provenance::Documented) {
-            key("layout");
-            text(nameOf(basis.layout));
+        putJson(out.literal(before).literal("{\"name\":"), item.name);
+        if (item.type == BodyItem::Group) {
+            out.literal(",\"fields\":");
+            before = "[";
+            continue;
         }
-        if (basis.missingBytes != 0) {
-            key("missingBytes");
-            writer_.Uint(basis.missingBytes);
-        }
+        putJson(out.literal(",\"value\":"), item.text);
+        if (i < basis.size())
+            putRest(out, basis[i]);
+        out.literal("}");
+        before = ",";
     }
-
-    JsonStream stream_;
-    JsonWriter writer_;
-};
+    out.literal(items.empty() ? "[]" : "]");
+}
 
 class JsonPrinter : public Printer {
 public:
@@ -134,7 +63,7 @@ public:
         for (std::size_t i = 0; i < columns_.size(); ++i) {
             out.literal(keys_[i]);
             if (columns_[i]->text)
-                text(out, event.*columns_[i]->text);
+                putJson(out, event.*columns_[i]->text);
             else
                 columns_[i]->putNumber(event, out);
         }
@@ -143,29 +72,17 @@ public:
             out.literal("\"");
         }
         if (fields_) {
-            json_.start(out.literal(",\"fields\":"));
-            json_.fields(parser_.parse(event.body), event.fields);
+            putFields(out.literal(",\"fields\":"), parser_.parse(event.body), event.fields);
             out.literal(",\"formatVersion\":").decimal(kFormatVersion);
         }
         out.literal("}\n");
     }
 
 private:
-    // Most have nothing to escape.
-    void text(mpu::TextWriter& out, std::string_view value) {
-        if (plainRun(value) == value.size()) {
-            out.literal("\"").literal(value).literal("\"");
-        } else {
-            json_.start(out);
-            json_.text(value);
-        }
-    }
-
     const bool fields_;
     const bool raw_;
     std::vector<const Column*> columns_;
     std::vector<std::string> keys_; // of those
-    Json json_;
     BodyParser parser_;
 };
 
@@ -196,8 +113,7 @@ public:
             putPayload(out.literal(","), event);
         if (options_.fields) {
             list_.clear();
-            json_.start(list_);
-            json_.fields(parser_.parse(event.body), event.fields);
+            putFields(list_, parser_.parse(event.body), event.fields);
             cell(out.literal(","), list_.view());
         }
         out.literal("\r\n");
@@ -215,26 +131,28 @@ private:
                 column.putNumber(event, out);
         }
     }
+    // Readers of CSV stop at a NUL.
     static void cell(mpu::TextWriter& out, std::string_view text) {
-        if (text.find_first_of(std::string_view("\",\r\n\0", 5)) == text.npos) {
+        constexpr std::string_view kNoNul = "\xEF\xBF\xBD";
+        if (plainRun<'"', ','>(text) == text.size() ||
+            text.find_first_of(std::string_view("\",\r\n\0", 5)) == text.npos) {
             out.literal(text);
             return;
         }
+        const auto put = [&](char* to, std::string_view rest) -> std::pair<char*, std::size_t> {
+            if (rest[0] == '\0')
+                return {mpu::putText(to, kNoNul), 1};
+            *to++ = rest[0];
+            if (rest[0] == '"')
+                *to++ = '"';
+            return {to, 1};
+        };
         out.literal("\"");
-        while (!text.empty()) {
-            const std::size_t run = text.find_first_of(std::string_view("\"\0", 2));
-            out.literal(text.substr(0, run));
-            if (run == text.npos)
-                break;
-            // Readers of CSV stop at a NUL.
-            out.literal(text[run] == '"' ? "\"\"" : "\xEF\xBF\xBD");
-            text.remove_prefix(run + 1);
-        }
+        putEscaped<'"'>(out, text, kNoNul.size(), put);
         out.literal("\"");
     }
 
     const PrintOptions options_;
-    Json json_;
     mpu::BodyWriter list_;
     BodyParser parser_;
     std::deque<NamedValues> chosen_; // columns, if any

@@ -1,12 +1,8 @@
 #include "formats/Utf8.h"
 
-#include "event/Ascii.h"
+#include "formats/Escape.h"
 
-#include <bit>
-
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
+#include <array>
 
 namespace Pegasus::formats {
 
@@ -66,28 +62,30 @@ char* putCharacter(char* out, std::uint32_t c) {
 
 constexpr std::string_view kNoCharacters[] = {"\xEF\xBF\xBE", "\xEF\xBF\xBF"};
 
-// What stands for a character in XML; empty for itself.
-std::string_view inXml(unsigned char c) {
-    switch (c) {
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '&':
-        return "&amp;";
-    case '"':
-        return "&quot;";
-    case '\'':
-        return "&#39;";
-    case '\r': // readers take it for a line feed
-        return "&#13;";
-    case '\t':
-    case '\n':
-        return {};
-    default:
-        return c < 0x20 ? kReplacementText : std::string_view();
+// What stands for an ASCII character in XML, with its length after it; in most cases the character.
+struct XmlCharacter {
+    char text[7];
+    char length;
+};
+constexpr auto kXmlCharacters = [] {
+    std::array<XmlCharacter, 128> all{};
+    const auto set = [&all](std::size_t c, std::string_view by) {
+        std::copy(by.begin(), by.end(), all[c].text);
+        all[c].length = static_cast<char>(by.size());
+    };
+    for (std::size_t c = 0; c < all.size(); ++c) {
+        const char itself = static_cast<char>(c);
+        set(c, c < 0x20 && itself != '\t' && itself != '\n' ? kReplacementText
+                                                            : std::string_view(&itself, 1));
     }
-}
+    set('\r', "&#13;"); // readers take it for a line feed
+    set('<', "&lt;");
+    set('>', "&gt;");
+    set('&', "&amp;");
+    set('"', "&quot;");
+    set('\'', "&#39;");
+    return all;
+}();
 
 } // namespace
 
@@ -111,82 +109,56 @@ void putUtf8(mpu::TextWriter& out, const String& text) {
     }
 }
 
-std::size_t plainRun(std::string_view utf8) {
-    std::size_t i = 0;
-#ifdef __SSE2__
-    for (; utf8.size() - i >= 16; i += 16) {
-        const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(utf8.data() + i));
-        // As signed bytes, so that what is no ASCII is below the blank too.
-        __m128i special = _mm_cmplt_epi8(c, _mm_set1_epi8(' '));
-        for (const char s : {'"', '\\', '\x7F'})
-            special = _mm_or_si128(special, _mm_cmpeq_epi8(c, _mm_set1_epi8(s)));
-        if (const int found = _mm_movemask_epi8(special); found != 0)
-            return i + static_cast<unsigned>(std::countr_zero(static_cast<unsigned>(found)));
-    }
-#endif
-    while (i < utf8.size() && mpu::isPrintable(utf8[i]) && utf8[i] != '"' && utf8[i] != '\\')
-        ++i;
-    return i;
-}
-
 void putPrintable(mpu::TextWriter& out, std::string_view utf8) {
-    std::size_t done = 0;
-    for (std::size_t i = plainRun(utf8); i < utf8.size(); i += 1 + plainRun(utf8.substr(i + 1))) {
-        const unsigned char c = static_cast<unsigned char>(utf8[i]);
-        const unsigned char next =
-            i + 1 < utf8.size() ? static_cast<unsigned char>(utf8[i + 1]) : 0;
-        const bool c1 = c == 0xC2 && next < 0xA0;
-        if ((c >= 0x20 && c != 0x7F && !c1) || c == '\t')
-            continue;
-        out.literal(utf8.substr(done, i - done));
+    constexpr std::size_t kMost = 6;
+    const auto put = [](char* to, std::string_view rest) -> std::pair<char*, std::size_t> {
+        const auto c = static_cast<unsigned char>(rest[0]);
         if (c == '\n')
-            out.literal("\\n");
-        else if (c == '\r')
-            out.literal("\\r");
-        else if (c1)
-            out.literal("\\u").hexUpper(next, 4);
-        else
-            out.literal("\\x").hexUpper(c, 2);
-        i += c1;
-        done = i + 1;
-    }
-    out.literal(utf8.substr(done));
+            return {mpu::putText(to, "\\n"), 1};
+        if (c == '\r')
+            return {mpu::putText(to, "\\r"), 1};
+        const unsigned char next = rest.size() > 1 ? static_cast<unsigned char>(rest[1]) : 0xFF;
+        if (c == 0xC2 && next < 0xA0) // C1
+            return {mpu::putHex(mpu::putText(to, "\\u"), next, 4, mpu::Case::Upper), 2};
+        if (c < 0x20 ? c != '\t' : c == 0x7F)
+            return {mpu::putHex(mpu::putText(to, "\\x"), c, 2, mpu::Case::Upper), 1};
+        *to = rest[0];
+        return {to + 1, 1};
+    };
+    putEscaped<'\x7F', '\xC2'>(out, utf8, kMost, put);
 }
 
 mpu::TextWriter& putJson(mpu::TextWriter& out, std::string_view utf8) {
+    constexpr std::size_t kMost = 6;
+    const auto put = [](char* to, std::string_view rest) -> std::pair<char*, std::size_t> {
+        constexpr std::string_view kLetters = "btn?fr"; // of 8 and those after it
+        const auto c = static_cast<unsigned char>(rest[0]);
+        *to++ = '\\';
+        if (c < 0x20 && (c < '\b' || c > '\r' || c == '\v'))
+            return {mpu::putHex(mpu::putText(to, "u"), c, 4, mpu::Case::Upper), 1};
+        *to = c < 0x20 ? kLetters[c - '\b'] : rest[0];
+        return {to + 1, 1};
+    };
     out.literal("\"");
-    std::size_t done = 0;
-    for (std::size_t i = plainRun(utf8); i < utf8.size(); i += 1 + plainRun(utf8.substr(i + 1))) {
-        const unsigned char c = static_cast<unsigned char>(utf8[i]);
-        if (c >= 0x20 && c != '"' && c != '\\')
-            continue;
-        out.literal(utf8.substr(done, i - done));
-        if (c >= 0x20)
-            out.literal("\\").literal(utf8.substr(i, 1));
-        else
-            out.literal("\\u").hexUpper(c, 4);
-        done = i + 1;
-    }
-    return out.literal(utf8.substr(done)).literal("\"");
+    putEscaped<'"', '\\'>(out, utf8, kMost, put);
+    return out.literal("\"");
 }
 
 void putXml(mpu::TextWriter& out, std::string_view utf8) {
-    std::size_t done = 0;
-    for (std::size_t i = 0; i < utf8.size(); ++i) {
-        std::string_view by = inXml(static_cast<unsigned char>(utf8[i]));
-        std::size_t count = 1;
-        if (utf8[i] == kNoCharacters[0][0])
-            for (const std::string_view none : kNoCharacters)
-                if (utf8.substr(i).starts_with(none)) {
-                    by = kReplacementText;
-                    count = none.size();
-                }
-        if (by.empty())
-            continue;
-        out.literal(utf8.substr(done, i - done)).literal(by);
-        done = i + count;
-    }
-    out.literal(utf8.substr(done));
+    const auto put = [](char* to, std::string_view rest) -> std::pair<char*, std::size_t> {
+        if (const auto c = static_cast<unsigned char>(rest[0]); c < kXmlCharacters.size()) {
+            const XmlCharacter& by = kXmlCharacters[c];
+            std::memcpy(to, &by, sizeof by); // of one size, into the slack
+            return {to + by.length, 1};
+        }
+        for (const std::string_view none : kNoCharacters)
+            if (rest.starts_with(none))
+                return {mpu::putText(to, kReplacementText), none.size()};
+        *to = rest[0];
+        return {to + 1, 1};
+    };
+    constexpr std::size_t kMost = 6;
+    putEscaped<'<', '>', '&', '"', '\'', '\xEF'>(out, utf8, kMost, put);
 }
 
 } // namespace Pegasus::formats

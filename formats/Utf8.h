@@ -8,10 +8,6 @@ namespace Pegasus::formats {
 // All of `text` as UTF-8; half a surrogate pair becomes U+FFFD.
 void putUtf8(mpu::TextWriter& out, const String& text);
 
-// The number of characters at the start that no format has to escape: printable ASCII but the
-// quotation mark and the backslash. Others may be among those after them.
-std::size_t plainRun(std::string_view utf8);
-
 // UTF-8 for a terminal and for readers of lines: line breaks become "\n" and "\r", the other
 // control characters (C0 but the tab, DEL, C1) "\x1B" or "\u0085".
 void putPrintable(mpu::TextWriter& out, std::string_view utf8);

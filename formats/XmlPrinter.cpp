@@ -5,13 +5,20 @@
 #include "formats/Printer.h"
 #include "formats/Utf8.h"
 
+#include <fmt/format.h>
+
 namespace Pegasus::formats {
 
 namespace {
 
 class XmlPrinter : public Printer {
 public:
-    explicit XmlPrinter(const PrintOptions& options) : options_(options) {}
+    explicit XmlPrinter(const PrintOptions& options) : options_(options) {
+        for (const Column& column : kColumns)
+            if (isShown(column, options))
+                elements_.push_back({column, fmt::format("  <{}>", column.name),
+                                     fmt::format("</{}>\n", column.name)});
+    }
 
     void begin(mpu::TextWriter& out) override {
         out.literal("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<events formatVersion=\"");
@@ -21,15 +28,13 @@ public:
 
     void print(const DecodedEvent& event, mpu::TextWriter& out) override {
         out.literal("<event>\n");
-        for (const Column& column : kColumns) {
-            if (!isShown(column, options_))
-                continue;
-            out.literal("  <").literal(column.name).literal(">");
-            if (column.text)
-                putXml(out, event.*column.text);
+        for (const Element& element : elements_) {
+            out.literal(element.open);
+            if (element.column.text)
+                putXml(out, event.*element.column.text);
             else
-                column.putNumber(event, out);
-            out.literal("</").literal(column.name).literal(">\n");
+                element.column.putNumber(event, out);
+            out.literal(element.close);
         }
         if (options_.raw) {
             putPayload(out.literal("  <raw>"), event);
@@ -41,6 +46,12 @@ public:
     }
 
 private:
+    struct Element {
+        const Column& column;
+        std::string open;
+        std::string close;
+    };
+
     static void fields(mpu::TextWriter& out, const std::vector<BodyItem>& items,
                        std::span<const FieldBasis> basis) {
         out.literal("  <fields>\n");
@@ -81,6 +92,7 @@ private:
     }
 
     const PrintOptions options_;
+    std::vector<Element> elements_; // of the columns that are shown
     BodyParser parser_;
 };
 

@@ -5,6 +5,7 @@
 #include "event/AvrelEvent.h"
 #include "event/StringFormat.h"
 #include "event/TextWriter.h"
+#include "formats/Utf8.h"
 
 #include <cmath>
 #include <cstdio>
@@ -252,6 +253,53 @@ void entries(std::string_view text) {
                 "entries");
 }
 
+// Character by character what the formats find in blocks.
+void escapes(std::string_view text) {
+    std::string json = "\"";
+    std::string xml;
+    std::string seen;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const auto code = static_cast<unsigned>(static_cast<unsigned char>(c));
+        const char* const letter = c ? std::strchr("\bb\tt\nn\ff\rr\"\"\\\\", c) : nullptr;
+        json += letter && (code < ' ' || c == '"' || c == '\\') ? std::string("\\") + letter[1]
+                : code < ' '                                    ? printed("\\u%04X", code)
+                                                                : std::string(1, c);
+        seen +=
+            c == '\n'                                   ? "\\n"
+            : c == '\r'                                 ? "\\r"
+            : (code < ' ' && c != '\t') || code == 0x7F ? printed("\\x%02X", code)
+            : c == '\xC2' && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0
+                ? printed("\\u%04X", static_cast<unsigned>(static_cast<unsigned char>(text[++i])))
+                : std::string(1, c);
+    }
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const std::string_view rest = text.substr(i);
+        const bool isNone = rest.starts_with("\xEF\xBF\xBE") || rest.starts_with("\xEF\xBF\xBF");
+        xml +=
+            isNone || (static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' && c != '\r')
+                ? "\xEF\xBF\xBD"
+            : c == '<'  ? "&lt;"
+            : c == '>'  ? "&gt;"
+            : c == '&'  ? "&amp;"
+            : c == '"'  ? "&quot;"
+            : c == '\'' ? "&#39;"
+            : c == '\r' ? "&#13;"
+                        : std::string(1, c);
+        i += isNone ? 2 : 0;
+    }
+    mpu::LineWriter out;
+    formats::putJson(out, text);
+    requireSame(out.view(), json + '"', "JSON");
+    out.clear();
+    formats::putXml(out, text);
+    requireSame(out.view(), xml, "XML");
+    out.clear();
+    formats::putPrintable(out, text);
+    requireSame(out.view(), seen, "printable text");
+}
+
 void text(Bytes bytes) {
     const std::string_view all = characters(bytes);
     safeTexts(all);
@@ -260,6 +308,7 @@ void text(Bytes bytes) {
     names(all);
     numbers(all);
     entries(all);
+    escapes(all);
 }
 
 } // namespace

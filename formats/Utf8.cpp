@@ -153,6 +153,14 @@ void putPrintable(mpu::TextWriter& out, std::string_view utf8) {
     out.literal(utf8.substr(done));
 }
 
+std::string_view shortened(std::string_view utf8, std::size_t size) {
+    if (utf8.size() <= size)
+        return utf8;
+    while (size != 0 && (static_cast<unsigned char>(utf8[size]) & 0xC0) == 0x80)
+        --size;
+    return utf8.substr(0, size);
+}
+
 mpu::TextWriter& putJson(mpu::TextWriter& out, std::string_view utf8) {
     out.literal("\"");
     std::size_t done = 0;

@@ -68,6 +68,16 @@ if(TARGET mpuevent)
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command)
     install(FILES tools/mpuevent/completions/_mpuevent
         DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT command)
+    # lnav looks for formats in /etc and in home directories. Which prefix it is is known when it is
+    # installed.
+    install(CODE [[
+        if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+            set(etc /etc)
+        else()
+            set(etc ${CMAKE_INSTALL_PREFIX}/etc)
+        endif()]] COMPONENT command)
+    install(CODE "file(INSTALL ${PROJECT_SOURCE_DIR}/docs/lnav-format.json RENAME mpuevent_log.json
+        DESTINATION \${etc}/lnav/formats/mpuevent)" COMPONENT command)
 endif()
 
 # ---- provider ----------------------------------------------------------------------------------
@@ -110,5 +120,7 @@ set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "Decoder of a storage controller's event log: headers and archive")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME mpuevent)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION admin)
+file(WRITE ${PROJECT_BINARY_DIR}/conffiles "/etc/lnav/formats/mpuevent/mpuevent_log.json\n")
+set(CPACK_DEBIAN_COMMAND_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/conffiles)
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION "Decoder of a storage controller's event log: command")
 include(CPack)

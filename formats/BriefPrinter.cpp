@@ -52,9 +52,7 @@ public:
             out.literal(coloured ? kPlain : "");
         }
         if (titled_) {
-            putPrintable(out, event.eventID);
-            if (!event.summary.empty())
-                putPrintable(out.literal(": "), event.summary);
+            putHeadline(out, event);
             putDoubts(out, event, "  ", "");
         }
         if (raw_)
@@ -71,6 +69,12 @@ private:
 };
 
 } // namespace
+
+void putHeadline(mpu::TextWriter& out, const DecodedEvent& event) {
+    putPrintable(out, event.eventID);
+    if (!event.summary.empty())
+        putPrintable(out.literal(": "), event.summary);
+}
 
 std::unique_ptr<Printer> makeBriefPrinter(const PrintOptions& options) {
     return std::make_unique<BriefPrinter>(options);

@@ -1,6 +1,7 @@
 #include "formats/Objects.h"
 
 #include "formats/Severity.h"
+#include "formats/Utf8.h"
 
 #include <algorithm>
 #include <charconv>
@@ -18,15 +19,6 @@ const ObjectElement* rowOf(std::string_view element) {
     const auto* found = std::find_if(std::begin(kObjectElements), std::end(kObjectElements),
                                      [&](const ObjectElement& row) { return row.name == element; });
     return found == std::end(kObjectElements) ? nullptr : found;
-}
-
-// Not within a character of UTF-8.
-std::string_view shortened(std::string_view text, std::size_t size) {
-    if (text.size() <= size)
-        return text;
-    while (size != 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80)
-        --size;
-    return text.substr(0, size);
 }
 
 // Hexadecimal numbers become decimal ones.

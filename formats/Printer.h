@@ -4,6 +4,7 @@
 #include "formats/Columns.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Pegasus::formats {
@@ -25,11 +26,11 @@ public:
 };
 
 struct PrintOptions {
-    bool fields = false; // also list the body's elements individually
-    bool raw = false;    // also the payload in hexadecimal
-    bool colour = false; // for a terminal
-    bool time = false;   // events have `time`
-    bool origin = false; // also where an event comes from
+    bool fields = false;                 // also list the body's elements individually
+    bool raw = false;                    // also the payload in hexadecimal
+    bool colour = false;                 // for a terminal
+    std::optional<std::int64_t> epoch{}; // Unix time of time stamp 0; with it events have `time`
+    bool origin = false;                 // also where an event comes from
     // Fields of the event and elements of its body to show, where not those that a format has by
     // itself.
     std::vector<std::string> columns{};
@@ -38,8 +39,11 @@ struct PrintOptions {
 // Whether a column is among those that a format has by itself.
 inline bool isShown(const Column& column, const PrintOptions& options) {
     return column.extra == Extra::None ||
-           (column.extra == Extra::Time ? options.time : options.origin);
+           (column.extra == Extra::Time ? options.epoch.has_value() : options.origin);
 }
+
+// "title: summary", printable, on one line.
+void putHeadline(mpu::TextWriter& out, const DecodedEvent& event);
 
 struct Format {
     const char* name;
@@ -55,6 +59,7 @@ std::unique_ptr<Printer> makeLinePrinter(const PrintOptions& options);
 std::unique_ptr<Printer> makeJsonPrinter(const PrintOptions& options);
 std::unique_ptr<Printer> makeXmlPrinter(const PrintOptions& options);
 std::unique_ptr<Printer> makeCsvPrinter(const PrintOptions& options);
+std::unique_ptr<Printer> makeOtlpPrinter(const PrintOptions& options);
 
 inline constexpr Format kFormats[] = {
     {"text", "an indented block per event", makeTextPrinter, false, false},
@@ -64,6 +69,7 @@ inline constexpr Format kFormats[] = {
     {"json", "a JSON object per line", makeJsonPrinter, true, false},
     {"xml", "an XML document", makeXmlPrinter, true, false},
     {"csv", "CSV with a header line", makeCsvPrinter, true, true},
+    {"otlp", "an OpenTelemetry export request in OTLP/JSON per line", makeOtlpPrinter, true, false},
 };
 
 } // namespace Pegasus::formats

@@ -15,6 +15,8 @@ constexpr unsigned severityOf(unsigned eventType) {
 }
 
 // By the index of the severity: unknown, informational, warning, error.
+inline constexpr unsigned kSyslogSeverities[] = {5, 6, 4, 3}; // notice, info, warning, error
+inline constexpr unsigned kOtlpSeverities[] = {0, 9, 13, 17}; // unspecified, INFO, WARN, ERROR
 inline constexpr std::string_view kColours[] = {"\x1B[35m", "\x1B[32m", "\x1B[33m", "\x1B[31m"};
 inline constexpr std::string_view kPlain = "\x1B[0m";
 

@@ -128,6 +128,14 @@ void putPrintable(mpu::TextWriter& out, std::string_view utf8) {
     putEscaped<'\x7F', '\xC2'>(out, utf8, kMost, put);
 }
 
+std::string_view shortened(std::string_view utf8, std::size_t size) {
+    if (utf8.size() <= size)
+        return utf8;
+    while (size != 0 && (static_cast<unsigned char>(utf8[size]) & 0xC0) == 0x80)
+        --size;
+    return utf8.substr(0, size);
+}
+
 mpu::TextWriter& putJson(mpu::TextWriter& out, std::string_view utf8) {
     constexpr std::size_t kMost = 6;
     const auto put = [](char* to, std::string_view rest) -> std::pair<char*, std::size_t> {

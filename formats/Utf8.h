@@ -12,6 +12,9 @@ void putUtf8(mpu::TextWriter& out, const String& text);
 // control characters (C0 but the tab, DEL, C1) "\x1B" or "\u0085".
 void putPrintable(mpu::TextWriter& out, std::string_view utf8);
 
+// At most so many bytes of UTF-8, and whole characters.
+std::string_view shortened(std::string_view utf8, std::size_t size);
+
 // UTF-8 as a JSON string, with its quotation marks.
 mpu::TextWriter& putJson(mpu::TextWriter& out, std::string_view utf8);
 

@@ -84,11 +84,11 @@ void printAll(Avrel_Event& event, bool isText) {
                                                              c != '\n' && c != '\t';
                                                   }),
                     std::string(name) + " output holds no control characters");
-            if (name == "line" || name == "json")
+            if (name == "line" || name == "json" || name == "otlp")
                 require(text.find('\n') == text.size() - 1, "a line is one line");
             if (name == "json" && isText)
                 requireJson(text, all, fields);
-            else if (name == "json")
+            else if (name == "json" || name == "otlp")
                 require(nlohmann::json::accept(text), "JSON is valid");
 #ifdef MPUEVENT_PARSERS
             if (name == "xml")

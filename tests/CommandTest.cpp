@@ -39,7 +39,7 @@ TEST_F(CommandTest, Usage) {
         {"encode", "mpuevent: The following argument was not expected: encode (did you mean "
                    "\"decode\"?); \"mpuevent --help\" tells more\n"},
         {"decode --format yaml",
-         "mpuevent: --format: yaml not in {text,brief,line,json,xml,csv}; \"mpuevent "
+         "mpuevent: --format: yaml not in {text,brief,line,json,xml,csv,otlp}; \"mpuevent "
          "--help\" tells more\n"},
         {"decode --input pcap", "mpuevent: --input: pcap not in {auto,cmap,record,hex,hex-record}; "
                                 "\"mpuevent --help\" tells more\n"},

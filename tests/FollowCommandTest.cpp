@@ -1,11 +1,50 @@
 // `mpuevent follow` on files that grow, shrink and are replaced while it runs.
 #include "tests/CommandFixture.h"
 
+#include <arpa/inet.h>
 #include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <thread>
 
 namespace Pegasus::test {
 
 namespace {
+
+// A TCP socket on a port of its own.
+class Listener {
+public:
+    Listener() {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto* const at = reinterpret_cast<sockaddr*>(&address);
+        EXPECT_EQ(::bind(socket_, at, size) | ::listen(socket_, 5) |
+                      ::getsockname(socket_, at, &size),
+                  0);
+        port_ = ntohs(address.sin_port);
+    }
+    ~Listener() { ::close(socket_); }
+    std::string port() const { return std::to_string(port_); }
+    // What comes through one connection, which is closed once the text has come.
+    std::string receive(const std::string& last) const {
+        const int connection = ::accept(socket_, nullptr, nullptr);
+        std::string all;
+        char buffer[4096];
+        while (all.find(last) == all.npos || !all.ends_with("***")) {
+            const ssize_t got = ::read(connection, buffer, sizeof buffer);
+            if (got <= 0)
+                break;
+            all.append(buffer, static_cast<std::size_t>(got));
+        }
+        ::close(connection);
+        return all;
+    }
+
+private:
+    int socket_ = ::socket(AF_INET, SOCK_STREAM, 0);
+    unsigned port_;
+};
 
 class FollowCommandTest : public CommandTest {
 protected:
@@ -130,6 +169,51 @@ TEST_F(FollowCommandTest, ReaderGoes) {
     EXPECT_EQ(read("err"), "");
 }
 
+// A receiver that goes and comes back gets every event.
+TEST_F(FollowCommandTest, SendsToSyslog) {
+    Listener listener;
+    std::string received;
+    std::thread receiver([&] {
+        received = listener.receive(" sequenceID=\"1\" ");
+        received += listener.receive(" sequenceID=\"3\" ");
+    });
+    const Result result = follow(
+        "--metrics m.prom --to syslog=127.0.0.1:" + listener.port(),
+        "n=0; until grep -qs '^[^#]* 1$' m.prom || [ $((n+=1)) = 400 ]; do sleep 0.05; done; cat 2 "
+        "3 "
+        ">>log; until grep -q '^[^#]* 3$' m.prom && grep -q again err || [ $((n+=1)) = 400 ]; do "
+        "sleep 0.05; done");
+    receiver.join();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "");
+    // Octet counting: the number, a blank, so many bytes.
+    std::string sequences;
+    for (std::string_view rest = received; !rest.empty();) {
+        const std::size_t blank = rest.find(' ');
+        const std::size_t size = std::stoul(std::string(rest.substr(0, blank)));
+        const std::string_view one = rest.substr(blank + 1, size);
+        ASSERT_EQ(one.size(), size);
+        EXPECT_TRUE(one.starts_with("<134>1 - "));
+        sequences += one[one.find(" sequenceID=\"") + 13];
+        rest.remove_prefix(blank + 1 + size);
+    }
+    // What may not have arrived comes once more.
+    EXPECT_THAT(sequences, testing::AnyOf("123", "1123"));
+}
+
+TEST_F(FollowCommandTest, SaysWhatCouldNotBeSent) {
+    const std::string port = Listener().port(); // nobody has it any more
+    EXPECT_EQ(run("follow --to syslog=127.0.0.1:" + port + " log").err,
+              "mpuevent: syslog=127.0.0.1:" + port + ": Connection refused\n");
+    const std::string name = "syslog=udp:127.0.0.1:" + port;
+    const Result result = follow(
+        "--to " + name, "until grep -q trying err; do sleep 0.05; done; cat 2 >>log", "TERM");
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.err, "mpuevent: " + name +
+                              ": Connection refused; trying again every second\n" +
+                              "mpuevent: " + name + ": 1 event could not be sent\n");
+}
+
 TEST_F(FollowCommandTest, Errors) {
     write("damaged", std::string(3, '\0') + message(1) + message(2) + message(3));
     const struct {
@@ -140,6 +224,12 @@ TEST_F(FollowCommandTest, Errors) {
         {"follow missing", 3, "mpuevent: missing: No such file or directory\n"},
         {"follow .", 3, "mpuevent: .: Is a directory\n"},
         {"follow /dev/null", 3, "mpuevent: /dev/null: neither a file nor a FIFO\n"},
+        {"follow --to syslog= log", 2,
+         "mpuevent: --to: \"syslog=\" is none of journald, syslog, syslog=[tcp:|udp:]HOST:PORT and "
+         "syslog=/PATH; \"mpuevent --help\" tells more\n"},
+        {"follow --to syslog=/nobody log", 3,
+         "mpuevent: syslog=/nobody: No such file or directory\n"},
+        {"follow --metrics damaged log", 3, "mpuevent: damaged: not a metrics file of mpuevent\n"},
         {"follow --limit 2 damaged", 1,
          "mpuevent: damaged: offset 0: message length 0 (expected 216 or more); 3 bytes "
          "passed over, resuming at offset 3\n"},

@@ -1,5 +1,7 @@
 #include "tools/mpuevent/Cursor.h"
 
+#include "tools/mpuevent/Output.h"
+
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -15,23 +17,6 @@ namespace {
 
 constexpr char kFirstLine[] = "mpuevent cursor 1";
 constexpr std::uint64_t kFingerprinted = 4096; // bytes
-
-int writeFile(const std::string& path, std::string_view text) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (descriptor < 0)
-        return errno;
-    int error = 0;
-    while (!text.empty() && error == 0) {
-        const ssize_t done = ::write(descriptor, text.data(), text.size());
-        if (done >= 0)
-            text.remove_prefix(static_cast<std::size_t>(done));
-        else if (errno != EINTR)
-            error = errno;
-    }
-    if (error == 0 && ::fsync(descriptor) != 0)
-        error = errno;
-    return ::close(descriptor) != 0 && error == 0 ? errno : error;
-}
 
 bool isMarked(int descriptor, const Mark& mark) {
     struct stat status;
@@ -113,11 +98,8 @@ int Cursor::store() {
     for (const auto& [file, mark] : marks_)
         text += fmt::format("{} {} {} {} {}\n", mark.device, mark.inode, mark.offset,
                             mark.fingerprint, file);
-    const std::string fresh = path_ + ".new";
-    if (const int error = writeFile(fresh, text); error != 0)
+    if (const int error = replaceFile(path_, text); error != 0)
         return error;
-    if (::rename(fresh.c_str(), path_.c_str()) != 0)
-        return errno;
     changed_ = false;
     return 0;
 }

@@ -59,9 +59,8 @@ bool EventOptions::prepare() const {
     return true;
 }
 
-std::unique_ptr<Printer> EventOptions::printer(const Output& output) const {
-    return rowOf(kFormats, format)
-        .make({fields, raw, output.coloured(), filter.times.epoch.has_value(), origin, columns});
+PrintOptions EventOptions::printing(const Output& output) const {
+    return {fields, raw, output.coloured(), filter.times.epoch, origin, columns};
 }
 
 } // namespace Pegasus::tool

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "formats/Printer.h"
-#include "tools/mpuevent/Filter.h"
-#include "tools/mpuevent/Inputs.h"
+#include "tools/mpuevent/EventSink.h"
 
 namespace Pegasus::tool {
 
@@ -20,35 +19,32 @@ struct EventOptions {
     void addOptions(CLI::App& app, bool endless = false);
     // Reports options that don't go together, and starts the tracing.
     bool prepare() const;
-    std::unique_ptr<Printer> printer(const Output& output) const;
+    PrintOptions printing(const Output& output) const;
+    std::unique_ptr<Printer> printer(const Output& output) const {
+        return rowOf(kFormats, format).make(printing(output));
+    }
     DecodeOptions decoding() const { return {fields, false, knownOnly}; }
 };
 
 // Decodes and writes one message after the other.
-class EventWriter : public SerialSink {
+class EventWriter : public EventSink {
 public:
     EventWriter(const EventOptions& options, Output& output)
-        : SerialSink(output), filter_(options.filter.ofSink(), options.decoding()),
-          left_(options.filter.ofSink().limit.value_or(UINT64_MAX)),
-          printer_(options.printer(output)) {
-        printer_->begin(output.text());
-    }
-    bool take(const Message& message) override {
-        if (const DecodedEvent* event = filter_.decode(message)) {
-            printer_->print(*event, output_.text());
-            --left_;
-        }
-        return output_.proceed() && left_ != 0;
-    }
+        : EventWriter(options, output, options.decoding()) {}
     void onGap() override { printer_->gap(output_.text()); }
     Status finish() {
         printer_->end(output_.text());
         return SerialSink::finish();
     }
 
+protected:
+    EventWriter(const EventOptions& options, Output& output, const DecodeOptions& decoding)
+        : EventSink(options.filter, output, decoding), printer_(options.printer(output)) {
+        printer_->begin(output.text());
+    }
+    void add(const DecodedEvent& event) override { printer_->print(event, output_.text()); }
+
 private:
-    Filter filter_;
-    std::uint64_t left_; // of the events to write
     const std::unique_ptr<Printer> printer_;
 };
 

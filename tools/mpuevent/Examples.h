@@ -75,7 +75,9 @@ inline constexpr char kFollowExamples[] = R"(Examples:
   As it happens:
     mpuevent follow --severity warning --format brief events.cap
   From where the last run stopped:
-    mpuevent follow --cursor events.cursor --format json events.cap)";
+    mpuevent follow --cursor events.cursor --format json events.cap
+  With counts for Prometheus:
+    mpuevent follow --format brief --metrics mpuevent.prom events.cap)";
 
 inline constexpr char kFormatsExamples[] = R"(Examples:
   What does an event hold?

@@ -3,7 +3,9 @@
 #include "tools/mpuevent/Command.h"
 #include "tools/mpuevent/Cursor.h"
 #include "tools/mpuevent/Events.h"
+#include "tools/mpuevent/MetricsFile.h"
 #include "tools/mpuevent/Numbers.h"
+#include "tools/mpuevent/Receiver.h"
 #include "tools/mpuevent/Selector.h"
 
 #include <cerrno>
@@ -14,6 +16,7 @@
 #include <optional>
 #include <poll.h>
 #include <unistd.h>
+#include <utility>
 
 namespace Pegasus::tool {
 
@@ -44,8 +47,83 @@ struct Options {
     std::string input = "cmap";
     std::optional<std::uint64_t> last;
     std::string cursor;
+    std::string metrics;
+    std::string receiver; // none: the output
     EventOptions events;
 };
+
+constexpr int kRetry = 1000; // ms between attempts to deliver
+constexpr int kGrace = 1000; // ms for a receiver to take what is under way when following ends
+
+// Writes the events, or hands them to a receiver, and counts them.
+class Follower : public EventWriter {
+public:
+    Follower(const Options& options, Output& output)
+        : EventWriter(options.events, output, decoding(options)), metrics_(options.metrics) {
+        if (!options.receiver.empty())
+            receiver_ = makeReceiver(options.receiver, options.events.printing(output));
+    }
+
+    // Brings out what was taken. False when that has come to an end.
+    bool flush() {
+        metrics_.store();
+        return receiver_ ? deliver(true) : output_.flush();
+    }
+    // To wait on: tells when the reader of the output has gone. -1 if nobody reads it.
+    int descriptor() const { return receiver_ ? -1 : output_.descriptor(); }
+    void onGap() override {
+        if (!receiver_)
+            EventWriter::onGap();
+    }
+    void complaint(Status status, const std::string& text) override {
+        if (status == kDamaged)
+            metrics_.addFaults(1);
+        EventWriter::complaint(status, text);
+    }
+    Status finish() {
+        if (receiver_ && receiver_->kept() != 0)
+            complaint(kFailed, fmt::format("{}: {} event{} could not be sent", receiver_->name(),
+                                           receiver_->kept(), receiver_->kept() == 1 ? "" : "s"));
+        return std::max(metrics_.finish(), EventWriter::finish());
+    }
+
+private:
+    static DecodeOptions decoding(const Options& options) {
+        DecodeOptions decoding = options.events.decoding();
+        decoding.fieldBasis = decoding.fieldBasis || !options.metrics.empty();
+        return decoding;
+    }
+    void add(const DecodedEvent& event) override {
+        metrics_.add(event);
+        if (!receiver_)
+            return EventWriter::add(event);
+        receiver_->add(event);
+        (void)deliver(false);
+    }
+    bool deliver(bool all);
+
+    std::unique_ptr<Receiver> receiver_;
+    MetricsFile metrics_;
+    bool failing_ = false;
+};
+
+// Tries until it is done or the following is over: what comes meanwhile waits where it is.
+bool Follower::deliver(bool all) {
+    for (int grace = kGrace;;) {
+        const Receiver::Result result = receiver_->deliver(all);
+        if (result == Receiver::Result::Delivered) {
+            if (std::exchange(failing_, false))
+                complain("{}: sending again", receiver_->name());
+            return true;
+        }
+        const bool failed = result == Receiver::Result::Failed;
+        if (interrupted != 0 && (failed || grace-- == 0))
+            return false;
+        if (failed && !std::exchange(failing_, true))
+            complain("{}: {}; trying again every second", receiver_->name(), receiver_->error());
+        (void)::poll(nullptr, 0, failed ? kRetry : 1);
+    }
+}
 
 // What comes through a pipe or a FIFO.
 class Pipe : public ByteSource {
@@ -208,8 +286,8 @@ bool Followed::poll() {
 }
 
 // Waits for more. False when the following is over, be it by the reader of the output, who went.
-bool wait(const Output& output, const std::vector<std::unique_ptr<Followed>>& files) {
-    std::vector<pollfd> waiting{{output.descriptor(), 0, 0}};
+bool wait(const Follower& follower, const std::vector<std::unique_ptr<Followed>>& files) {
+    std::vector<pollfd> waiting{{follower.descriptor(), 0, 0}};
     for (const auto& file : files)
         if (file->descriptor() >= 0)
             waiting.push_back({file->descriptor(), POLLIN, 0});
@@ -226,9 +304,9 @@ Status follow(const Options& options) {
         return kUsage;
     catchSignals();
     Output output;
-    EventWriter writer(options.events, output);
-    Selector selector(options.events.filter, writer);
-    Sink& sink = options.events.filter.selects() ? static_cast<Sink&>(selector) : writer;
+    Follower follower(options, output);
+    Selector selector(options.events.filter, follower);
+    Sink& sink = options.events.filter.selects() ? static_cast<Sink&>(selector) : follower;
     bool wanted = true;
     Cursor cursor(options.cursor);
     std::vector<std::unique_ptr<Followed>> files;
@@ -238,17 +316,18 @@ Status follow(const Options& options) {
             files.push_back(std::move(file));
     for (bool more = true; more;) {
         std::erase_if(files, [](const auto& file) { return !file->poll(); });
-        more = output.flush();
+        more = follower.flush();
         if (more) // what is marked as read has been written
             for (const auto& file : files)
                 file->mark(cursor);
         if (const int error = cursor.store(); error != 0) {
-            writer.complaint(kFailed, fmt::format("{}: {}", options.cursor, std::strerror(error)));
+            follower.complaint(kFailed,
+                               fmt::format("{}: {}", options.cursor, std::strerror(error)));
             more = false;
         }
-        more = more && !files.empty() && wanted && wait(output, files);
+        more = more && !files.empty() && wanted && wait(follower, files);
     }
-    return writer.finish();
+    return follower.finish();
 }
 
 } // namespace
@@ -267,6 +346,18 @@ Runner addFollow(CLI::App& app) {
                    "Go on where the last run with this file stopped, and keep it up to date")
         ->type_name("FILE");
     options->events.addOptions(app, true);
+    CLI::Option* const receiver =
+        app.add_option(
+               "--to", options->receiver,
+               "Send each event to a log instead of writing it: the systemd journal (journald), "
+               "or a receiver of syslog (RFC 5424) through a local socket (syslog: /dev/log; "
+               "syslog=/PATH), TCP (syslog=HOST:PORT) or UDP (syslog=udp:HOST:PORT). While none "
+               "takes them, events wait in their files")
+            ->type_name("RECEIVER")
+            ->check(CLI::Validator(faultOfReceiver, ""));
+    for (const char* option : {"--format", "--fields", "--columns", "--raw"})
+        receiver->excludes(app.get_option(option));
+    addMetrics(app, options->metrics);
     return [options] { return follow(*options); };
 }
 

@@ -50,6 +50,19 @@ void complain(std::string_view message) {
     (void)writeAll(2, fmt::format("mpuevent: {}\n", message));
 }
 
+int replaceFile(const std::string& path, std::string_view text) {
+    const std::string fresh = path + ".new";
+    const int descriptor = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (descriptor < 0)
+        return errno;
+    int error = writeAll(descriptor, text);
+    if (error == 0 && ::fsync(descriptor) != 0)
+        error = errno;
+    if (::close(descriptor) != 0 && error == 0)
+        error = errno;
+    return error == 0 && ::rename(fresh.c_str(), path.c_str()) != 0 ? errno : error;
+}
+
 Output::~Output() {
     if (descriptor_ > 2)
         ::close(descriptor_);

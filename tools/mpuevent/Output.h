@@ -33,6 +33,10 @@ void complain(fmt::format_string<Args...> format, Args&&... args) {
 void showProgress(std::string_view message);
 void hideProgress();
 
+// Writes a file that takes the place of another as a whole, through PATH.new beside it. The errno
+// of a failure.
+int replaceFile(const std::string& path, std::string_view text);
+
 // Standard output or a file, through one large buffer. The first failure ends the writing; it is
 // reported once, by finish() or where it happens. A reader who closed its end is no failure.
 class Output {

@@ -31,7 +31,7 @@ _mpuevent() {
     case $command/$prev in
     decode/--input) _mpuevent_words auto cmap record hex hex-record; return ;;
     decode/--max-reports) true; return ;;
-    decode/--format) _mpuevent_words text brief line json xml csv; return ;;
+    decode/--format) _mpuevent_words text brief line json xml csv otlp; return ;;
     decode/--columns) _mpuevent_list enclosureSerialNumber controllerSerialNumber controllerSlotID eventLogInstanceNumber sequenceID timestamp source category eventType eventTypeText eventID summary body layout missingBytes unreadBytes time file offset; return ;;
     decode/--tz) _mpuevent_words $(timedatectl list-timezones 2>/dev/null); return ;;
     decode/--epoch) _mpuevent_words unix boot; return ;;
@@ -193,6 +193,7 @@ _mpuevent() {
     summary/--format) _mpuevent_words text json; return ;;
     summary/-o) _mpuevent_files; return ;;
     summary/--output) _mpuevent_files; return ;;
+    summary/--metrics) _mpuevent_files; return ;;
     objects/--input) _mpuevent_words auto cmap record hex hex-record; return ;;
     objects/--max-reports) true; return ;;
     objects/--tz) _mpuevent_words $(timedatectl list-timezones 2>/dev/null); return ;;
@@ -464,7 +465,7 @@ _mpuevent() {
     follow/-n) true; return ;;
     follow/--last) true; return ;;
     follow/--cursor) _mpuevent_files; return ;;
-    follow/--format) _mpuevent_words text brief line json xml csv; return ;;
+    follow/--format) _mpuevent_words text brief line json xml csv otlp; return ;;
     follow/--columns) _mpuevent_list enclosureSerialNumber controllerSerialNumber controllerSlotID eventLogInstanceNumber sequenceID timestamp source category eventType eventTypeText eventID summary body layout missingBytes unreadBytes time file offset; return ;;
     follow/--tz) _mpuevent_words $(timedatectl list-timezones 2>/dev/null); return ;;
     follow/--epoch) _mpuevent_words unix boot; return ;;
@@ -514,6 +515,8 @@ _mpuevent() {
     follow/--limit) true; return ;;
     follow/--context) true; return ;;
     follow/--around) true; return ;;
+    follow/--to) true; return ;;
+    follow/--metrics) _mpuevent_files; return ;;
     formats/--module) _mpuevent_words IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event; return ;;
     formats/--code) true; return ;;
     formats/--format) _mpuevent_words text markdown json-schema; return ;;
@@ -530,7 +533,7 @@ _mpuevent() {
     decode/*) _mpuevent_files ;;
     explain/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output ;;
     explain/*) _mpuevent_files ;;
-    summary/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output ;;
+    summary/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output --metrics ;;
     summary/*) _mpuevent_files ;;
     objects/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output --story ;;
     objects/*) _mpuevent_words drives volumes luns fans power-supplies temperature-sensors adapters ports connections initiators controllers enclosures ;;
@@ -544,7 +547,7 @@ _mpuevent() {
     export/*) _mpuevent_files ;;
     cut/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --anonymise -o --output ;;
     cut/*) _mpuevent_files ;;
-    follow/-*) _mpuevent_words -h --help --input -n --last --cursor --format --fields --columns --raw --origin --known-only --trace --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around ;;
+    follow/-*) _mpuevent_words -h --help --input -n --last --cursor --format --fields --columns --raw --origin --known-only --trace --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --to --metrics ;;
     follow/*) _mpuevent_files ;;
     formats/-*) _mpuevent_words -h --help --module --code --format ;;
     formats/*) true ;;

@@ -27,11 +27,13 @@ struct EventOptions {
 // Decodes and writes one message after the other.
 class EventWriter : public SerialSink {
 public:
-    EventWriter(const EventOptions& options, Output& output)
+    // The texts before the first event and after the last one are left to the parts with these.
+    EventWriter(const EventOptions& options, Output& output, Part part = {})
         : SerialSink(output), filter_(options.filter.ofSink(), options.decoding()),
           left_(options.filter.ofSink().limit.value_or(UINT64_MAX)),
-          printer_(options.printer(output)) {
-        printer_->begin(output.text());
+          printer_(options.printer(output)), part_(part) {
+        if (part_.isFirst())
+            printer_->begin(output.text());
     }
     bool take(const Message& message) override {
         if (const DecodedEvent* event = filter_.decode(message)) {
@@ -42,7 +44,8 @@ public:
     }
     void onGap() override { printer_->gap(output_.text()); }
     Status finish() {
-        printer_->end(output_.text());
+        if (part_.isLast())
+            printer_->end(output_.text());
         return SerialSink::finish();
     }
 
@@ -50,6 +53,7 @@ private:
     Filter filter_;
     std::uint64_t left_; // of the events to write
     const std::unique_ptr<Printer> printer_;
+    const Part part_;
 };
 
 } // namespace Pegasus::tool

@@ -19,6 +19,8 @@ inline constexpr char kDecodeExamples[] = R"(Examples:
   For other programs:
     mpuevent decode --format json --jobs 0 events.cap | jq .summary
     mpuevent decode --format csv --columns sequenceID,Drive events.cap
+  The third of eight machines:
+    mpuevent decode --part 3/8 --format json events.cap
   Both controllers of an enclosure, in the order of time:
     mpuevent decode --merge --unique --format brief --origin left.cap right.cap
   A hex dump that came by mail:

@@ -83,7 +83,9 @@ inline constexpr char kFormatsExamples[] = R"(Examples:
   What does an event hold?
     mpuevent formats --module 24 --code 1040
   The schema of the JSON output:
-    mpuevent formats --format json-schema)";
+    mpuevent formats --format json-schema
+  Tables for a ClickHouse cluster:
+    mpuevent formats --format clickhouse-sql | clickhouse-client --multiquery)";
 
 inline constexpr char kSampleExamples[] = R"(Examples:
   A capture to try the other commands with:

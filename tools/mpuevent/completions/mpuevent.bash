@@ -518,7 +518,7 @@ _mpuevent() {
     follow/--around) true; return ;;
     formats/--module) _mpuevent_words IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event; return ;;
     formats/--code) true; return ;;
-    formats/--format) _mpuevent_words text markdown json-schema; return ;;
+    formats/--format) _mpuevent_words text markdown json-schema clickhouse-sql; return ;;
     sample/--module) _mpuevent_words IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event; return ;;
     sample/--count) true; return ;;
     sample/--seed) true; return ;;

@@ -89,6 +89,14 @@ TEST_F(ExportCommandTest, AddsWhatIsNew) {
               "a|256|20|no record header (source 0, event type 0, category 0)\n");
 }
 
+TEST_F(ExportCommandTest, AddsParts) {
+    write("a", drive(1, 7) + std::string(20, 'x') + drive(2, 7)); // cut at 266, in the damage
+    EXPECT_EQ(run("export -o events.db --part 1/2 a").status, 1);
+    EXPECT_EQ(run("export -o events.db --part 2/2 a").status, 0);
+    EXPECT_EQ(counts(), "2|2|4|1\n");
+    EXPECT_EQ(ask("SELECT name, bytes FROM captures"), "a|266\na|266\n");
+}
+
 TEST_F(ExportCommandTest, RefusesWhatIsNoDatabaseOfEvents) {
     write("events.db", "Read me.");
     EXPECT_EQ(run("export -o events.db").err, "mpuevent: events.db: file is not a database\n");

@@ -269,4 +269,24 @@ TEST_F(FormatsCommandTest, JsonSchema) {
     EXPECT_EQ(count, 300);
 }
 
+// scripts/test-cluster asks a server.
+TEST_F(FormatsCommandTest, ClickHouseTables) {
+    const std::string sql = run("formats --format clickhouse-sql").out;
+    write("input", message(1));
+    const auto event = ordered_json::parse(run("decode --format json --epoch unix --origin").out);
+    for (const auto& [key, value] : event.items()) {
+        const std::string column = "\n    " + key + (value.is_string() ? " String," : " UInt");
+        EXPECT_NE(sql.find(column), sql.rfind(column)) << column; // of one server, and of all
+    }
+    for (const char* part :
+         {"    sequenceID UInt32, -- Running number within the log\n", "    offset UInt64,\n",
+          "ORDER BY (controllerSerialNumber, eventLogInstanceNumber, sequenceID, contentHash);",
+          "sipHash64(enclosureSerialNumber, controllerSerialNumber, controllerSlotID, "
+          "eventLogInstanceNumber, sequenceID, timestamp, source, category, eventType, "
+          "eventTypeText, eventID, summary, body, layout, missingBytes, unreadBytes)\n",
+          "multiIf(eventType IN (1, 101), 1, eventType IN (2, 102), 2, eventType IN (3, 103), 3, "
+          "0)"})
+        EXPECT_NE(sql.find(part), sql.npos) << part;
+}
+
 } // namespace Pegasus::test

@@ -1,5 +1,6 @@
 // mpuevent formats and mpuevent sample: what the layout tables say and show.
 #include "event/Avrel_Event.h"
+#include "formats/ClickHouse.h"
 #include "formats/Schema.h"
 #include "formats/Utf8.h"
 #include "tools/catalogue/Modules.h"
@@ -67,6 +68,9 @@ constexpr ReferenceFormat kReferenceFormats[] = {
      }},
     {"json-schema", "the schema of decode --format json",
      [](auto modules, const auto&) { return jsonSchema(modules); }},
+    {"clickhouse-sql",
+     "tables for a ClickHouse cluster, which take what decode --format json writes",
+     [](auto, const auto&) { return clickhouseSql(); }},
 };
 
 // "1040", or two codes as in "1/32"; nothing for what is neither.

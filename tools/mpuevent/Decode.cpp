@@ -23,6 +23,13 @@ struct Options {
 Status decode(const Options& options) {
     if (!options.inputs.spares(options.output) || !options.events.prepare())
         return kUsage;
+    const Part part = options.inputs.part();
+    const TimeStyle style = options.events.filter.times.style;
+    const bool looksBack = style == TimeStyle::Relative || style == TimeStyle::Delta;
+    if (looksBack && !part.isWhole()) {
+        complain("--part: not with --time relative or delta");
+        return kUsage;
+    }
     Output output;
     if (!output.open(options.output))
         return kFailed;
@@ -31,10 +38,9 @@ Status decode(const Options& options) {
         return writer.finish();
     };
     const unsigned jobs = options.jobs ? options.jobs : std::thread::hardware_concurrency();
-    const TimeStyle style = options.events.filter.times.style;
-    if (jobs <= 1 || style == TimeStyle::Relative || style == TimeStyle::Delta)
-        return by(EventWriter(options.events, output));
-    return by(ParallelWriter(options.events, std::min(jobs, kMaxJobs), output));
+    if (jobs <= 1 || looksBack)
+        return by(EventWriter(options.events, output, part));
+    return by(ParallelWriter(options.events, std::min(jobs, kMaxJobs), output, part));
 }
 
 } // namespace
@@ -43,6 +49,7 @@ Runner addDecode(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     options->inputs.addOptions(app);
     options->events.addOptions(app);
+    options->inputs.addPart(app);
     addOutput(app, options->output);
     addNumber(app, "--jobs,-j", options->jobs, "Number of decoding threads; 0 = one per CPU", 0,
               kMaxJobs);

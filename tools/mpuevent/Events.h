@@ -29,23 +29,29 @@ struct EventOptions {
 // Decodes and writes one message after the other.
 class EventWriter : public EventSink {
 public:
-    EventWriter(const EventOptions& options, Output& output)
-        : EventWriter(options, output, options.decoding()) {}
+    // The texts before the first event and after the last one are left to the parts with these.
+    EventWriter(const EventOptions& options, Output& output, Part part = {})
+        : EventWriter(options, output, options.decoding(), part) {}
     void onGap() override { printer_->gap(output_.text()); }
     Status finish() {
-        printer_->end(output_.text());
+        if (part_.isLast())
+            printer_->end(output_.text());
         return SerialSink::finish();
     }
 
 protected:
-    EventWriter(const EventOptions& options, Output& output, const DecodeOptions& decoding)
-        : EventSink(options.filter, output, decoding), printer_(options.printer(output)) {
-        printer_->begin(output.text());
+    EventWriter(const EventOptions& options, Output& output, const DecodeOptions& decoding,
+                Part part = {})
+        : EventSink(options.filter, output, decoding), printer_(options.printer(output)),
+          part_(part) {
+        if (part_.isFirst())
+            printer_->begin(output.text());
     }
     void add(const DecodedEvent& event) override { printer_->print(event, output_.text()); }
 
 private:
     const std::unique_ptr<Printer> printer_;
+    const Part part_;
 };
 
 } // namespace Pegasus::tool

@@ -19,6 +19,8 @@ inline constexpr char kDecodeExamples[] = R"(Examples:
   For other programs:
     mpuevent decode --format json --jobs 0 events.cap | jq .summary
     mpuevent decode --format csv --columns sequenceID,Drive events.cap
+  The third of eight machines:
+    mpuevent decode --part 3/8 --format json events.cap
   Both controllers of an enclosure, in the order of time:
     mpuevent decode --merge --unique --format brief --origin left.cap right.cap
   A hex dump that came by mail:
@@ -83,7 +85,9 @@ inline constexpr char kFormatsExamples[] = R"(Examples:
   What does an event hold?
     mpuevent formats --module 24 --code 1040
   The schema of the JSON output:
-    mpuevent formats --format json-schema)";
+    mpuevent formats --format json-schema
+  Tables for a ClickHouse cluster:
+    mpuevent formats --format clickhouse-sql | clickhouse-client --multiquery)";
 
 inline constexpr char kSampleExamples[] = R"(Examples:
   A capture to try the other commands with:

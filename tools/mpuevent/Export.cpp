@@ -85,6 +85,7 @@ Runner addExport(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     options->inputs.addOptions(app, true);
     options->filter.addOptions(app, TimeUse::Filter, true);
+    options->inputs.addPart(app);
     app.add_option("--output,-o", options->output, "The SQLite file, which is made or added to")
         ->type_name("FILE")
         ->required();

@@ -132,20 +132,24 @@ public:
             recognise();
     }
     bool next(Message& message) override {
-        if (!capture_ || !capture_->next(message)) {
-            close();
-            return false;
+        while (capture_ && capture_->next(message) && message.offset < end_) {
+            if (message.offset < begin_)
+                continue;
+            message.input = name_;
+            return true;
         }
-        message.input = name_;
-        return true;
+        close();
+        return false;
     }
     void close() override {
         if (std::exchange(closed_, true))
             return;
         if (capture_ && merged_)
             sink_.onBegin(name_);
-        if (capture_)
-            sink_.onEnd(capture_->position());
+        if (capture_) {
+            const std::uint64_t end = std::min(capture_->position(), end_);
+            sink_.onEnd(end - std::min(begin_, end));
+        }
         if (faults_ > options_.maxReports && options_.maxReports != 0)
             say(kDamaged, fmt::format("{} more faults", faults_ - options_.maxReports));
         if (bytes_.failure() != 0)
@@ -167,15 +171,32 @@ private:
         for (const std::string& what : early_)
             say(kDamaged, what);
         recognised_ = true;
-        if (refused)
+        if (refused || !split())
             return;
         capture_.emplace(input_->framing(), [this](const Damage& damage) {
-            if (isTold())
+            if (damage.offset >= begin_ && damage.offset < end_ && isTold())
                 sink_.onDamage(name_, damage);
         });
         capture_->open(input_->bytes());
         if (!merged_)
             sink_.onBegin(name_);
+    }
+    // Finds the bytes of its part. What comes before them is read as well: where messages begin may
+    // depend on all of it.
+    bool split() {
+        const Part& part = options_.part;
+        if (part.isWhole())
+            return true;
+        struct stat found;
+        if (::fstat(file_.descriptor(), &found) != 0 || !S_ISREG(found.st_mode) ||
+            !input_->isPlain()) {
+            say(kUsage, "--part takes a plain capture: no pipe, no compressed data, no text");
+            return false;
+        }
+        const auto size = static_cast<std::uint64_t>(found.st_size);
+        begin_ = part.begin(size);
+        end_ = part.end(size);
+        return true;
     }
     bool isTold() {
         ++allFaults_;
@@ -191,6 +212,8 @@ private:
     Sink& sink_;
     std::uint64_t& allFaults_;
     std::uint64_t faults_ = 0;
+    std::uint64_t begin_ = 0; // of the bytes in which wanted messages begin
+    std::uint64_t end_ = UINT64_MAX;
     std::vector<std::string> early_; // faults found before it is said what the input is
     bool recognised_ = false;
     bool closed_ = false;
@@ -225,6 +248,27 @@ void Inputs::addOptions(CLI::App& app, bool ordered) {
                  "sequence number, and the same bytes. Keeps about 16 bytes per event in memory");
 }
 
+void Inputs::addPart(CLI::App& app) {
+    const auto take = [this](const std::string& value) {
+        const std::optional<Part> part = Part::from(value);
+        if (!part)
+            throw CLI::ValidationError(
+                "--part",
+                fmt::format("\"{}\" is not a part such as 3/8, of {} at most", value, Part::kMost));
+        options_.part = *part;
+    };
+    CLI::Option* const option =
+        app.add_option_function<std::string>(
+               "--part", take,
+               "Only the K-th of N parts of a plain capture: the messages and the damage that "
+               "begin in its share of the bytes. All N parts, one after the other, are the whole")
+            ->type_name("K/N");
+    for (const char* const other :
+         {"--merge", "--unique", "--limit", "--last", "--reverse", "--context", "--around"})
+        if (CLI::Option* const excluded = app.get_option_no_throw(other))
+            option->excludes(excluded);
+}
+
 std::uint64_t Inputs::read(Sink& sink) const {
     if (!unique_)
         return readAll(sink);
@@ -249,6 +293,10 @@ std::uint64_t Inputs::readAll(Sink& sink) const {
             return std::make_unique<Reader>(files_[index], options_, true, progress, sink, faults);
         };
         merge(files_.size(), open, [&sink](const Message& message) { return sink.take(message); });
+        return faults;
+    }
+    if (!options_.part.isWhole() && files_.size() > 1) {
+        sink.complaint(kUsage, "--part takes one capture");
         return faults;
     }
     bool more = true;

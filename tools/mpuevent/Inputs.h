@@ -4,6 +4,7 @@
 #include "capture/Capture.h"
 #include "tools/mpuevent/Choices.h"
 #include "tools/mpuevent/Output.h"
+#include "tools/mpuevent/Part.h"
 
 #include <algorithm>
 
@@ -17,7 +18,7 @@ namespace Pegasus::tool {
 class Sink {
 public:
     virtual ~Sink() = default;
-    // The messages and the damage of another input follow; it had as many bytes.
+    // The messages and the damage of another input follow; it, or its part, had as many bytes.
     virtual void onBegin(const std::string&) {}
     virtual void onEnd(std::uint64_t) {}
     // Returns false when it wants no more.
@@ -79,12 +80,16 @@ private:
 struct InputOptions {
     std::string kind = "auto"; // what they hold
     std::uint64_t maxReports = 20;
+    Part part;
 };
 
 class Inputs {
 public:
     // `ordered`: what each input holds is told by itself, in full.
     void addOptions(CLI::App& app, bool ordered = false);
+    // After those that don't go together with it.
+    void addPart(CLI::App& app);
+    const Part& part() const { return options_.part; }
 
     // Hands over every message of every file, in order or as the options say. Faults are passed
     // over; many of a file are counted instead of being told. Returns their number. Shows progress.

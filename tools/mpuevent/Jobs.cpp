@@ -12,11 +12,13 @@ constexpr std::size_t kBatch =
 
 } // namespace
 
-ParallelWriter::ParallelWriter(const EventOptions& options, unsigned jobs, Output& output)
+ParallelWriter::ParallelWriter(const EventOptions& options, unsigned jobs, Output& output,
+                               Part part)
     : options_(options), output_(output), filter_(options.filter.ofSink()),
-      printer_(options.printer(output)), left_(options.filter.ofSink().limit.value_or(UINT64_MAX)),
-      ring_(2 * jobs + 1) {
-    printer_->begin(output.text());
+      printer_(options.printer(output)), part_(part),
+      left_(options.filter.ofSink().limit.value_or(UINT64_MAX)), ring_(2 * jobs + 1) {
+    if (part_.isFirst())
+        printer_->begin(output.text());
     try {
         while (workers_.size() < jobs)
             workers_.emplace_back([this] { work(); });
@@ -71,7 +73,8 @@ void ParallelWriter::complaint(Status status, const std::string& text) {
 Status ParallelWriter::finish() {
     submitAll();
     stop();
-    printer_->end(output_.text());
+    if (part_.isLast())
+        printer_->end(output_.text());
     return std::max(status_, output_.finish());
 }
 

@@ -16,7 +16,7 @@ namespace Pegasus::tool {
 // under way.
 class ParallelWriter : public Sink {
 public:
-    ParallelWriter(const EventOptions& options, unsigned jobs, Output& output);
+    ParallelWriter(const EventOptions& options, unsigned jobs, Output& output, Part part = {});
     ~ParallelWriter() override;
     bool take(const Message& message) override;
     void complaint(Status status, const std::string& text) override;
@@ -49,6 +49,7 @@ private:
     Output& output_;
     const Filter filter_; // the reader's, for headers
     const std::unique_ptr<Printer> printer_;
+    const Part part_;
     std::uint64_t left_; // of the events to write
     bool more_ = true;   // is wanted
     Status status_ = kFine;

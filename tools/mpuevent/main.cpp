@@ -30,7 +30,7 @@ constexpr Command kCommands[] = {
     {"export", "Add captures to an SQLite database", kExportExamples, addExport},
     {"cut", "Write chosen messages as a capture again", kCutExamples, addCut},
     {"follow", "Decode captures as they grow", kFollowExamples, addFollow},
-    {"formats", "Print the record reference or the JSON Schema", kFormatsExamples, addFormats},
+    {"formats", "Print the record reference or a schema", kFormatsExamples, addFormats},
     {"sample", "Write a demonstration capture", kSampleExamples, addSample},
 };
 

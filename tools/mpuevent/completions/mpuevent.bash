@@ -82,6 +82,7 @@ _mpuevent() {
     decode/--context) true; return ;;
     decode/--around) true; return ;;
     decode/--last) true; return ;;
+    decode/--part) true; return ;;
     decode/-o) _mpuevent_files; return ;;
     decode/--output) _mpuevent_files; return ;;
     decode/-j) true; return ;;
@@ -407,6 +408,7 @@ _mpuevent() {
     export/--limit) true; return ;;
     export/--context) true; return ;;
     export/--around) true; return ;;
+    export/--part) true; return ;;
     export/-o) _mpuevent_files; return ;;
     export/--output) _mpuevent_files; return ;;
     cut/--input) _mpuevent_words auto cmap record hex hex-record; return ;;
@@ -519,7 +521,7 @@ _mpuevent() {
     follow/--metrics) _mpuevent_files; return ;;
     formats/--module) _mpuevent_words IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event; return ;;
     formats/--code) true; return ;;
-    formats/--format) _mpuevent_words text markdown json-schema; return ;;
+    formats/--format) _mpuevent_words text markdown json-schema clickhouse-sql; return ;;
     sample/--module) _mpuevent_words IOMGR8P_Event SATA8P_Event MIP8P_Event AWR8P_Event VPI8P_Event ICHAR_Event OB0_Event OB1_Event HACCMP_Event MSMMP_Event STARTUPMP_Event DDLMMP_Event DRIVEADMP_Event ISCSIMP_Event SYSTEM_CONFIGMP_Event NETWORK_CONFIGMP_Event AIMMP_Event SNMPMP_Event SMIS_Event SMI_IND_Event ISNSC_Event ES_ADAPTERMP_Event; return ;;
     sample/--count) true; return ;;
     sample/--seed) true; return ;;
@@ -529,7 +531,7 @@ _mpuevent() {
     case $command/$cur in
     /-*) _mpuevent_words -h --help --version ;;
     /*) _mpuevent_words decode explain summary objects drives verify report export cut follow formats sample ;;
-    decode/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --format --fields --columns --raw --origin --known-only --trace --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output -j --jobs ;;
+    decode/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --format --fields --columns --raw --origin --known-only --trace --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --part -o --output -j --jobs ;;
     decode/*) _mpuevent_files ;;
     explain/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --format -o --output ;;
     explain/*) _mpuevent_files ;;
@@ -543,7 +545,7 @@ _mpuevent() {
     verify/*) _mpuevent_files ;;
     report/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --time --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse -o --output ;;
     report/*) _mpuevent_files ;;
-    export/-*) _mpuevent_words -h --help --input --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around -o --output ;;
+    export/-*) _mpuevent_words -h --help --input --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --part -o --output ;;
     export/*) _mpuevent_files ;;
     cut/-*) _mpuevent_words -h --help --input --max-reports --merge --unique --tz --epoch --source --not-source --category --not-category --severity --not-severity --enclosure --not-enclosure --controller --not-controller --slot --not-slot --log --not-log --id --not-id --drive --not-drive --volume --not-volume --lun --not-lun --fan --not-fan --adapter --not-adapter --port --not-port --connection --not-connection --initiator --not-initiator --since --not-since --until --not-until --event-id --not-event-id --grep --not-grep --where --not-where --customer --engineering -i --ignore-case --limit --context --around --last --reverse --anonymise -o --output ;;
     cut/*) _mpuevent_files ;;

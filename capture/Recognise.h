@@ -28,6 +28,8 @@ public:
 
     // Why it can't be read; empty when it can.
     const std::string& refusal() const { return refusal_; }
+    // Whether the messages are in the input as they are.
+    bool isPlain() const { return layers_.size() == 1; }
     // What was recognised, from the outside in; empty for plain messages.
     const std::string& description() const { return description_; }
     Framing framing() const { return framing_; }

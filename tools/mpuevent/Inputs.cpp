@@ -1,6 +1,6 @@
 #include "tools/mpuevent/Inputs.h"
 
-#include "capture/Recognise.h"
+#include "capture/Input.h"
 #include "tools/mpuevent/Merge.h"
 #include "tools/mpuevent/Numbers.h"
 #include "tools/mpuevent/Unique.h"
@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <fcntl.h>
 #include <numeric>
 #include <optional>
 #include <sys/stat.h>
@@ -19,38 +18,6 @@
 namespace Pegasus::tool {
 
 namespace {
-
-struct Input {
-    const char* name;
-    InputHints hints;
-};
-constexpr Input kInputs[] = {
-    {"auto", {}},
-    {"cmap", {Framing::Message, false}},
-    {"record", {Framing::Record, false}},
-    {"hex", {Framing::Message, true}},
-    {"hex-record", {Framing::Record, true}},
-};
-
-class File {
-public:
-    explicit File(const std::string& path)
-        : descriptor_(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC)),
-          error_(descriptor_ < 0 ? errno : 0) {}
-    ~File() {
-        if (descriptor_ > STDIN_FILENO)
-            ::close(descriptor_);
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    int descriptor() const { return descriptor_; }
-    int error() const { return error_; }
-
-private:
-    int descriptor_;
-    int error_;
-};
 
 bool examine(const std::string& path, struct stat& found) {
     return (path == "-" ? ::fstat(STDIN_FILENO, &found) : ::stat(path.c_str(), &found)) == 0;
@@ -132,7 +99,7 @@ public:
             recognise();
     }
     bool next(Message& message) override {
-        if (!capture_ || !capture_->next(message)) {
+        if (!input_ || !input_->next(message)) {
             close();
             return false;
         }
@@ -142,10 +109,11 @@ public:
     void close() override {
         if (std::exchange(closed_, true))
             return;
-        if (capture_ && merged_)
+        const bool isCapture = input_ && input_->recognised().refusal().empty();
+        if (isCapture && merged_)
             sink_.onBegin(name_);
-        if (capture_)
-            sink_.onEnd(capture_->position());
+        if (isCapture)
+            sink_.onEnd(input_->position());
         if (faults_ > options_.maxReports && options_.maxReports != 0)
             say(kDamaged, fmt::format("{} more faults", faults_ - options_.maxReports));
         if (bytes_.failure() != 0)
@@ -158,23 +126,21 @@ private:
             if (isTold())
                 recognised_ ? say(kDamaged, what) : early_.push_back(what);
         };
-        input_.emplace(bytes_, rowOf(kInputs, options_.kind).hints, onFault);
-        const bool refused = !input_->refusal().empty();
-        if (refused && input_->failure() == 0)
-            say(kFailed, input_->refusal());
-        else if (!refused && !input_->description().empty())
-            say(kFine, "recognised as " + input_->description());
+        input_.emplace(bytes_, rowOf(kInputKinds, options_.kind).hints, onFault,
+                       [this](const Damage& damage) {
+                           if (isTold())
+                               sink_.onDamage(name_, damage);
+                       });
+        const RecognisedInput& found = input_->recognised();
+        const bool refused = !found.refusal().empty();
+        if (refused && found.failure() == 0)
+            say(kFailed, found.refusal());
+        else if (!refused && !found.description().empty())
+            say(kFine, "recognised as " + found.description());
         for (const std::string& what : early_)
             say(kDamaged, what);
         recognised_ = true;
-        if (refused)
-            return;
-        capture_.emplace(input_->framing(), [this](const Damage& damage) {
-            if (isTold())
-                sink_.onDamage(name_, damage);
-        });
-        capture_->open(input_->bytes());
-        if (!merged_)
+        if (!refused && !merged_)
             sink_.onBegin(name_);
     }
     bool isTold() {
@@ -194,10 +160,9 @@ private:
     std::vector<std::string> early_; // faults found before it is said what the input is
     bool recognised_ = false;
     bool closed_ = false;
-    const File file_;
+    const InputFile file_;
     ShownSource bytes_;
-    std::optional<RecognisedInput> input_;
-    std::optional<Capture> capture_;
+    std::optional<Input> input_;
 };
 
 } // namespace
@@ -208,7 +173,7 @@ void Inputs::addOptions(CLI::App& app, bool ordered) {
                    "What a file holds: messages (cmap), bare records (record), or either as hex "
                    "or base64 text (hex, hex-record). Recognised by its first bytes (auto) are "
                    "those, such text in its usual forms, and gzip, xz and zstd data")
-        ->check(CLI::IsMember(namesOf(kInputs)))
+        ->check(CLI::IsMember(namesOf(kInputKinds)))
         ->capture_default_str();
     if (ordered) {
         options_.maxReports = 0;

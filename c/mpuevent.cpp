@@ -23,6 +23,9 @@ constexpr std::size_t kColumnCount = std::size(kColumns);
 constexpr std::size_t kBatchEvents = 1024;
 constexpr std::size_t kBatchBytes = std::size_t{8} << 20; // of texts and records, but for one event
 constexpr std::size_t kMaxDamage = 65536;
+// Epochs that give every timestamp a year of four digits.
+constexpr std::int64_t kFirstEpoch = -62167219200; // 0000-01-01
+constexpr std::int64_t kLastEpoch = 253402300799 - std::int64_t{UINT32_MAX};
 
 constexpr auto kPublicColumns = [] {
     std::array<mpuevent_column, kColumnCount> all{};
@@ -319,6 +322,8 @@ mpuevent_status mpuevent_open(const char* path, const mpuevent_options* options,
             return fail(MPUEVENT_INVALID, "mpuevent_open: options of another version");
         if (chosen.begin > chosen.end)
             return fail(MPUEVENT_INVALID, "mpuevent_open: the range ends before it begins");
+        if (chosen.has_epoch != 0 && (chosen.epoch < kFirstEpoch || chosen.epoch > kLastEpoch))
+            return fail(MPUEVENT_INVALID, "mpuevent_open: an epoch with years beyond 0 to 9999");
         const std::string_view kind = chosen.input ? chosen.input : "auto";
         const auto* const row =
             std::find_if(std::begin(kInputKinds), std::end(kInputKinds),

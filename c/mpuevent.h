@@ -124,7 +124,7 @@ typedef struct mpuevent_options {
     int known_only;
     /*
      * If `has_epoch` is not 0, `epoch` is the Unix time in seconds at which a timestamp is 0, and
-     * the column "time" has dates; it is empty otherwise.
+     * the column "time" has dates, RFC 3339 in UTC; it is empty otherwise. All years are 0 to 9999.
      */
     int has_epoch;
     int64_t epoch;

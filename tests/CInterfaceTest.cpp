@@ -239,6 +239,10 @@ TEST_F(CInterface, TellsWhatIsWrong) {
     mpuevent_reader* reader = nullptr;
     EXPECT_EQ(mpuevent_open("x", &options, &reader), MPUEVENT_INVALID);
     EXPECT_EQ(mpuevent_open(nullptr, nullptr, &reader), MPUEVENT_INVALID);
+    options = MPUEVENT_OPTIONS_INIT;
+    options.has_epoch = 1;
+    options.epoch = INT64_MAX;
+    EXPECT_EQ(mpuevent_open("x", &options, &reader), MPUEVENT_INVALID);
     EXPECT_EQ(mpuevent_column_at(mpuevent_column_find("?")), nullptr);
     EXPECT_NE(found("cut.gz", 0, UINT64_MAX), "");
 }

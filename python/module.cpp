@@ -458,7 +458,7 @@ class Categories {
 public:
     void add(std::string_view text) {
         // Of the event before, most often: then it is the same memory.
-        if (text.data() != last_.data() || text.size() != last_.size() || codes_.empty()) {
+        if (text.data() != last_.data() || text.size() != last_.size()) {
             const auto found = codeOf_.find(text);
             code_ = found != codeOf_.end() ? found->second : addCategory(text);
             last_ = text;

@@ -13,8 +13,9 @@
     events = mpuevent.dask.frame("large.cap", split="64MB")
 
 Files hold messages or bare records, as they are, as hex or base64 text, and any of that packed by
-gzip, xz or zstd. The attributes of an event, and the columns of a frame, are the keys of the command's
-JSON. `timestamp` is the firmware's number, of no known unit; with `epoch` it counts seconds.
+gzip, xz or zstd. The attributes of an event, and the columns of a frame, are the keys of the
+command's JSON. `timestamp` is the firmware's number, of no known unit; with `epoch` it counts
+seconds.
 """
 from __future__ import annotations
 
@@ -38,7 +39,8 @@ __all__ = ["COLUMNS", "Damage", "DamageWarning", "Error", "Event", "Field", "Obj
 
 def open(path: Path, *, begin: int = 0, end: int | None = None, input: str = "auto",
          known_only: bool = False, epoch: int | None = None) -> Reader:
-    """Opens a capture, or standard input for "-", and returns an iterator over its events.
+    """Opens a capture, or standard input for "-", and returns an iterator over its events. A pipe
+    is waited for until it has 256 events.
 
     begin, end  only messages, and damage, that begin at these offsets in bytes: `begin` or later,
                 before `end`. Adjoining ranges have together exactly what the whole has.
@@ -88,8 +90,10 @@ def frame(paths: Path | Iterable[Path], *, columns: Sequence[str] | None = None,
         data[name] = values
     result = pandas.DataFrame(data, columns=list(columns), copy=False)
     result.attrs["damage"] = damage
-    for file in dict.fromkeys(one.file for one in damage):
-        places = [one for one in damage if one.file == file]
+    damaged: dict[str, list[Damage]] = {}
+    for one in damage:
+        damaged.setdefault(one.file, []).append(one)
+    for places in damaged.values():
         more = f" (the first of {len(places)} faults)" if places[1:] else ""
         warnings.warn(f"{places[0]}{more}", DamageWarning, stacklevel=2)
     return result

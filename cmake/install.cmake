@@ -1,4 +1,5 @@
-# cmake --install and the Debian packages, in three parts: library, development, command.
+# cmake --install and the Debian packages, in parts: library, development, command, c,
+# c_development, python.
 
 include(CMakePackageConfigHelpers)
 
@@ -80,6 +81,21 @@ if(TARGET mpuevent)
         DESTINATION \${etc}/lnav/formats/mpuevent)" COMPONENT command)
 endif()
 
+# ---- C interface -------------------------------------------------------------------------------
+
+if(TARGET mpuevent_c)
+    install(TARGETS mpuevent_c EXPORT MPUEventCTargets
+        LIBRARY COMPONENT c NAMELINK_COMPONENT c_development
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    install(FILES c/mpuevent.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT c_development)
+    # find_package(MPUEvent) finds it if it is there.
+    install(EXPORT MPUEventCTargets NAMESPACE MPUEvent:: DESTINATION ${config_dir}
+        COMPONENT c_development)
+    configure_file(cmake/mpuevent-c.pc.in mpuevent-c.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/mpuevent-c.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT c_development)
+endif()
+
 # ---- provider ----------------------------------------------------------------------------------
 
 if(TARGET MPURecordLogProvider)
@@ -106,6 +122,20 @@ endif()
 if(TARGET mpuevent)
     list(APPEND CPACK_COMPONENTS_ALL command)
 endif()
+if(TARGET mpuevent_c)
+    list(APPEND CPACK_COMPONENTS_ALL c c_development)
+    set(CPACK_DEBIAN_C_DEVELOPMENT_PACKAGE_DEPENDS "libmpuevent-c1 (= ${PROJECT_VERSION})")
+endif()
+if(TARGET mpuevent_python)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+    math(EXPR next_minor "${Python_VERSION_MINOR} + 1")
+    set(python_version ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR})
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "libmpuevent-c1 (= ${PROJECT_VERSION}), \
+python3 (>= ${python_version}), python3 (<< ${Python_VERSION_MAJOR}.${next_minor})")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-pandas)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-dask, python3-distributed")
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}) # libmpuevent-c is there
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
@@ -123,4 +153,15 @@ set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION admin)
 file(WRITE ${PROJECT_BINARY_DIR}/conffiles "/etc/lnav/formats/mpuevent/mpuevent_log.json\n")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/conffiles)
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION "Decoder of a storage controller's event log: command")
+set(CPACK_DEBIAN_C_PACKAGE_NAME libmpuevent-c1)
+set(CPACK_DEBIAN_C_PACKAGE_SECTION libs)
+set(CPACK_COMPONENT_C_DESCRIPTION "Decoder of a storage controller's event log: C interface")
+set(CPACK_DEBIAN_C_DEVELOPMENT_PACKAGE_NAME libmpuevent-c-dev)
+set(CPACK_DEBIAN_C_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_COMPONENT_C_DEVELOPMENT_DESCRIPTION
+    "Decoder of a storage controller's event log: header of the C interface")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-mpuevent)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+    "Decoder of a storage controller's event log: module for Python")
 include(CPack)

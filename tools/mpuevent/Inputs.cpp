@@ -1,6 +1,6 @@
 #include "tools/mpuevent/Inputs.h"
 
-#include "capture/Recognise.h"
+#include "capture/Input.h"
 #include "tools/mpuevent/Merge.h"
 #include "tools/mpuevent/Numbers.h"
 #include "tools/mpuevent/Unique.h"
@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <fcntl.h>
 #include <numeric>
 #include <optional>
 #include <sys/stat.h>
@@ -19,38 +18,6 @@
 namespace Pegasus::tool {
 
 namespace {
-
-struct Input {
-    const char* name;
-    InputHints hints;
-};
-constexpr Input kInputs[] = {
-    {"auto", {}},
-    {"cmap", {Framing::Message, false}},
-    {"record", {Framing::Record, false}},
-    {"hex", {Framing::Message, true}},
-    {"hex-record", {Framing::Record, true}},
-};
-
-class File {
-public:
-    explicit File(const std::string& path)
-        : descriptor_(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC)),
-          error_(descriptor_ < 0 ? errno : 0) {}
-    ~File() {
-        if (descriptor_ > STDIN_FILENO)
-            ::close(descriptor_);
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    int descriptor() const { return descriptor_; }
-    int error() const { return error_; }
-
-private:
-    int descriptor_;
-    int error_;
-};
 
 bool examine(const std::string& path, struct stat& found) {
     return (path == "-" ? ::fstat(STDIN_FILENO, &found) : ::stat(path.c_str(), &found)) == 0;
@@ -132,9 +99,7 @@ public:
             recognise();
     }
     bool next(Message& message) override {
-        while (capture_ && capture_->next(message) && message.offset < end_) {
-            if (message.offset < begin_)
-                continue;
+        if (input_ && input_->next(message)) {
             message.input = name_;
             return true;
         }
@@ -144,11 +109,12 @@ public:
     void close() override {
         if (std::exchange(closed_, true))
             return;
-        if (capture_ && merged_)
+        const bool isCapture = input_ && input_->recognised().refusal().empty();
+        if (isCapture && merged_)
             sink_.onBegin(name_);
-        if (capture_) {
-            const std::uint64_t end = std::min(capture_->position(), end_);
-            sink_.onEnd(end - std::min(begin_, end));
+        if (isCapture) {
+            const std::uint64_t end = std::min(input_->position(), range_.end);
+            sink_.onEnd(end - std::min(range_.begin, end));
         }
         if (faults_ > options_.maxReports && options_.maxReports != 0)
             say(kDamaged, fmt::format("{} more faults", faults_ - options_.maxReports));
@@ -162,40 +128,40 @@ private:
             if (isTold())
                 recognised_ ? say(kDamaged, what) : early_.push_back(what);
         };
-        input_.emplace(bytes_, rowOf(kInputs, options_.kind).hints, onFault);
-        const bool refused = !input_->refusal().empty();
-        if (refused && input_->failure() == 0)
-            say(kFailed, input_->refusal());
-        else if (!refused && !input_->description().empty())
-            say(kFine, "recognised as " + input_->description());
+        const bool isWhole = options_.part.isWhole();
+        const bool isSized = isWhole || findRange();
+        input_.emplace(
+            bytes_, rowOf(kInputKinds, options_.kind).hints, onFault,
+            [this](const Damage& damage) {
+                if (isTold())
+                    sink_.onDamage(name_, damage);
+            },
+            range_);
+        const RecognisedInput& found = input_->recognised();
+        const bool refused = !found.refusal().empty();
+        if (refused && found.failure() == 0)
+            say(kFailed, found.refusal());
+        else if (!refused && !found.description().empty())
+            say(kFine, "recognised as " + found.description());
         for (const std::string& what : early_)
             say(kDamaged, what);
         recognised_ = true;
-        if (refused || !split())
+        if (refused)
             return;
-        capture_.emplace(input_->framing(), [this](const Damage& damage) {
-            if (damage.offset >= begin_ && damage.offset < end_ && isTold())
-                sink_.onDamage(name_, damage);
-        });
-        capture_->open(input_->bytes());
-        if (!merged_)
-            sink_.onBegin(name_);
-    }
-    // Finds the bytes of its part. What comes before them is read as well: where messages begin may
-    // depend on all of it.
-    bool split() {
-        const Part& part = options_.part;
-        if (part.isWhole())
-            return true;
-        struct stat found;
-        if (::fstat(file_.descriptor(), &found) != 0 || !S_ISREG(found.st_mode) ||
-            !input_->isPlain()) {
+        if (!isSized || !(isWhole || found.isPlain())) {
             say(kUsage, "--part takes a plain capture: no pipe, no compressed data, no text");
-            return false;
+            input_.reset();
+        } else if (!merged_) {
+            sink_.onBegin(name_);
         }
+    }
+    // Of its part.
+    bool findRange() {
+        struct stat found;
+        if (::fstat(file_.descriptor(), &found) != 0 || !S_ISREG(found.st_mode))
+            return false;
         const auto size = static_cast<std::uint64_t>(found.st_size);
-        begin_ = part.begin(size);
-        end_ = part.end(size);
+        range_ = {options_.part.begin(size), options_.part.end(size)};
         return true;
     }
     bool isTold() {
@@ -212,15 +178,13 @@ private:
     Sink& sink_;
     std::uint64_t& allFaults_;
     std::uint64_t faults_ = 0;
-    std::uint64_t begin_ = 0; // of the bytes in which wanted messages begin
-    std::uint64_t end_ = UINT64_MAX;
+    ByteRange range_;
     std::vector<std::string> early_; // faults found before it is said what the input is
     bool recognised_ = false;
     bool closed_ = false;
-    const File file_;
+    const InputFile file_;
     ShownSource bytes_;
-    std::optional<RecognisedInput> input_;
-    std::optional<Capture> capture_;
+    std::optional<Input> input_;
 };
 
 } // namespace
@@ -231,7 +195,7 @@ void Inputs::addOptions(CLI::App& app, bool ordered) {
                    "What a file holds: messages (cmap), bare records (record), or either as hex "
                    "or base64 text (hex, hex-record). Recognised by its first bytes (auto) are "
                    "those, such text in its usual forms, and gzip, xz and zstd data")
-        ->check(CLI::IsMember(namesOf(kInputs)))
+        ->check(CLI::IsMember(namesOf(kInputKinds)))
         ->capture_default_str();
     if (ordered) {
         options_.maxReports = 0;

@@ -99,12 +99,12 @@ public:
             recognise();
     }
     bool next(Message& message) override {
-        if (input_ && input_->next(message)) {
-            message.input = name_;
-            return true;
+        if (!input_ || !input_->next(message)) {
+            close();
+            return false;
         }
-        close();
-        return false;
+        message.input = name_;
+        return true;
     }
     void close() override {
         if (std::exchange(closed_, true))
@@ -128,15 +128,18 @@ private:
             if (isTold())
                 recognised_ ? say(kDamaged, what) : early_.push_back(what);
         };
-        const bool isWhole = options_.part.isWhole();
-        const bool isSized = isWhole || findRange();
-        input_.emplace(
-            bytes_, rowOf(kInputKinds, options_.kind).hints, onFault,
-            [this](const Damage& damage) {
-                if (isTold())
-                    sink_.onDamage(name_, damage);
-            },
-            range_);
+        struct stat status;
+        const bool isFile = ::fstat(file_.descriptor(), &status) == 0 && S_ISREG(status.st_mode);
+        const Part& part = options_.part;
+        if (!part.isWhole() && isFile) {
+            const auto size = static_cast<std::uint64_t>(status.st_size);
+            range_ = {part.begin(size), part.end(size)};
+        }
+        const DamageHandler onDamage = [this](const Damage& damage) {
+            if (isTold())
+                sink_.onDamage(name_, damage);
+        };
+        input_.emplace(bytes_, rowOf(kInputKinds, options_.kind).hints, onFault, onDamage, range_);
         const RecognisedInput& found = input_->recognised();
         const bool refused = !found.refusal().empty();
         if (refused && found.failure() == 0)
@@ -146,23 +149,12 @@ private:
         for (const std::string& what : early_)
             say(kDamaged, what);
         recognised_ = true;
-        if (refused)
-            return;
-        if (!isSized || !(isWhole || found.isPlain())) {
+        if (!refused && !part.isWhole() && !(isFile && found.isPlain())) {
             say(kUsage, "--part takes a plain capture: no pipe, no compressed data, no text");
             input_.reset();
-        } else if (!merged_) {
+        } else if (!refused && !merged_) {
             sink_.onBegin(name_);
         }
-    }
-    // Of its part.
-    bool findRange() {
-        struct stat found;
-        if (::fstat(file_.descriptor(), &found) != 0 || !S_ISREG(found.st_mode))
-            return false;
-        const auto size = static_cast<std::uint64_t>(found.st_size);
-        range_ = {options_.part.begin(size), options_.part.end(size)};
-        return true;
     }
     bool isTold() {
         ++allFaults_;
@@ -178,7 +170,7 @@ private:
     Sink& sink_;
     std::uint64_t& allFaults_;
     std::uint64_t faults_ = 0;
-    ByteRange range_;
+    ByteRange range_;                // of the bytes in which wanted messages begin
     std::vector<std::string> early_; // faults found before it is said what the input is
     bool recognised_ = false;
     bool closed_ = false;

@@ -298,4 +298,39 @@ TEST_F(CommandTest, Text) {
                                  "\n");
 }
 
+// What was there before goes when its successor is whole, and no sooner.
+TEST_F(CommandTest, OutputFilesAreReplacedAsAWhole) {
+    write("capture", message(1) + message(2));
+    const std::string decode = "$mpuevent decode --format line -o out ";
+    const struct {
+        std::string script;
+        int status;
+        bool stays;
+    } cases[] = {
+        {decode + "capture", 0, false},
+        {decode + "missing", 3, true},
+        {decode + "capture missing 2>err", 3, true},
+        {"trap '' XFSZ; ulimit -f 0; " + decode + "capture", 3, true}, // as if the disk were full
+        {"(cat capture; sleep 9) | timeout 1 " + decode + "-", 124, true},
+    };
+    for (const auto& [script, status, stays] : cases) {
+        ASSERT_EQ(shell("rm -f out*; echo old >out; chmod 604 out; ln -sf out link"), 0);
+        EXPECT_EQ(shell(script), status) << script;
+        EXPECT_EQ(read("out") == "old\n", stays) << script;
+        EXPECT_EQ(shell("[ $(stat -c %a out) = 604 ]"), 0) << script;
+    }
+    // Nothing is lost: what could be read is beside the old file, or is the new one.
+    EXPECT_EQ(shell("rm -f out*; echo old >out; " + decode + "capture missing 2>err"), 3);
+    EXPECT_EQ(
+        shell("[ $(cat out.new-* | wc -l) = 2 ] && grep -q 'out stays as it was; what could be "
+              "written is .*/out.new-' err"),
+        0);
+    EXPECT_EQ(shell("rm -f out*; " + decode + "capture missing; [ $(cat out | wc -l) = 2 ]"), 0);
+    // A link stays one; a pipe is no file to be replaced.
+    EXPECT_EQ(shell("$mpuevent decode -o link capture; [ -L link ] && [ -s out ]"), 0);
+    EXPECT_EQ(shell("mkfifo pipe; cat pipe >got & $mpuevent decode -o pipe capture; wait; "
+                    "[ -p pipe ] && [ -s got ]"),
+              0);
+}
+
 } // namespace Pegasus::test

@@ -65,7 +65,7 @@ public:
     }
     void onIdle() override { output_.flush(); }
     // Of the inputs and of the output, which ends here.
-    Status finish() { return std::max(status_, output_.finish()); }
+    Status finish() { return std::max(status_, output_.finish(status_)); }
 
 protected:
     void raise(Status status) { status_ = std::max(status_, status); }

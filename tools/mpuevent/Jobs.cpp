@@ -75,7 +75,7 @@ Status ParallelWriter::finish() {
     stop();
     if (part_.isLast())
         printer_->end(output_.text());
-    return std::max(status_, output_.finish());
+    return std::max(status_, output_.finish(status_));
 }
 
 // The last one, and all before it.

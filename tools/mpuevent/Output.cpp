@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -66,13 +67,33 @@ int replaceFile(const std::string& path, std::string_view text) {
 Output::~Output() {
     if (descriptor_ > 2)
         ::close(descriptor_);
+    if (!fresh_.empty()) // not finished
+        (void)::unlink(fresh_.c_str());
 }
 
 bool Output::open(const std::string& path) {
     if (path == "-")
         return true;
+    constexpr int kHow = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
     name_ = path;
-    descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    // A link stays, and what it leads to is replaced; devices and pipes are written to.
+    std::error_code none;
+    const std::string target = std::filesystem::weakly_canonical(path, none).string();
+    struct stat old;
+    const bool exists = ::stat(path.c_str(), &old) == 0;
+    if (!none && (!exists || (S_ISREG(old.st_mode) && ::access(path.c_str(), W_OK) == 0))) {
+        fresh_ = target + ".new-XXXXXX";
+        descriptor_ = ::mkostemp(fresh_.data(), O_CLOEXEC);
+        if (descriptor_ >= 0) {
+            target_ = target;
+            const ::mode_t mask = ::umask(0);
+            (void)::umask(mask);
+            (void)::fchmod(descriptor_, exists ? old.st_mode & 07777 : 0666 & ~mask);
+            return true;
+        }
+        fresh_.clear(); // the file may be writable, and the folder not
+    }
+    descriptor_ = ::open(path.c_str(), kHow, 0666);
     return descriptor_ >= 0 || fail(errno);
 }
 
@@ -112,13 +133,27 @@ bool Output::put(std::string_view bytes) {
     return error == 0 || fail(error);
 }
 
-Status Output::finish() {
+Status Output::finish(Status reading) {
     flush();
     const int descriptor = std::exchange(descriptor_, -1);
     if (descriptor >= 0 && ::close(descriptor) != 0 && !ended_ && errno != EINTR)
         fail(errno);
+    replace(reading);
     ended_ = true;
     return status_;
+}
+
+void Output::replace(Status reading) {
+    if (fresh_.empty())
+        return;
+    const std::string fresh = std::exchange(fresh_, {});
+    if (status_ != kFine) {
+        (void)::unlink(fresh.c_str());
+    } else if (reading > kDamaged && ::access(target_.c_str(), F_OK) == 0) {
+        complain("{} stays as it was; what could be written is {}", name_, fresh);
+    } else if (::rename(fresh.c_str(), target_.c_str()) != 0) {
+        fail(errno);
+    }
 }
 
 bool Output::fail(int error) {

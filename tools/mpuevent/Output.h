@@ -42,8 +42,8 @@ int replaceFile(const std::string& path, std::string_view text);
 class Output {
 public:
     ~Output();
-    // Creates or empties the file; "-" is standard output, as if never called. Reports what is
-    // wrong and returns false on failure.
+    // Makes a file that takes the place of this one when it is whole; "-" is standard output, as if
+    // never called. Reports what is wrong and returns false on failure.
     bool open(const std::string& path);
     // Where to write to.
     mpu::TextWriter& text() { return text_; }
@@ -59,17 +59,21 @@ public:
     bool coloured() const;
     // The file, for those who wait for its reader to go.
     int descriptor() const { return descriptor_; }
-    // Writes the rest and closes.
-    Status finish();
+    // Writes the rest and closes. After a failure, or where reading had one, a file that was there
+    // before stays.
+    Status finish(Status reading = kFine);
 
 private:
     static constexpr std::size_t kBlock = std::size_t{256} * 1024;
 
     bool put(std::string_view bytes);
+    void replace(Status reading);
     bool fail(int error);
 
     int descriptor_ = 1;
     std::string name_ = "standard output";
+    std::string target_; // of the renaming; empty where the file is written in place
+    std::string fresh_;  // beside it
     mpu::StackWriter<64> text_;
     bool ended_ = false;
     Status status_ = kFine;

@@ -123,7 +123,7 @@ TEST_F(PartCommandTest, TogetherTheWhole) {
         const bool bare = seed % 2 == 0;
         write("capture", ruin(seed, bare));
         const std::string input = bare ? "--input record" : "--input cmap";
-        for (const unsigned count : {3, 61, 64}) {
+        for (const unsigned count : {3u, 61u, 64u}) {
             const Result whole =
                 expectWhole(count, input + " --max-reports 0 --format json --origin");
             EXPECT_EQ(whole.status, 1); // there is something that could be lost

@@ -52,6 +52,8 @@ protected:
         mpuevent_reader* reader = nullptr;
         EXPECT_EQ(mpuevent_open((folder_ + "/" + name).c_str(), &options, &reader), MPUEVENT_OK)
             << mpuevent_last_error();
+        if (!reader)
+            return all;
         mpuevent_batch* batch = nullptr;
         while (mpuevent_next(reader, &batch) == MPUEVENT_OK)
             all.emplace_back(batch);
@@ -106,18 +108,23 @@ protected:
 } // namespace
 
 TEST_F(CInterface, SaysWhatTheCommandSays) {
+#ifdef MPUEVENT_GZIP
+    const std::string packed = "plain.gz";
+#else
+    const std::string packed = "plain";
+#endif
     ASSERT_EQ(shell("$mpuevent sample --count 300 -o plain && gzip -k plain"), 0);
     mpuevent_options options = MPUEVENT_OPTIONS_INIT;
     options.has_epoch = 1;
     for (const int knownOnly : {0, 1}) {
         options.known_only = knownOnly;
-        const std::string file = folder_ + (knownOnly ? "/plain.gz" : "/plain");
+        const std::string file = folder_ + "/" + (knownOnly ? packed : "plain");
         std::istringstream lines(run("decode --format json --fields --origin --epoch unix " +
                                      std::string(knownOnly ? "--known-only " : "") + "'" + file +
                                      "'")
                                      .out);
         std::size_t events = 0;
-        for (const Batch& batch : batches(knownOnly ? "plain.gz" : "plain", options))
+        for (const Batch& batch : batches(knownOnly ? packed : "plain", options))
             for (std::size_t i = 0; i < mpuevent_batch_size(batch.get()); ++i, ++events) {
                 std::string line;
                 std::getline(lines, line);
@@ -244,7 +251,9 @@ TEST_F(CInterface, TellsWhatIsWrong) {
     options.epoch = INT64_MAX;
     EXPECT_EQ(mpuevent_open("x", &options, &reader), MPUEVENT_INVALID);
     EXPECT_EQ(mpuevent_column_at(mpuevent_column_find("?")), nullptr);
+#ifdef MPUEVENT_GZIP
     EXPECT_NE(found("cut.gz", 0, UINT64_MAX), "");
+#endif
 }
 
 } // namespace Pegasus::test

@@ -154,10 +154,12 @@ TEST_F(ManyCapturesCommandTest, Cut) {
         {"records --last 1", records.substr(records.size() / 2)},
     };
     for (const auto& c : cases) {
+        ASSERT_EQ(shell("rm -f cut"), 0);
         run("cut --output cut " + std::string(c.options));
         EXPECT_TRUE(read("cut") == c.bytes) << c.options;
     }
     EXPECT_EQ(run("cut later --output later").status, 2);
+    ASSERT_EQ(shell("rm cut"), 0);
     const Result mixed = run("cut later records --output cut");
     EXPECT_EQ(mixed.status, 3);
     EXPECT_EQ(mixed.err, "mpuevent: records: recognised as bare records\n"

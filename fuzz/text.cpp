@@ -265,6 +265,10 @@ void escapes(std::string_view text) {
         json += letter && (code < ' ' || c == '"' || c == '\\') ? std::string("\\") + letter[1]
                 : code < ' '                                    ? printed("\\u%04X", code)
                                                                 : std::string(1, c);
+    }
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const auto code = static_cast<unsigned>(static_cast<unsigned char>(c));
         seen +=
             c == '\n'                                   ? "\\n"
             : c == '\r'                                 ? "\\r"

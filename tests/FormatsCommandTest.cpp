@@ -80,7 +80,8 @@ TEST_F(FormatsCommandTest, Fields) {
     EXPECT_EQ(fieldsOf("<A>1").dump(), R"([{"name":"","value":"<A>1"}])");
     const Result wrong = run("decode --fields --format line");
     EXPECT_EQ(wrong.status, 2);
-    EXPECT_EQ(wrong.err, "mpuevent: --fields: not with --format line; use one of json, xml, csv, otlp\n");
+    EXPECT_EQ(wrong.err,
+              "mpuevent: --fields: not with --format line; use one of json, xml, csv, otlp\n");
 }
 
 TEST_F(FormatsCommandTest, Xml) {

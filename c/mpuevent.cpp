@@ -382,28 +382,28 @@ const mpuevent_text* mpuevent_batch_text(const mpuevent_batch* batch, size_t col
                : nullptr;
 }
 
-mpuevent_status mpuevent_batch_fields(mpuevent_batch* batch, size_t event,
-                                      const mpuevent_field** fields, size_t* count) {
+template <class Item>
+static mpuevent_status detailsOf(mpuevent_batch* batch, size_t event,
+                                 std::vector<Item> Details::*kind, const char* caller,
+                                 const Item** items, size_t* count) {
     return guarded([&] {
         if (event >= batch->records.size())
-            return fail(MPUEVENT_INVALID, "mpuevent_batch_fields: no such event");
-        const Details& details = batch->detailsOf(event);
-        *fields = details.fields.data();
-        *count = details.fields.size();
+            return fail(MPUEVENT_INVALID, std::string(caller) + ": no such event");
+        const std::vector<Item>& details = batch->detailsOf(event).*kind;
+        *items = details.data();
+        *count = details.size();
         return MPUEVENT_OK;
     });
 }
 
+mpuevent_status mpuevent_batch_fields(mpuevent_batch* batch, size_t event,
+                                      const mpuevent_field** fields, size_t* count) {
+    return detailsOf(batch, event, &Details::fields, "mpuevent_batch_fields", fields, count);
+}
+
 mpuevent_status mpuevent_batch_objects(mpuevent_batch* batch, size_t event,
                                        const mpuevent_object** objects, size_t* count) {
-    return guarded([&] {
-        if (event >= batch->records.size())
-            return fail(MPUEVENT_INVALID, "mpuevent_batch_objects: no such event");
-        const Details& details = batch->detailsOf(event);
-        *objects = details.objects.data();
-        *count = details.objects.size();
-        return MPUEVENT_OK;
-    });
+    return detailsOf(batch, event, &Details::objects, "mpuevent_batch_objects", objects, count);
 }
 
 const mpuevent_damage* mpuevent_batch_damage(const mpuevent_batch* batch, size_t* count) {

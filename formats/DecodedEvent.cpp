@@ -85,21 +85,18 @@ const DecodedEvent& EventDecoder::decode(std::span<const std::uint8_t> bytes,
         event_.eventTypeText = "Unknown";
 
     const mpu::Record record(header, static_cast<unsigned int>(bytes.size()), &draft_.footprint);
-    const auto watched = [&] {
-        draft_.footprint.setTrace(readings_.get());
+    const auto watchedBy = [&](Readings* readings) {
+        draft_.footprint.setTrace(readings);
         decode(record, function);
         draft_.footprint.setTrace(nullptr);
     };
-    if (options_.readings)
-        watched();
-    else
-        decode(record, function);
+    watchedBy(options_.readings ? readings_.get() : nullptr);
     const EventBasis basis = draft_.footprint.basis();
     tell(basis);
     const bool isSure = basis.layout == Provenance::Documented && basis.missingBytes == 0;
     if (readings_ && (options_.readings || !isSure)) {
         if (!options_.readings)
-            watched();
+            watchedBy(readings_.get());
         tellFields(basis);
         if (options_.knownOnly && basis.layout == Provenance::Assumed)
             leaveOut(*header);

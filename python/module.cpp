@@ -408,33 +408,22 @@ public:
     virtual py::object finish() = 0;
 };
 
-class Uint32Column : public Column {
+template <class Number, const Number* (*Values)(const mpuevent_batch*, std::size_t)>
+class NumberColumn : public Column {
 public:
-    explicit Uint32Column(std::size_t column) : column_(column) {}
+    explicit NumberColumn(std::size_t column) : column_(column) {}
     void add(mpuevent_batch* batch, std::size_t count) override {
-        const std::uint32_t* const values = mpuevent_batch_uint32(batch, column_);
+        const Number* const values = Values(batch, column_);
         values_.insert(values_.end(), values, values + count);
     }
     py::object finish() override { return toArray(std::move(values_)); }
 
 private:
     const std::size_t column_;
-    std::vector<std::uint32_t> values_;
+    std::vector<Number> values_;
 };
-
-class Uint64Column : public Column {
-public:
-    explicit Uint64Column(std::size_t column) : column_(column) {}
-    void add(mpuevent_batch* batch, std::size_t count) override {
-        const std::uint64_t* const values = mpuevent_batch_uint64(batch, column_);
-        values_.insert(values_.end(), values, values + count);
-    }
-    py::object finish() override { return toArray(std::move(values_)); }
-
-private:
-    const std::size_t column_;
-    std::vector<std::uint64_t> values_;
-};
+using Uint32Column = NumberColumn<std::uint32_t, mpuevent_batch_uint32>;
+using Uint64Column = NumberColumn<std::uint64_t, mpuevent_batch_uint64>;
 
 // Seconds of Unix time.
 class TimeColumn : public Column {
